@@ -1,0 +1,17 @@
+# The Linux build: terminal face, operator's publisher, benchmarks, fuzzing.
+find_package(ZLIB REQUIRED)
+find_package(CURL REQUIRED)
+find_package(OpenSSL REQUIRED)
+find_package(Threads REQUIRED)
+target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB CURL::libcurl OpenSSL::Crypto Threads::Threads)
+
+add_executable(launcher ${CMAKE_SOURCE_DIR}/src/main/main_posix.cpp)
+target_link_libraries(launcher PRIVATE launcher_core)
+
+file(GLOB publisher_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/publisher/*.cpp)
+list(FILTER publisher_sources EXCLUDE REGEX "/main\\.cpp$")
+add_library(publisher_core STATIC ${publisher_sources})
+target_include_directories(publisher_core PUBLIC ${CMAKE_SOURCE_DIR}/tools)
+target_link_libraries(publisher_core PUBLIC launcher_core)
+add_executable(publisher ${CMAKE_SOURCE_DIR}/tools/publisher/main.cpp)
+target_link_libraries(publisher PRIVATE publisher_core)

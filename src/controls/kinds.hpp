@@ -1,0 +1,113 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "controls/control.hpp"
+#include "platform/timer_queue.hpp"
+
+namespace controls {
+
+// Colours are 0x00BBGGRR, as the windows' own messages have them: 255 is red, 65280 green.
+using Colour = std::uint32_t;
+
+class Label : public Control {
+ public:
+  Label(Window& window, std::string name, std::string caption = "");
+  Property<std::string, Control> Caption;
+  Property<Colour, Control> ForeColor{*this, "ForeColor", 0};
+  Property<bool, Control> Underline{*this, "FontUnderline", false};
+};
+
+class Button : public Control {
+ public:
+  Button(Window& window, std::string name, std::string caption = "");
+  Property<std::string, Control> Caption;
+};
+
+// Shows one picture; what makes it a button is ui/clsGraphicalButton.
+class ImageControl : public Control {
+ public:
+  using Control::Control;
+  Property<std::string, Control> Picture{*this, "Picture", ""};  // full path; empty: nothing
+  Property<std::string, Control> MouseIcon{*this, "MouseIcon",
+                                           ""};  // full path of a cursor file; empty: the arrow
+  std::string description;                       // what a screen reader reads
+};
+
+class ProgressBar : public Control {
+ public:
+  using Control::Control;
+  Property<double, Control> Max{*this, "Max", 100};
+  Property<double, Control> Value{*this, "Value", 0};
+};
+
+class TextBox : public Control {
+ public:
+  TextBox(Window& window, std::string name, std::string text = "");
+  Property<std::string, Control> Text;
+  Event<> LostFocus;
+};
+
+class ComboBox : public Control {
+ public:
+  using Control::Control;
+  // Replaces the entries; nothing is selected and the text is empty afterwards.
+  void Fill(std::vector<std::string> entries);
+  const std::vector<std::string>& Entries() const { return entries_; }
+  // Selects an entry and shows its text; -1 selects none. Raises no Change.
+  void Select(int index);
+  // Index of the entry with this text; -1 when there is none.
+  int IndexOf(const std::string& text) const;
+
+  Property<std::int32_t, Control> ListIndex{*this, "ListIndex", -1};
+  Property<std::string, Control> Text{*this, "Text", ""};
+  Event<> Change;  // the player chose an entry
+  Event<> KeyUp;   // the player typed into the text
+  Event<> Filled;
+
+ private:
+  std::vector<std::string> entries_;
+};
+
+class OptionButton : public Control {
+ public:
+  OptionButton(Window& window, std::string name, std::string caption);
+  Property<std::string, Control> Caption;
+  Property<bool, Control> Value{*this, "Value", false};
+};
+
+class CheckBox : public Control {
+ public:
+  CheckBox(Window& window, std::string name, std::string caption);
+  Property<std::string, Control> Caption;
+  Property<bool, Control> Value{*this, "Value", false};
+};
+
+class Frame : public Control {
+ public:
+  Frame(Window& window, std::string name, std::string caption);
+  Property<std::string, Control> Caption;
+};
+
+// Runs Tick every Interval milliseconds while it is on; its handler is never entered twice.
+class Timer : public Control {
+ public:
+  Timer(Window& window, std::string name, platform::TimerQueue& queue, std::uint32_t intervalMs);
+  ~Timer() override;
+
+  bool On() const { return enabled_; }
+  void Set(bool on);                             // switching a running timer on again does not restart it
+  void SetInterval(std::uint32_t milliseconds);  // a running timer starts over
+  std::uint32_t Interval() const { return interval_; }
+  Event<> Tick;
+
+ private:
+  platform::TimerQueue& queue_;
+  std::uint32_t interval_;
+  bool enabled_ = false;
+  platform::TimerQueue::Id id_ = 0;
+};
+
+}  // namespace controls

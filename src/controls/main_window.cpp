@@ -1,0 +1,11 @@
+#include "controls/main_window.hpp"
+
+namespace controls {
+
+MainWindow::MainWindow(platform::TimerQueue& timers)
+    : Window("frmMain", "Launcher - Kelvarin"),
+      NewsTimer(*this, "Timer", timers, 2000),
+      tmrUpdates(*this, "tmrUpdates", timers, 100),
+      tmrShow(*this, "tmrShow", timers, 1000) {}
+
+}  // namespace controls

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+enum class DialogButtons { Ok, YesNo, YesNoCancel };
+enum class DialogAnswer { Ok, Yes, No, Cancel };
+
+// The program's own name, the title of a message box that is given none.
+inline constexpr const char* kDefaultDialogTitle = "Launcher - Kelvarin";
+
+class Dialogs {
+ public:
+  virtual ~Dialogs() = default;
+
+  // Shows a message box over the active window of the program and waits for its answer, events running
+  // meanwhile. `text` may hold "\r\n" line breaks. Closing a box answers as its last button would; one with
+  // only OK answers Ok.
+  virtual DialogAnswer Show(const std::string& text, DialogButtons buttons = DialogButtons::Ok,
+                            const std::string& title = kDefaultDialogTitle) = 0;
+};
+
+}  // namespace platform

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// Paths are UTF-8 and may hold doubled separators. Failures are util::RuntimeError with the classic numbers:
+// 53 no such file, 76 no such folder, 70 permission denied or in use, 75 path/file access error, 61 disk
+// full, 57 other I/O.
+namespace platform {
+
+extern const std::string kSeparator;  // "\" on Windows, "/" on Linux
+extern const std::string kLineEnd;    // of text files: CR LF on Windows, LF on Linux
+
+// `path` with every "\" and "/" turned into the platform's own separator.
+std::string NativePath(std::string_view path);
+
+bool IsFile(const std::string& path);
+bool IsFolder(const std::string& path);  // a link to a folder counts
+
+struct FileStamp {
+  std::uint64_t size = 0;
+  std::int64_t modified = 0;  // the file system's own units
+  bool operator==(const FileStamp&) const = default;
+};
+std::optional<FileStamp> StampOf(const std::string& path);
+
+void RemoveFile(const std::string& path);     // 53 when there is none
+bool TryRemoveFile(const std::string& path);  // true when there is no such file afterwards
+void RemoveTree(const std::string& folder);   // links are removed, never followed; a missing folder is fine
+void MakeFolder(const std::string& path);     // one level; an existing folder is fine
+void MakeFolders(const std::string& path);    // every missing level
+
+// Renames `from` over `to` (same volume) so that any reader sees the old or the new file whole. A target that
+// is a running program is moved aside first and removed as soon as the system allows.
+void ReplaceFileWith(const std::string& from, const std::string& to);
+void CloneFile(const std::string& from, const std::string& to);  // through a neighbour; replaces `to`
+void FlushFile(const std::string& path);  // its bytes are on the disk when this returns
+
+struct FoundFile {
+  std::string path;  // relative to the folder searched, platform separators
+  bool operator==(const FoundFile&) const = default;
+};
+// Every file below `folder`, sub-folders included, sorted; links and junctions are neither followed nor
+// listed.
+std::vector<FoundFile> ListTree(const std::string& folder);
+
+// A file read in pieces.
+class InputFile {
+ public:
+  explicit InputFile(const std::string& path);  // opens; other programs may read, write and delete meanwhile
+  ~InputFile();
+  InputFile(InputFile&&) noexcept;
+
+  std::uint64_t Size() const;
+  std::size_t Read(std::span<std::byte> into);  // bytes read, 0 at the end
+  void Seek(std::uint64_t offset);
+
+ private:
+  struct Handle;
+  std::unique_ptr<Handle> handle_;
+};
+
+// A file written to a neighbour of its name and renamed over it by Commit; destroyed without Commit it leaves
+// nothing.
+class OutputFile {
+ public:
+  enum class Existing { Replace, Refuse };  // Refuse: 58 at Commit when the name is taken
+
+  explicit OutputFile(const std::string& path, Existing existing = Existing::Replace);
+  ~OutputFile();
+  OutputFile(OutputFile&&) noexcept;
+
+  void Write(std::span<const std::byte> bytes);
+  void Write(std::string_view text);
+  void Commit();  // flushed to the disk, then under its name
+
+ private:
+  struct Handle;
+  std::unique_ptr<Handle> handle_;
+};
+
+// The whole file; 7 (Out of memory) when it is larger than `limit` bytes.
+std::string ReadWhole(const std::string& path, std::uint64_t limit);
+void WriteWhole(const std::string& path, std::string_view bytes);
+void AppendTo(const std::string& path, std::string_view bytes);  // made when missing
+
+std::string ExecutablePath();                     // full path of the running program
+std::string FolderOf(const std::string& path);    // without trailing separator
+std::string FileNameOf(const std::string& path);  // last part
+std::string BaseNameOf(const std::string& path);  // last part without its extension
+std::string SystemFolder();                       // Windows: the system directory; Linux: /usr/bin
+
+}  // namespace platform

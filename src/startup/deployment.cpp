@@ -1,0 +1,81 @@
+#include "startup/deployment.hpp"
+
+#include <algorithm>
+
+#include "platform/http_client.hpp"
+
+namespace startup {
+namespace {
+
+struct TextKey {
+  const char* section;
+  const char* key;
+  std::string Deployment::*field;
+  const char* builtIn;
+};
+
+constexpr TextKey kTextKeys[] = {
+    {"SITE", "Web", &Deployment::web, "http://127.0.0.1:8250"},
+    {"SITE", "Api", &Deployment::api, "http://127.0.0.1:8250"},
+    {"SITE", "Support", &Deployment::support, "http://127.0.0.1:8250/soporte"},
+    {"SITE", "Forum", &Deployment::forum, "http://127.0.0.1:8250/foro"},
+    {"SITE", "Social", &Deployment::social, "http://127.0.0.1:8250/social"},
+    {"SITE", "Chat", &Deployment::chat, "https://127.0.0.1:8251/chat"},
+    {"SITE", "Client1", &Deployment::client1, "http://127.0.0.1:8250/cliente"},
+    {"SITE", "Client2", &Deployment::client2, "http://127.0.0.1:8250/files/cliente"},
+    {"LAUNCH", "Parameter", &Deployment::parameter, "KELVARIN"},
+    {"LAUNCH", "StaffApplication", &Deployment::staffApplication, "KVN_STAFF"},
+};
+
+constexpr std::array<const char*, kMirrorCount> kBuiltInMirrors = {
+    "https://127.0.0.1:8251/update/kvn2011/",      "https://127.0.0.2:8251/files/update/kvn2011/",
+    "http://127.0.0.1:8250/update/kvn2011/",       "http://127.0.0.3:8250/update/kvn2011/",
+    "http://127.0.0.2:8250/files/update/kvn2011/", "https://127.0.0.4:8251/update/kvn2011/",
+    "https://127.0.0.5:8251/update/kvn2011/",
+};
+
+std::string ValueOf(platform::ProfileFiles& profiles, const std::string& file, const std::string& section,
+                    const std::string& key, const std::string& builtIn) {
+  return profiles.Has(file, section, key) ? profiles.GetVar(file, section, key) : builtIn;
+}
+
+void CutTrailingSlashes(std::string& url) {
+  while (url.ends_with('/')) url.pop_back();
+}
+
+}  // namespace
+
+bool Deployment::AnyUsable() const { return std::find(usable.begin(), usable.end(), true) != usable.end(); }
+
+bool Deployment::IsSecondHost(const std::string& url) const { return url == mirrors[1] || url == mirrors[4]; }
+
+std::vector<std::string> ProblemsOf(const Deployment& deployment) {
+  std::vector<std::string> problems;
+  for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
+    if (deployment.usable[i]) continue;
+    problems.push_back("Deployment.ini: MIRRORS/" + std::to_string(i + 1) +
+                       " no es una dirección http o https completa terminada en \"/\"; no se usará.");
+  }
+  if (!deployment.AnyUsable()) {
+    problems.push_back(
+        "Deployment.ini: ninguna dirección de MIRRORS se puede usar; no es posible actualizar el juego.");
+  }
+  return problems;
+}
+
+Deployment LoadDeployment(platform::ProfileFiles& profiles, const std::string& file) {
+  Deployment deployment;
+  for (const TextKey& text : kTextKeys) {
+    deployment.*text.field = ValueOf(profiles, file, text.section, text.key, text.builtIn);
+  }
+  CutTrailingSlashes(deployment.web);
+  CutTrailingSlashes(deployment.api);
+  for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
+    std::string& mirror = deployment.mirrors[i];
+    mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), kBuiltInMirrors[i]);
+    deployment.usable[i] = mirror.ends_with('/') && !platform::ResolvedUrl(mirror).empty();
+  }
+  return deployment;
+}
+
+}  // namespace startup

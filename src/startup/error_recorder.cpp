@@ -1,0 +1,56 @@
+#include "startup/error_recorder.hpp"
+
+#include <exception>
+
+#include "platform/encoding.hpp"
+#include "platform/files.hpp"
+#include "util/text.hpp"
+
+namespace startup {
+namespace {
+
+constexpr std::int32_t kMostRepeats = 1500;
+constexpr std::uint64_t kLargestLog = 3000;
+constexpr std::uint32_t kPauseMs = 100;
+
+// Each step of the recorder stands alone: one that fails is skipped.
+template <class Step>
+void Attempt(Step step) {
+  try {
+    step();
+  } catch (const std::exception&) {
+  }
+}
+
+}  // namespace
+
+void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
+  host_.dialogs.Show("Error: " + text);
+  if (text == LastErrorText && !text.empty() && RepeatCount < kMostRepeats) {
+    ++RepeatCount;
+    return;
+  }
+  LastErrorText = text;
+  RepeatCount = 0;
+  host_.clock.Sleep(kPauseMs);
+  WriteLine(util::Replaced(util::Replaced(text, "{", "-"), "}", "-"));
+  if (!askToClose) return;
+  const auto answer = host_.dialogs.Show(
+      text + "\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.",
+      platform::DialogButtons::YesNo, "¡Error en el Launcher de Kelvarin!");
+  if (answer == platform::DialogAnswer::Yes) lifetime_.End(1);
+}
+
+void ErrorRecorder::WriteLine(const std::string& text) {
+  const std::string log = folders_.AppPath + platform::NativePath("\\..\\Errores.log");
+  Attempt([&] {
+    const auto stamp = platform::StampOf(log);
+    if (stamp && stamp->size > kLargestLog) platform::RemoveFile(log);
+  });
+  Attempt([&] {
+    const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + text;
+    platform::AppendTo(log, platform::ToAnsi(line) + platform::kLineEnd);
+  });
+}
+
+}  // namespace startup

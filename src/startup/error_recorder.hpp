@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/host.hpp"
+#include "startup/folders.hpp"
+#include "startup/lifetime.hpp"
+
+namespace startup {
+
+// The one place where failures become known: shown to the player and appended to Errores.log in the folder
+// above the launcher. Never fails itself.
+class ErrorRecorder {
+ public:
+  ErrorRecorder(platform::Host& host, const Folders& folders, Lifetime& lifetime)
+      : host_(host), folders_(folders), lifetime_(lifetime) {}
+
+  // `askToClose` adds the question whether the launcher is to be closed, whose Yes ends the process.
+  void LogError(const std::string& text, bool askToClose = false);
+
+ private:
+  void WriteLine(const std::string& text);
+
+  platform::Host& host_;
+  const Folders& folders_;
+  Lifetime& lifetime_;
+  std::string LastErrorText;
+  std::int32_t RepeatCount = 0;
+};
+
+}  // namespace startup

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "startup/error_recorder.hpp"
+
+namespace startup {
+
+// What a procedure's error handler knows of a failure. `line` is the procedure's own line counter: it numbers
+// its steps 10, 20, 30, ... so that a report names the same place in every build.
+struct Failure {
+  int number = 0;
+  std::string description;
+  int line = 0;
+
+  std::string Line() const { return std::to_string(line); }
+  // "Error 53 (File not found)", the start of nearly every report.
+  std::string Opening() const { return "Error " + std::to_string(number) + " (" + description + ")"; }
+};
+
+// The failure that is being handled right now; to be called inside a catch block.
+Failure CurrentFailure(int line);
+
+// The boundary of a named procedure: runs body(int& line); whatever it throws is worded by words(const
+// Failure&) and recorded. True when nothing was thrown.
+template <class Body, class Words>
+bool Guarded(ErrorRecorder& recorder, Body&& body, Words&& words) {
+  int line = 0;
+  try {
+    std::forward<Body>(body)(line);
+    return true;
+  } catch (...) {
+    recorder.LogError(words(CurrentFailure(line)), false);
+    return false;
+  }
+}
+
+}  // namespace startup

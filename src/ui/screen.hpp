@@ -1,0 +1,47 @@
+#pragma once
+
+#include <string>
+
+#include "controls/control.hpp"
+#include "controls/menu.hpp"
+
+namespace ui {
+
+struct Area {
+  int left = 0, top = 0, right = 0, bottom = 0;  // pixels
+  int Width() const { return right - left; }
+  int Height() const { return bottom - top; }
+  bool operator==(const Area&) const = default;
+};
+
+enum class TrayAction { Add = 0, Modify = 1, Remove = 2 };
+
+// Where windows are shown: real ones on Windows, printed lines in the terminal. Beside the properties that a
+// controls::Face follows, what the windows' own code asks of the screen.
+class Screen {
+ public:
+  virtual ~Screen() = default;
+
+  // From now on the window follows its Visible, State and other properties and gets the player's events. It
+  // must be detached before it is destroyed.
+  virtual void Attach(controls::Window& window) = 0;
+  virtual void Detach(controls::Window& window) = 0;
+
+  virtual Area WorkArea() = 0;  // of the screen that shows the notification area
+  virtual Area Bounds(const controls::Window& window) = 0;
+  virtual void MoveTo(controls::Window& window, int left, int top) = 0;
+  virtual void Centre(controls::Window& window) = 0;
+  virtual void BringToForeground(controls::Window& window) = 0;
+  virtual void SetTopmost(controls::Window& window) = 0;
+  virtual void StartDrag(controls::Window& window) = 0;  // the system moves the window with the pointer
+
+  // The notification-area icon of the program (its own icon resource "AAA"). Its mouse messages arrive as
+  // TrayMessage, by their published window-message numbers.
+  virtual void NotifyIcon(TrayAction action, const std::string& tip) = 0;
+  controls::Event<int> TrayMessage;
+
+  // Shows a pop-up menu at the pointer and runs the Click of the entry chosen.
+  virtual void PopupMenu(controls::Menu& menu) = 0;
+};
+
+}  // namespace ui

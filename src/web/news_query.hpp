@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "web/server_list.hpp"
+
+namespace web {
+
+// The body of the main window's timer "Timer": asks for news and keeps the server list fresh.
+class NewsQuery {
+ public:
+  // ShowMessage of the news pop-up: text, title, number, milliseconds.
+  using ShowMessage = std::function<void(const std::string&, const std::string&, std::int32_t, std::int32_t)>;
+
+  NewsQuery(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
+            startup::Lifetime& lifetime, controls::MainWindow& frmMain, Inet1& inet, smodXmlHttp& transfers,
+            const Hosts& hosts, modGeneral::HostSelection& selection, modGeneral::ServerList& servers);
+
+  void Timer_Timer();
+
+  ShowMessage showMessage;  // set by the owner of the pop-up; empty: nothing is shown
+
+ private:
+  const startup::Deployment& deployment_;
+  startup::ErrorRecorder& recorder_;
+  startup::Lifetime& lifetime_;
+  controls::MainWindow& frmMain_;
+  Inet1& inet_;
+  smodXmlHttp& transfers_;
+  const Hosts& hosts_;
+  modGeneral::HostSelection& selection_;
+  modGeneral::ServerList& servers_;
+  std::string lastTitle_;
+  std::int16_t ticks_ = 0;
+  bool shown_ = false;
+};
+
+}  // namespace web

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "web/host_selection.hpp"
+
+namespace modGeneral {
+
+// One game server as its record of eight "@"-separated fields tells it.
+struct Server {
+  std::uint8_t field1 = 0;
+  std::string name;
+  std::string state;
+  std::string field4;
+  std::int32_t field5 = 0;
+  std::int16_t players = 0;
+  std::string remark;
+  std::int32_t field8 = 0;
+};
+
+// The servers and their three labels in the main window.
+class ServerList {
+ public:
+  ServerList(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
+             startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
+             web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection);
+
+  std::string GetServersList();  // the raw answer, empty when nothing arrived
+  void OrderLblServerList();
+  void Parse(const std::string& answer);
+
+  const std::string& Text() const { return serverListText_; }
+  const std::vector<Server>& Servers() const { return servers_; }
+
+ private:
+  const startup::Deployment& deployment_;
+  startup::ErrorRecorder& recorder_;
+  startup::Lifetime& lifetime_;
+  controls::MainWindow& frmMain_;
+  web::Inet1& inet_;
+  web::smodXmlHttp& transfers_;
+  const web::Hosts& hosts_;
+  HostSelection& selection_;
+  std::vector<Server> servers_;
+  bool listParsed_ = false;
+  std::string serverListText_;
+};
+
+}  // namespace modGeneral

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "controls/main_window.hpp"
+#include "platform/host.hpp"
+#include "startup/folders.hpp"
+#include "startup/lifetime.hpp"
+#include "web/download_state.hpp"
+
+namespace web {
+
+// The transfer primitives. Each is a blocking call for its caller while events go on being handled.
+class smodXmlHttp {
+ public:
+  smodXmlHttp(platform::Host& host, const startup::Folders& folders, startup::Lifetime& lifetime,
+              controls::MainWindow& frmMain, DownloadState& state, const Hosts& hosts)
+      : host_(host),
+        folders_(folders),
+        lifetime_(lifetime),
+        frmMain_(frmMain),
+        state_(state),
+        hosts_(hosts) {}
+
+  // The body of an answer as text (UTF-8; at most 16 MiB), whatever the status; what was read so far when the
+  // transfer fails. A successful answer is also left in the scratch file Tmp.tmp.
+  std::string GetHttpText(const std::string& url);
+
+  // Saves the body to `localPath`, which must not exist, whatever the status, and sets
+  // DownloadState.Finished; shows its progress in the main window. On failure Finished is false and there is
+  // no file. The body of a 200 is also left in the scratch file tmp.tmp.
+  void DownloadUrlToFile(const std::string& url, const std::string& localPath);
+
+  // The operating system's download-to-file service in the launcher's own words: true when the whole file
+  // arrived.
+  bool DownloadFile(const std::string& Url, const std::string& LocalFilename);
+
+ private:
+  platform::Host& host_;
+  const startup::Folders& folders_;
+  startup::Lifetime& lifetime_;
+  controls::MainWindow& frmMain_;
+  DownloadState& state_;
+  const Hosts& hosts_;
+};
+
+// Checks on addresses that a web host answered.
+bool IsTextToken(std::string_view text);
+bool IsInRange(std::string_view text, int kind);  // 0: 0 to 255; 1: 16-bit; 2: 32-bit
+bool IsDottedAddress(std::string_view text);
+bool IsColonList(std::string_view text);
+
+}  // namespace web

@@ -1,0 +1,100 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/host.hpp"
+#include "platform/machine.hpp"
+
+namespace support {
+
+// A clock that stands still until it is stepped; Sleep steps it at once.
+class SteppedClock : public platform::Clock {
+ public:
+  std::uint64_t Milliseconds() override { return now_; }
+  std::uint32_t SystemUptime() override { return static_cast<std::uint32_t>(now_) & platform::kUptimeMask; }
+  void Sleep(std::uint32_t milliseconds) override { now_ += milliseconds; }
+  std::string DateText() override { return "21/11/2026"; }
+  std::string TimeText() override { return "10:20:30"; }
+  void Set(std::uint64_t now) { now_ = now; }
+  void Step(std::uint64_t milliseconds) { now_ += milliseconds; }
+
+ private:
+  std::uint64_t now_ = 3'600'000;
+};
+
+struct ShownDialog {
+  std::string title, text;
+  platform::DialogButtons buttons;
+};
+
+// Records message boxes and answers them from a script; past its end OK, or No, or Cancel.
+class ScriptedDialogs : public platform::Dialogs {
+ public:
+  platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
+                              const std::string& title) override;
+  std::deque<platform::DialogAnswer> answers;  // used by questions only
+  std::vector<ShownDialog> shown;
+  std::function<void(const ShownDialog&)> onShow;
+};
+
+struct RecordedLock : platform::NamedLock {
+  bool existed = false;
+  std::function<void()> onRelease;
+  bool AlreadyExisted() const override { return existed; }
+  ~RecordedLock() override {
+    if (onRelease) onRelease();
+  }
+};
+
+class RecordedProcesses : public platform::Processes {
+ public:
+  bool Start(const platform::StartRequest& request) override {
+    started.push_back(request);
+    return startSucceeds;
+  }
+  std::vector<std::string> RunningImageNames() override { return running; }
+  std::unique_ptr<platform::NamedLock> TakeLock(const std::string& name) override;
+
+  std::vector<platform::StartRequest> started;
+  std::vector<std::string> running, locksTaken, locksReleased;
+  bool startSucceeds = true;
+  bool lockExists = false;
+};
+
+class RecordedShell : public platform::Shell {
+ public:
+  bool OpenPage(const std::string& url, const std::string& workingFolder) override {
+    pages.push_back(url);
+    folders.push_back(workingFolder);
+    return true;
+  }
+  bool OpenFile(const std::string& file, const std::string& workingFolder) override {
+    files.push_back(file);
+    folders.push_back(workingFolder);
+    return true;
+  }
+  std::vector<std::string> pages, files, folders;
+};
+
+// The machine for a test: the real HTTP client, files, profile files, settings store and event loop;
+// stand-ins that record for the clock, the message boxes and started processes.
+class TestHost {
+ public:
+  TestHost();
+
+  SteppedClock clock;
+  ScriptedDialogs dialogs;
+  RecordedProcesses processes;
+  RecordedShell shell;
+  std::unique_ptr<platform::EventLoop> events;
+  std::unique_ptr<platform::SettingsStore> settings;
+  std::unique_ptr<platform::ProfileFiles> profiles;
+  std::unique_ptr<platform::HttpClient> http;
+  platform::Host host;
+};
+
+}  // namespace support
