@@ -60,7 +60,9 @@ void clsGraphicalButton::ButtonHolder_MouseMove() {
   Formulario_->LastPressed = this;
 }
 
-void clsGraphicalButton::ButtonHolder_MouseUp() { ButtonHolder_->Picture = disabled_ ? disabledPicture_ : hover_; }
+void clsGraphicalButton::ButtonHolder_MouseUp() {
+  ButtonHolder_->Picture = disabled_ ? disabledPicture_ : hover_;
+}
 
 void clsGraphicalButton::ShowResting() { ButtonHolder_->Picture = disabled_ ? disabledPicture_ : normal_; }
 

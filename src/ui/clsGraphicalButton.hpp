@@ -15,16 +15,16 @@ struct LastPressedHolder {
 };
 
 // Makes a button of an image control: a picture for each of its states and, if asked for, a hand pointer. A
-// disabled button still delivers its clicks, so click handlers ask isEnabled where that matters. The control and
-// the holder outlive the button, and the button every event of the control.
+// disabled button still delivers its clicks, so click handlers ask isEnabled where that matters. The control
+// and the holder outlive the button, and the button every event of the control.
 class clsGraphicalButton {
  public:
   clsGraphicalButton() = default;
   clsGraphicalButton(const clsGraphicalButton&) = delete;
   clsGraphicalButton& operator=(const clsGraphicalButton&) = delete;
 
-  // Paths are full paths; the disabled picture and the pointer may be empty. A picture that is missing raises 53
-  // after everything else was set up, so a caller that goes on has a working button without that picture.
+  // Paths are full paths; the disabled picture and the pointer may be empty. A picture that is missing raises
+  // 53 after everything else was set up, so a caller that goes on has a working button without that picture.
   void Initialize(controls::ImageControl& imgButton, const std::string& imgNormalPath,
                   const std::string& imgRollOverPath, const std::string& imgClickPath,
                   LastPressedHolder& Formulario, const std::string& imgDisabledPath = "",
