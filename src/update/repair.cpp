@@ -19,6 +19,7 @@ void Repair::cmdReiniciarUpdates_Click() {
         if (answer != platform::DialogAnswer::Yes) return;
         line = 20;
         frmMain_.NewsTimer.Set(false);
+        startOver_();
         line = 30;
         platform::WriteWhole(folders_.BinDir + platform::NativePath("\\MD5Update.ini"), " \r\n");
         for (const char* category : kCategories) {

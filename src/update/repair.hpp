@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 #include "controls/main_window.hpp"
 #include "platform/host.hpp"
 #include "startup/deployment.hpp"
@@ -13,8 +15,9 @@ namespace update {
 class Repair {
  public:
   Repair(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-         startup::ErrorRecorder& recorder, controls::MainWindow& frmMain)
-      : host_(host), folders_(folders), deployment_(deployment), recorder_(recorder), frmMain_(frmMain) {}
+         startup::ErrorRecorder& recorder, controls::MainWindow& frmMain, std::function<void()> startOver)
+      : host_(host), folders_(folders), deployment_(deployment), recorder_(recorder), frmMain_(frmMain),
+        startOver_(std::move(startOver)) {}
 
   void cmdReiniciarUpdates_Click();
 
@@ -24,6 +27,7 @@ class Repair {
   const startup::Deployment& deployment_;
   startup::ErrorRecorder& recorder_;
   controls::MainWindow& frmMain_;
+  std::function<void()> startOver_;  // tells a check that is under way
 };
 
 }  // namespace update
