@@ -18,12 +18,10 @@ class frmMessagesConfigurateds {
   controls::Window Window{"frmMessagesConfigurateds", "Mensajes Predefinidos"};
 
  private:
-  void Form_Load();
-
   controls::Label lblMensajes_;
   std::deque<controls::Label> labels_;
   std::deque<controls::TextBox> messageTxt_;
-  controls::Button cmdAceptar_, cmdClose_;
+  std::deque<controls::Button> buttons_;
   SettingsWindow opened_;
 };
 

@@ -24,12 +24,25 @@ struct SettingsServices {
   settings::SoundTable& sounds;
 };
 
+// Full path of a picture of the options' own folder: `state` is "_n" (normal), "_a" (pointed at), "_c"
+// (pressed) or "_d" (disabled), or empty for one that has no states.
+std::string OptionPicture(const startup::Folders& folders, const std::string& name, const std::string& state);
+
+// The report of a window's procedure: "Error ... procedimiento `procedure` Formulario `window` línea: ...",
+// then `ending`.
+using Words = std::function<std::string(const startup::Failure&)>;
+Words WindowWords(const std::string& procedure, const std::string& window, const std::string& ending = "");
+
 // The coming and going of one modeless window: given to the screen when it is first shown, loaded each time
 // it is opened, hidden when it closes. Esc writes the settings and closes it.
 class SettingsWindow {
  public:
-  // `load` fills the controls and reports its own failures.
-  SettingsWindow(SettingsServices& services, controls::Window& window, std::function<void()> load);
+  using Load = std::function<void(int& line)>;
+
+  // `load` fills the controls; what it throws is reported as the window's Form_Load, ended by `ending`, and
+  // the window is shown nevertheless.
+  SettingsWindow(SettingsServices& services, controls::Window& window, Load load,
+                 const std::string& ending = "");
   ~SettingsWindow();
   SettingsWindow(const SettingsWindow&) = delete;
 
@@ -37,14 +50,14 @@ class SettingsWindow {
   void Close();
 
  private:
+  void Form_Load();
+
   SettingsServices& services_;
   controls::Window& window_;
-  std::function<void()> load_;
+  Load load_;
+  Words words_;
   bool attached_ = false;
   bool loading_ = false;
 };
-
-// "Error ... procedimiento `procedure` Formulario `window` línea: ...", the report of a window's procedure.
-std::function<std::string(const startup::Failure&)> WindowWords(std::string procedure, std::string window);
 
 }  // namespace ui
