@@ -86,12 +86,31 @@ bool IsRedirect(int status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
+struct FreeUrl {
+  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+};
+struct FreeText {
+  void operator()(char* text) const { curl_free(text); }
+};
+
+// `location` as seen from `base`; as it stands when that makes no address.
+std::string Absolute(const std::string& base, const std::string& location) {
+  const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
+  constexpr unsigned kFlags = CURLU_URLENCODE | CURLU_NON_SUPPORT_SCHEME;
+  char* text = nullptr;
+  if (curl_url_set(url.get(), CURLUPART_URL, base.c_str(), kFlags) != CURLUE_OK ||
+      curl_url_set(url.get(), CURLUPART_URL, location.c_str(), kFlags) != CURLUE_OK ||
+      curl_url_get(url.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) {
+    return location;
+  }
+  return std::unique_ptr<char, FreeText>(text).get();
+}
+
 HttpError ErrorOf(CURLcode code) {
   switch (code) {
     case CURLE_OK:
       return HttpError::None;
     case CURLE_URL_MALFORMAT:
-    case CURLE_UNSUPPORTED_PROTOCOL:
       return HttpError::BadUrl;
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_COULDNT_RESOLVE_HOST:
@@ -144,9 +163,7 @@ class Exchange {
     const HttpError error = Perform();
     if (failure_) std::rethrow_exception(failure_);
     if (redirecting_ && error != HttpError::Cancelled && error != HttpError::Stalled) {
-      const char* target = nullptr;
-      curl_easy_getinfo(easy_, CURLINFO_REDIRECT_URL, &target);
-      redirect = target ? target : head_.Header("location");
+      redirect = Absolute(url, head_.Header("location"));
       return {HttpError::None, head_.status};
     }
     if (error == HttpError::None && !headDone_) return {HttpError::Other, head_.status};
