@@ -157,7 +157,7 @@ void modGameIni::ReadFields(int& line) {
 }
 
 void modGameIni::ReadCredits() {
-  Config.CreditoInterfaz.resize(std::size_t{Config.MaxInterfaces} + 1);
+  Config.CreditoInterfaz.assign(std::size_t{Config.MaxInterfaces} + 1, "");
   if (Config.MaxInterfaces == 0) return;
   for (std::size_t i = 0; i < Config.CreditoInterfaz.size(); ++i) {
     Config.CreditoInterfaz[i] = profiles_.GetVar(file_, kSection, kCredit + std::to_string(i));
