@@ -189,6 +189,9 @@ TEST_F(OptionsWindowTest, VolumesStepByFiveBetweenTheirEnds) {
       EXPECT_EQ(CaptionOf("lbl" + kind + "Volume"), std::string(after) + "%");
     }
   }
+  gameIni.Config.MusicVolume = 150;
+  Click("chkMusic");
+  EXPECT_EQ(Stored("MusicVolume") + CaptionOf("lblMusicVolume"), "100100%");
 }
 
 TEST_F(OptionsWindowTest, ListsWriteWhatIsChosen) {
