@@ -36,6 +36,9 @@ class ScriptedDialogs : public platform::Dialogs {
  public:
   platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
                               const std::string& title) override;
+  void Announce(const std::string& text, const std::string& title) override {
+    shown.push_back({title, text, platform::DialogButtons::Ok});
+  }
   std::deque<platform::DialogAnswer> answers;  // used by questions only
   std::vector<ShownDialog> shown;
   std::function<void(const ShownDialog&)> onShow;
