@@ -21,11 +21,20 @@ bool IsReadOnly(const std::string& file) {
 class PosixProfileFiles : public ProfileFiles {
  public:
   std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
-    return FromAnsi(Read(file, section, key).value_or("").substr(0, kLongestValue));
+    return Cut(IniValue(Text(file), ToAnsi(section), ToAnsi(key)));
+  }
+
+  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
+                                   std::span<const std::string> keys) override {
+    const std::string text = Text(file);
+    const std::string name = ToAnsi(section);
+    std::vector<std::string> values;
+    for (const std::string& key : keys) values.push_back(Cut(IniValue(text, name, ToAnsi(key))));
+    return values;
   }
 
   bool Has(const std::string& file, const std::string& section, const std::string& key) override {
-    return Read(file, section, key).has_value();
+    return IniValue(Text(file), ToAnsi(section), ToAnsi(key)).has_value();
   }
 
   void WriteVars(const std::string& file, const std::string& section,
@@ -41,13 +50,17 @@ class PosixProfileFiles : public ProfileFiles {
   }
 
  private:
-  static std::optional<std::string> Read(const std::string& file, const std::string& section,
-                                         const std::string& key) {
+  // Empty when there is no file that can be read.
+  static std::string Text(const std::string& file) {
     try {
-      return IniValue(ReadWhole(file, kLargestFile), ToAnsi(section), ToAnsi(key));
+      return ReadWhole(file, kLargestFile);
     } catch (const util::RuntimeError&) {
-      return std::nullopt;
+      return {};
     }
+  }
+
+  static std::string Cut(const std::optional<std::string>& value) {
+    return FromAnsi(value.value_or("").substr(0, kLongestValue));
   }
 };
 
