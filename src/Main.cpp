@@ -55,7 +55,8 @@ void Launcher::Main() {
 
 // A folder that holds only the program can be installed into.
 void Launcher::PrepareFolders() {
-  for (const std::string& folder : {folders_.ResourcesDir, folders_.InitDir, folders_.ResourcesUpdateDir, folders_.BinDir}) {
+  for (const std::string& folder :
+       {folders_.ResourcesDir, folders_.InitDir, folders_.ResourcesUpdateDir, folders_.BinDir}) {
     platform::MakeFolders(folder);
   }
 }
@@ -75,7 +76,8 @@ bool Launcher::IsProcessNameRunning(const std::string& imageName) {
         }
       },
       [](const startup::Failure& failure) {
-        return failure.Opening() + " procedimiento IsProcessNameRunning Módulo modProcess línea: " + failure.Line();
+        return failure.Opening() +
+               " procedimiento IsProcessNameRunning Módulo modProcess línea: " + failure.Line();
       });
   return running;
 }

@@ -149,19 +149,21 @@ void modGameIni::LoadGameConfig() {
 }
 
 void modGameIni::ReadFields(int& line) {
-  for (const Field& field : kFields) {
+  std::vector<std::string> keys;
+  for (const Field& field : kFields) keys.emplace_back(field.key);
+  const std::vector<std::string> texts = profiles_.GetVars(file_, kSection, keys);
+  for (std::size_t i = 0; i < std::size(kFields); ++i) {
     line += kLineStep;  // a line for each field, so that a report tells which one the file has wrong
-    const std::string text = profiles_.GetVar(file_, kSection, field.key);
-    std::visit([&](auto member) { Assign(Config.*member, text); }, field.member);
+    std::visit([&](auto member) { Assign(Config.*member, texts[i]); }, kFields[i].member);
   }
 }
 
 void modGameIni::ReadCredits() {
-  Config.CreditoInterfaz.resize(std::size_t{Config.MaxInterfaces} + 1);
+  Config.CreditoInterfaz.assign(1, "");
   if (Config.MaxInterfaces == 0) return;
-  for (std::size_t i = 0; i < Config.CreditoInterfaz.size(); ++i) {
-    Config.CreditoInterfaz[i] = profiles_.GetVar(file_, kSection, kCredit + std::to_string(i));
-  }
+  std::vector<std::string> keys;
+  for (int i = 0; i <= Config.MaxInterfaces; ++i) keys.push_back(kCredit + std::to_string(i));
+  Config.CreditoInterfaz = profiles_.GetVars(file_, kSection, keys);
 }
 
 void modGameIni::LoadDefaultGameConfig() {

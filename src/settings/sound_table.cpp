@@ -1,5 +1,7 @@
 #include "settings/sound_table.hpp"
 
+#include <vector>
+
 #include "platform/files.hpp"
 #include "util/numeric.hpp"
 
@@ -22,9 +24,10 @@ SoundTable::SoundTable(platform::ProfileFiles& profiles, const startup::Folders&
 void SoundTable::Load() {
   silenced_.fill(false);
   if (!platform::IsFile(file_)) return;
-  for (int number = 1; number <= kSoundCount; ++number) {
-    silenced_[IndexOf(number)] = util::Val(profiles_.GetVar(file_, kSection, KeyOf(number))) != 0;
-  }
+  std::vector<std::string> keys;
+  for (int number = 1; number <= kSoundCount; ++number) keys.push_back(KeyOf(number));
+  const std::vector<std::string> values = profiles_.GetVars(file_, kSection, keys);
+  for (std::size_t i = 0; i < silenced_.size(); ++i) silenced_[i] = util::Val(values[i]) != 0;
 }
 
 bool SoundTable::Silenced(int number) const { return InTable(number) && silenced_[IndexOf(number)]; }

@@ -47,7 +47,9 @@ constexpr PicturedButton kButtons[] = {
 }  // namespace
 
 frmCustomK::frmCustomK(SettingsServices& services)
-    : services_(services), opened_(services, Window, [this](int&) { Form_Load(); }) {
+    : services_(services),
+      opened_(
+          services, Window, [this](int&) { Form_Load(); }, WindowWords("Form_Load", Window.Name())) {
   AddFrames();
   Check1_.emplace_back(Window, "Check1", "Desactivar el efecto de teclas al hablar");
   AddButtons();

@@ -29,7 +29,7 @@ frmOpciones::frmOpciones(SettingsServices& services)
       services_(services),
       opened_(
           services, Window, [this](int& line) { Form_Load(line); },
-          " por favor reportelo en nuestra página de Facebook:, " + services.deployment.social) {
+          [this](const startup::Failure& failure) { return LoadFailure(failure); }) {
   for (const Check& check : kChecks) (Window.*check.control).description = (Window.*check.caption).Caption;
   for (const auto& button : kOptionButtons) (Window.*button.control).description = button.description;
   Window.chkSilenciarWav.description = Window.captionSilenciarWav.Caption;
@@ -41,6 +41,11 @@ frmOpciones::frmOpciones(SettingsServices& services)
   ConnectLists();
   ConnectSound();
   ConnectButtons();
+}
+
+std::string frmOpciones::LoadFailure(const startup::Failure& failure) const {
+  return WindowWords("Form_Load", Window.Name())(failure) +
+         " por favor reportelo en nuestra página de Facebook:, " + services_.deployment.social;
 }
 
 void frmOpciones::Form_Load(int& line) {

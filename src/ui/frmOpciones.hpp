@@ -31,6 +31,7 @@ class frmOpciones {
   using Body = std::function<void(int& line)>;
 
   void Form_Load(int& line);
+  std::string LoadFailure(const startup::Failure& failure) const;
   void Form_Activate();
   void LoadPictures();
   void LoadPicture(clsGraphicalButton& button, controls::ImageControl& control, const std::string& name,

@@ -48,6 +48,10 @@ void Step(Volume& volume, int by) {
   volume = static_cast<Volume>(by > 0 ? std::min<std::int64_t>(stepped, 100) : stepped < 1 ? 0 : stepped);
 }
 
+std::int32_t ChosenNumber(const controls::ComboBox& list) {
+  return util::ToInt32(util::Val(list.Entries().at(static_cast<std::size_t>(list.ListIndex.Get()))));
+}
+
 }  // namespace
 
 void frmOpciones::On(controls::Event<>& event, const std::string& name, Body body) {
@@ -129,7 +133,7 @@ void frmOpciones::ConnectLists() {
 
 void frmOpciones::cmbFPS_Change() {
   if (Window.cmbFPS.ListIndex < 0) return;
-  Config().FPS = util::ToInt32(util::Val(Window.cmbFPS.Text.Get()));
+  Config().FPS = ChosenNumber(Window.cmbFPS);
   Window.Caption = "Efectos de Video - ¡Cambios!";
   Window.FrameRateChanged = Window.VideoModeChanged = true;
   Save();
@@ -137,7 +141,7 @@ void frmOpciones::cmbFPS_Change() {
 
 void frmOpciones::cmbMemory_Change() {
   if (Window.cmbMemory.ListIndex < 0) return;
-  Config().MaxVideoMemory = util::ToInt32(util::Val(Window.cmbMemory.Text.Get()));
+  Config().MaxVideoMemory = ChosenNumber(Window.cmbMemory);
   ShowMemory();
   Save();
 }

@@ -11,19 +11,15 @@ std::string OptionPicture(const startup::Folders& folders, const std::string& na
   return folders.GraphicsDir + platform::NativePath("Opciones\\") + name + state + ".jpg";
 }
 
-Words WindowWords(const std::string& procedure, const std::string& window, const std::string& ending) {
+Words WindowWords(const std::string& procedure, const std::string& window) {
   return [=](const startup::Failure& failure) {
     return failure.Opening() + " procedimiento " + procedure + " Formulario " + window +
-           " línea: " + failure.Line() + ending;
+           " línea: " + failure.Line();
   };
 }
 
-SettingsWindow::SettingsWindow(SettingsServices& services, controls::Window& window, Load load,
-                               const std::string& ending)
-    : services_(services),
-      window_(window),
-      load_(std::move(load)),
-      words_(WindowWords("Form_Load", window.Name(), ending)) {
+SettingsWindow::SettingsWindow(SettingsServices& services, controls::Window& window, Load load, Words words)
+    : services_(services), window_(window), load_(std::move(load)), words_(std::move(words)) {
   window_.KeyDown += [this](int key) {
     if (key != controls::kKeyEscape) return;
     services_.gameIni.SaveGameConfig(services_.gameIni.Config);

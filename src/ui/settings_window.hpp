@@ -28,10 +28,9 @@ struct SettingsServices {
 // (pressed) or "_d" (disabled), or empty for one that has no states.
 std::string OptionPicture(const startup::Folders& folders, const std::string& name, const std::string& state);
 
-// The report of a window's procedure: "Error ... procedimiento `procedure` Formulario `window` línea: ...",
-// then `ending`.
+// The report of a window's procedure: "Error ... procedimiento `procedure` Formulario `window` línea: ...".
 using Words = std::function<std::string(const startup::Failure&)>;
-Words WindowWords(const std::string& procedure, const std::string& window, const std::string& ending = "");
+Words WindowWords(const std::string& procedure, const std::string& window);
 
 // The coming and going of one modeless window: given to the screen when it is first shown, loaded each time
 // it is opened, hidden when it closes. Esc writes the settings and closes it.
@@ -39,10 +38,8 @@ class SettingsWindow {
  public:
   using Load = std::function<void(int& line)>;
 
-  // `load` fills the controls; what it throws is reported as the window's Form_Load, ended by `ending`, and
-  // the window is shown nevertheless.
-  SettingsWindow(SettingsServices& services, controls::Window& window, Load load,
-                 const std::string& ending = "");
+  // `load` fills the controls; what it throws is reported in `words` and the window is shown nevertheless.
+  SettingsWindow(SettingsServices& services, controls::Window& window, Load load, Words words);
   ~SettingsWindow();
   SettingsWindow(const SettingsWindow&) = delete;
 

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <exception>
 
+#include "util/clsFastString.hpp"
 #include "util/text.hpp"
 
 namespace update {
@@ -92,16 +93,16 @@ void DigestRecord::Forget(const std::string& inBin) {
   if (proofs_.erase(inBin) > 0) changed_ = true;
 }
 
-void DigestRecord::Save() {
+void DigestRecord::Save(const std::function<void(const std::string&)>& logError) {
   if (!changed_) return;
-  std::string text(kHeading);
-  text += platform::kLineEnd;
+  util::clsFastString text(logError);
+  text.Append(std::string(kHeading) + platform::kLineEnd);
   for (const auto& [name, proof] : proofs_) {
-    text += proof.digest + " " + std::to_string(proof.stamp.size) + " " +
-            std::to_string(proof.stamp.modified) + " " + name + platform::kLineEnd;
+    text.Append(proof.digest + " " + std::to_string(proof.stamp.size) + " " +
+                std::to_string(proof.stamp.modified) + " " + name + platform::kLineEnd);
   }
-  text += std::string(kTotal) + std::to_string(proofs_.size()) + platform::kLineEnd;
-  platform::WriteWhole(file_, text);
+  text.Append(std::string(kTotal) + std::to_string(proofs_.size()) + platform::kLineEnd);
+  platform::WriteWhole(file_, text.Value());
   changed_ = false;
 }
 

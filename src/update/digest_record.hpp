@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -21,7 +22,8 @@ class DigestRecord {
   std::optional<std::string> Find(const std::string& inBin, const platform::FileStamp& stamp) const;
   void Remember(const std::string& inBin, const platform::FileStamp& stamp, const std::string& digest);
   void Forget(const std::string& inBin);
-  void Save();  // writes only what changed; may raise
+  // Writes the file when anything changed; raises what the file system does.
+  void Save(const std::function<void(const std::string&)>& logError);
 
  private:
   struct Proof {

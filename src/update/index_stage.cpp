@@ -137,7 +137,7 @@ void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& pr
     }
   }
   try {
-    proved.Save();
+    proved.Save([this](const std::string& text) { recorder_.LogError(text); });
   } catch (const util::RuntimeError& error) {  // costs the next start time, nothing else
     recorder_.Note(std::string(kRecordName) + ": " + error.Description());
   }

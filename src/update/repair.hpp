@@ -16,7 +16,11 @@ class Repair {
  public:
   Repair(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
          startup::ErrorRecorder& recorder, controls::MainWindow& frmMain, std::function<void()> startOver)
-      : host_(host), folders_(folders), deployment_(deployment), recorder_(recorder), frmMain_(frmMain),
+      : host_(host),
+        folders_(folders),
+        deployment_(deployment),
+        recorder_(recorder),
+        frmMain_(frmMain),
         startOver_(std::move(startOver)) {}
 
   void cmdReiniciarUpdates_Click();
