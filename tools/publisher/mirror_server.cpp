@@ -21,6 +21,7 @@ constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::uint64_t kPiecesPerSecond = 10;  // at a limited rate
 constexpr std::size_t kConnections = 32;        // at once; an idle one occupies its thread too
 constexpr std::time_t kIdleSeconds = 2;
+constexpr std::size_t kMostRequests = 100'000;  // on one connection
 constexpr std::uint64_t kLargestTemplate = 64 * 1024;
 constexpr const char* kNewsCaching = "max-age=60";  // launchers ask every two seconds
 constexpr const char* kOtherCaching = "no-cache";   // kept, but never used without asking
@@ -141,6 +142,7 @@ MirrorServer::MirrorServer(const Layout& layout, const ServeOptions& options, Co
   if (!IsLoopback(options.host)) throw Failure(options.host + ": no loopback address (127.0.0.0/8)");
   server.set_socket_options(KeepPortToItself);
   server.set_keep_alive_timeout(kIdleSeconds);
+  server.set_keep_alive_max_count(kMostRequests);
   server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };  // the server deletes it
   server.Get(".*", [state = state_.get()](const httplib::Request& request, httplib::Response& response) {
     state->Answer(request, response);

@@ -54,7 +54,7 @@ Content PackFile(const std::string& source, const std::string& target, Progress&
   if (size > kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
   platform::OutputFile file = Naming(target, [&] { return platform::OutputFile(target); });
   const auto write = [&](std::span<const std::byte> bytes) { Naming(target, [&] { file.Write(bytes); }); };
-  write(std::as_bytes(std::span(Header(size))));
+  Naming(target, [&] { file.Write(Header(size)); });
   Deflater deflater(Deflater::Format::Zlib);
   const Content content =
       ReadThrough(source, progress, [&](std::span<const std::byte> bytes) { deflater.Feed(bytes, write); });

@@ -45,7 +45,8 @@ std::vector<SourceFile> Walk(const std::string& folder, std::ostream& warnings) 
     const fs::file_type kind = entry.symlink_status().type();
     if (kind == fs::file_type::regular) {
       const std::string name = entry.path().lexically_relative(folder).native();
-      files.push_back({entry.path().native(), name, entry.file_size()});
+      const fs::perms run = fs::perms::owner_exec & entry.status().permissions();
+      files.push_back({entry.path().native(), name, entry.file_size(), run != fs::perms::none});
     } else if (kind != fs::file_type::directory) {
       warnings << "warning: " << entry.path().native() << ": left out, since it is no plain file\n";
     }

@@ -13,6 +13,7 @@ struct SourceFile {
   std::string path;  // to open it
   std::string name;  // relative to the folder given, "/" between its parts
   std::uint64_t size = 0;
+  bool program = false;  // marked as executable
 };
 
 // Why a launcher would not take a file of this relative name, or could not write it; empty when it would.

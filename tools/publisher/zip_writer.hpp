@@ -23,13 +23,15 @@ class ZipWriter {
  private:
   struct Entry {
     std::string name;
+    bool program = false;
     std::uint32_t crc = 0;
     std::uint64_t size = 0, packedSize = 0, offset = 0;
   };
 
   void Write(const std::string& bytes);
   void WriteData(Entry& entry, const std::string& path, Progress& progress);
-  void CheckLimits(const std::string& what, std::uint64_t size) const;
+  static std::string FactsOf(const Entry& entry);
+  static void CheckSize(const std::string& what, std::uint64_t size);
 
   const std::string path_;
   platform::OutputFile file_;
