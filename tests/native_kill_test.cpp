@@ -20,7 +20,7 @@ extern char** environ;
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr auto kGenerous = std::chrono::seconds(120);
+constexpr auto kGenerous = std::chrono::seconds(60);
 
 // One run of the launcher with the play button pressed.
 class Program {
@@ -71,9 +71,8 @@ void PublishManyPatches(support::GameMirror& mirror) {
     for (int number = 1; number <= 3; ++number) {
       std::vector<support::ZipItem> files;
       for (int file = 0; file < 6; ++file) {
-        files.push_back(
-            {"RECURSOS/" + std::string(category) + "/" + std::to_string((number * file) % 9) + ".dat",
-             std::string(20'000 + 1000 * file, static_cast<char>('a' + number))});
+        files.push_back({"RECURSOS/" + std::string(category) + "/" + std::to_string(number + file) + ".dat",
+                         std::string(20'000 + 1000 * file, static_cast<char>('a' + number))});
       }
       mirror.AddPatch(category, files);
     }
