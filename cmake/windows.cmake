@@ -2,9 +2,9 @@
 target_compile_definitions(project_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                            WINVER=0x0601 _WIN32_WINNT=0x0601)
 target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections)
-target_link_options(project_options INTERFACE -static -Wl,--gc-sections -Wl,--no-insert-timestamp)
-find_library(ZLIB_STATIC NAMES libz.a REQUIRED)
-target_link_libraries(launcher_core PUBLIC infozip ${ZLIB_STATIC} winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
+target_link_options(project_options INTERFACE -Wl,--gc-sections)
+find_package(ZLIB REQUIRED)
+target_link_libraries(launcher_core PUBLIC infozip ZLIB::ZLIB winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
                       ole32 uuid shell32 user32 advapi32)
 
 add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)

@@ -19,6 +19,9 @@ class ErrorRecorder {
   // `askToClose` adds the question whether the launcher is to be closed, whose Yes ends the process.
   void LogError(const std::string& text, bool askToClose = false);
 
+  // Appends a line to the log without showing anything: what an operator wants to find there.
+  void Note(const std::string& text) { WriteLine(text); }
+
  private:
   void WriteLine(const std::string& text);
 

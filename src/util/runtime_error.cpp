@@ -34,6 +34,8 @@ std::string_view DescriptionOf(ErrorNumber number) {
       return "Path/File access error";
     case ErrorNumber::PathNotFound:
       return "Path not found";
+    case ErrorNumber::InvalidFileFormat:
+      return "Invalid file format";
     case ErrorNumber::InvalidPicture:
       return "Invalid picture";
     case ErrorNumber::InterfaceNotSupported:

@@ -24,6 +24,7 @@ enum class ErrorNumber {
   PathFileAccessError = 75,
   PathNotFound = 76,
   InvalidPicture = 481,
+  InvalidFileFormat = 321,
   InterfaceNotSupported = 430,
 };
 

@@ -1,0 +1,241 @@
+#include "ui/frmMain.hpp"
+
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "platform/files.hpp"
+#include "startup/launcher_settings.hpp"
+#include "util/numeric.hpp"
+#include "util/runtime_error.hpp"
+
+namespace ui {
+namespace {
+
+using controls::MouseButton;
+using controls::WindowState;
+
+constexpr const char* kPlayText = "¡Iniciar la aventura de Kelvarin!";
+constexpr const char* kRepairText =
+    "¿Errores en el juego? Presiona aquí para intentar repararlos automáticamente. De lo contrario, ve al "
+    "botón "
+    "de WhatsApp y comunícate con el Staff para reportar el error.";
+
+}  // namespace
+
+frmMain::frmMain(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
+                 startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, const web::Hosts& hosts,
+                 Screen& screen, controls::MainWindow& window, Actions actions)
+    : host_(host),
+      folders_(folders),
+      deployment_(deployment),
+      recorder_(recorder),
+      lifetime_(lifetime),
+      hosts_(hosts),
+      screen_(screen),
+      window_(window),
+      actions_(std::move(actions)),
+      FSys_(host, folders, deployment, recorder, screen) {
+  WireWindow();
+  WireHoverTexts();
+  WireButtons();
+}
+
+frmMain::~frmMain() {
+  FSys_.FSys_Unload();
+  screen_.Detach(window_);
+}
+
+void frmMain::WireWindow() {
+  window_.Activate += [this] { CentreWhenMaximised(); };
+  window_.Resize += [this] { FSys_.MeResize(window_); };
+  window_.QueryUnload += [this](controls::UnloadMode mode) { Form_QueryUnload(mode); };
+  window_.KeyDown += [this](int keyCode) { Form_KeyDown(keyCode); };
+  window_.MouseDown += [this](MouseButton button) {
+    if (button == MouseButton::Left) screen_.StartDrag(window_);
+  };
+  window_.MouseMove += [this](MouseButton button) { Form_MouseMove(button); };
+  const std::array<controls::Control*, 5> handles = {
+      &window_.lblDirectorio, &window_.lblEstado, &window_.lblName, &window_.lblsize, &window_.ProgressBar1};
+  for (controls::Control* handle : handles) {
+    handle->MouseMove += [this](MouseButton button) {
+      if (button == MouseButton::Left) screen_.StartDrag(window_);
+    };
+  }
+  window_.tmrShow.Tick += [this] { tmrShow_Timer(); };
+}
+
+void frmMain::WireHoverTexts() {
+  const auto explain = [this](const char* text) {
+    return [this, text](MouseButton) {
+      window_.lblErrorWhatsApp.Visible = false;
+      window_.lblEstado.Caption = std::string(text);
+    };
+  };
+  window_.cmdIniciar.MouseMove += explain(kPlayText);
+  window_.cmdReiniciarUpdates.MouseMove += explain(kRepairText);
+  window_.cmdReportar.MouseMove += [this](MouseButton) { window_.lblErrorWhatsApp.Visible = true; };
+}
+
+void frmMain::WireButtons() {
+  // The close button hides the launcher in the notification area on purpose; Esc and the menu there end it.
+  const auto minimise = [this] { window_.State = WindowState::Minimised; };
+  window_.cmdClose.Click += minimise;
+  window_.cmdMinimize.Click += minimise;
+  window_.cmdIniciar.Click += [this] {
+    if (btnIniciar.isEnabled()) actions_.Iniciar();
+  };
+  window_.cmdConfig.Click += [this] {
+    if (btnConfig.isEnabled()) actions_.ShowOptions();
+  };
+  window_.cmdReiniciarUpdates.Click += [this] {
+    if (btnReiniciarUpdates.isEnabled()) actions_.ReiniciarUpdates();
+  };
+  window_.cmdReportar.Click += [this] { host_.shell.OpenPage(deployment_.chat, OutsideFolder()); };
+}
+
+void frmMain::Form_Load(bool showWindow) {
+  startup::Guarded(
+      recorder_, [&](int& line) { SetUp(line, showWindow); },
+      [this](const startup::Failure& failure) { return LoadFailure(failure); });
+}
+
+std::string frmMain::LoadFailure(const startup::Failure& failure) const {
+  return failure.Opening() + " en el procedimiento Form_Load del modulo Formulario frmMain en la línea " +
+         failure.Line() + " reporta esto mediante el soporte WEB en " + deployment_.support;
+}
+
+void frmMain::SetUp(int& line, bool showWindow) {
+  line = 10;
+  screen_.Attach(window_);
+  window_.tmrShow.Set(true);
+  line = 20;
+  FSys_.Form_Load(window_);
+  line = 30;
+  actions_.LoadGameConfig();
+  line = 40;
+  staff_ =
+      !host_.settings.Get(deployment_.staffApplication, startup::keys::kStaff, startup::keys::kStaff).empty();
+  line = 50;
+  LoadPictures();
+  line = 70;
+  window_.lblClienteGm.Visible = staff_;
+  line = 80;
+  if (showWindow) window_.Visible = true;
+  host_.events.DoEvents();
+  line = 90;
+  actions_.RestoreHosts();
+  if (hosts_.CurrentUpdateURL.empty() && hosts_.WebBaseURL.empty()) actions_.SwitchURL();
+  line = 100;
+  actions_.ComenzarActualizacion();
+  if (lifetime_.Ending()) return;
+  line = 120;
+  const std::string updates = folders_.ResourcesUpdateDir + platform::kSeparator;
+  if (!platform::IsFolder(updates)) platform::MakeFolder(updates);
+  host_.events.DoEvents();
+  line = 130;
+  if (actions_.ServerListEmpty()) actions_.GetServersList();
+  line = 140;
+  CentreWhenMaximised();
+}
+
+// A picture that cannot be had is reported, the first one only, and its place stays plain: a launcher without
+// its skin still repairs the game that the skin belongs to.
+void frmMain::LoadPictures() {
+  std::optional<startup::Failure> missing;
+  const auto attempt = [&missing](int line, auto step) {
+    try {
+      step();
+    } catch (const util::RuntimeError&) {
+      if (!missing) missing = startup::CurrentFailure(line);
+    }
+  };
+  attempt(50, [this] {
+    const std::string background = folders_.GraphicsDir + "Launcher.jpg";
+    if (!platform::IsFile(background)) throw util::RuntimeError(util::ErrorNumber::FileNotFound);
+    window_.Picture = background;
+  });
+  const struct {
+    clsGraphicalButton& button;
+    controls::ImageControl& image;
+    const char* stem;
+    const char* description;
+    bool startDisabled;
+  } rows[] = {
+      {btnClose, window_.cmdClose, "cerrar", "Cerrar: ocultar junto al reloj", false},
+      {btnCreditos, window_.cmdCreditos, "help", "Ayuda", false},
+      {btnMinimize, window_.cmdMinimize, "minimizar", "Minimizar", false},
+      {btnIniciar, window_.cmdIniciar, "jugar", "¡Jugar!", true},
+      {btnConfig, window_.cmdConfig, "config", "Configuración", true},
+      {btnReiniciarUpdates, window_.cmdReiniciarUpdates, "reparar", "Reparar", false},
+      {btnReportar, window_.cmdReportar, "whatsapp", "WhatsApp", false},
+  };
+  for (const auto& row : rows) {
+    row.image.description = row.description;
+    attempt(60, [&] { LoadButton(row.button, row.image, row.stem, row.startDisabled); });
+  }
+  if (missing) recorder_.LogError(LoadFailure(*missing));
+}
+
+void frmMain::LoadButton(clsGraphicalButton& button, controls::ImageControl& image, const std::string& stem,
+                         bool startDisabled) {
+  const auto path = [&](const char* state) { return folders_.GraphicsDir + stem + state + ".jpg"; };
+  const std::string hand = folders_.GraphicsDir + "HAND-M.CUR";
+  // Skins with three pictures a button show a disabled one as pressed.
+  const std::string disabled = platform::IsFile(path("_d")) ? path("_d") : path("_c");
+  button.Initialize(image, path("_n"), path("_a"), path("_c"), lastPressed_, disabled, startDisabled, false,
+                    platform::IsFile(hand), hand);
+}
+
+void frmMain::CentreWhenMaximised() {
+  if (window_.State == WindowState::Maximised) screen_.Centre(window_);
+}
+
+void frmMain::Form_MouseMove(MouseButton button) {
+  if (button == MouseButton::Left) screen_.StartDrag(window_);
+  lastPressed_.LastPressed->ToggleToNormal();
+  window_.lblEstado.Caption = std::string{};
+}
+
+void frmMain::Form_KeyDown(int keyCode) {
+  if (keyCode != controls::kKeyEscape) return;
+  FSys_.QuitarIconoSystray();
+  actions_.CloseLauncher();
+  lifetime_.End(0);
+}
+
+void frmMain::Form_QueryUnload(controls::UnloadMode mode) {
+  actions_.UnloadOptions();
+  actions_.ClearNotify();
+  bool cancel = false;  // the program ends whatever the companion answers
+  FSys_.MeQueryUnload(window_, cancel, mode);
+  FSys_.FSys_Unload();
+  lifetime_.End(0);
+}
+
+void frmMain::tmrShow_Timer() {
+  using namespace startup::keys;
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        const double request = util::Val(host_.settings.Get(kApplication, kConfig, kShow));
+        if (request == 0) return;
+        line = 20;
+        host_.settings.Set(kApplication, kConfig, kShow,
+                           "0");  // first, so that a bad number is reported once
+        line = 30;
+        if (util::ToByte(request) != 0) FSys_.Restore();
+      },
+      [](const startup::Failure& failure) {
+        return failure.Opening() + " procedimiento tmrShow_Timer Formulario frmMain línea: " + failure.Line();
+      });
+}
+
+bool frmMain::DownloadFile(const std::string& Url, const std::string& LocalFilename) {
+  return actions_.DownloadFile(Url, LocalFilename);
+}
+
+std::string frmMain::OutsideFolder() const { return folders_.AppPath + platform::NativePath("\\.."); }
+
+}  // namespace ui

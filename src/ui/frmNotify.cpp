@@ -1,0 +1,139 @@
+#include "ui/frmNotify.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/files.hpp"
+#include "startup/procedure.hpp"
+
+namespace ui {
+namespace {
+
+constexpr const char* kSeeWhole = "Ver noticia completa";
+constexpr const char* kClose = "Cerrar notificación.";
+constexpr controls::Colour kPlainColour = 0x00FAE5DC;
+constexpr controls::Colour kHoverColour = 0x0078D7FF;
+constexpr std::uint32_t kDesignIntervalMs = 100;
+constexpr double kStepTwips = 15;
+constexpr double kSlideMs = 400;  // what a whole slide takes on any screen
+
+}  // namespace
+
+frmNotify::frmNotify(platform::Host& host, const startup::Folders& folders,
+                     const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
+                     startup::Lifetime& lifetime, Screen& screen)
+    : Timer1(window, "Timer1", host.events.Timers(), kDesignIntervalMs),
+      host_(host),
+      folders_(folders),
+      deployment_(deployment),
+      recorder_(recorder),
+      lifetime_(lifetime),
+      screen_(screen) {
+  window.MouseMove += [this](controls::MouseButton) { ShowTexts(); };
+  lblNews.MouseMove += [this](controls::MouseButton) { lblNews_MouseMove(); };
+  lblTitle.MouseMove += [this](controls::MouseButton) { lblTitle_MouseMove(); };
+  lblNews.Click += [this] { lblNews_Click(); };
+  lblTitle.Click += [this] { lblTitle_Click(); };
+  Timer1.Tick += [this] { Hide(); };
+  Form_Load();
+}
+
+frmNotify::~frmNotify() { screen_.Detach(window); }
+
+void frmNotify::Form_Load() {
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        const std::string picture = folders_.GraphicsDir + "Noticia.jpg";
+        if (platform::IsFile(picture)) window.Picture = picture;
+        StyleNews(false);
+        line = 20;
+        screen_.Attach(window);
+        line = 30;
+        screen_.SetTopmost(window);
+      },
+      [](const startup::Failure& failure) {
+        return failure.Opening() + " procedimiento Form_Load Formulario frmNotify línea: " + failure.Line();
+      });
+}
+
+void frmNotify::ShowMessage(const std::string& text, const std::string& title, std::int32_t number,
+                            std::int32_t milliseconds) {
+  text_ = text;
+  title_ = title;
+  if (Timer1.On()) Hide();
+  number_ = number;
+  ShowTexts();
+  workArea_ = screen_.WorkArea();
+  height_ = screen_.Bounds(window).Height() * screen_.TwipsPerPixel(window);
+  if (!Slide(0, height_)) return;
+  Timer1.SetInterval(static_cast<std::uint32_t>(std::max(milliseconds, 0)));
+  Timer1.Set(true);
+}
+
+void frmNotify::Hide() {
+  Timer1.Set(false);
+  if (!window.Visible) return;
+  if (Slide(offset_, 0)) window.Visible = false;
+}
+
+// Moves the window step by step; false when another slide or the program's end overtook this one.
+bool frmNotify::Slide(double from, double to) {
+  const unsigned mine = ++slide_;
+  const double direction = to < from ? -1 : 1;
+  const auto steps = static_cast<int>(std::abs(to - from) / kStepTwips);
+  const double stepMs = kSlideMs * kStepTwips / std::max(height_, kStepTwips);
+  const std::uint64_t start = host_.clock.Milliseconds();
+  for (int step = 0; step <= steps; ++step) {
+    Place(step == steps ? to : from + direction * step * kStepTwips);
+    if (!window.Visible) window.Visible = true;
+    host_.events.DoEvents();
+    if (slide_ != mine || lifetime_.Ending()) return false;
+    const auto due = start + static_cast<std::uint64_t>(stepMs * step);
+    const std::uint64_t now = host_.clock.Milliseconds();
+    if (now < due) host_.clock.Sleep(static_cast<std::uint32_t>(due - now));
+  }
+  return true;
+}
+
+void frmNotify::Place(double offsetTwips) {
+  offset_ = offsetTwips;
+  const int offset = static_cast<int>(std::lround(offsetTwips / screen_.TwipsPerPixel(window)));
+  screen_.MoveTo(window, workArea_.right - screen_.Bounds(window).Width(), workArea_.bottom - offset);
+}
+
+void frmNotify::lblNews_MouseMove() {
+  lblNews.Caption = std::string(kSeeWhole);
+  StyleNews(true);
+  lblTitle.Caption = title_;
+}
+
+void frmNotify::lblTitle_MouseMove() {
+  lblTitle.Caption = std::string(kClose);
+  lblNews.Caption = text_;
+  StyleNews(false);
+}
+
+void frmNotify::ShowTexts() {
+  lblNews.Caption = text_;
+  lblTitle.Caption = title_;
+  StyleNews(false);
+}
+
+void frmNotify::StyleNews(bool hovered) {
+  lblNews.Underline = hovered;
+  lblNews.ForeColor = hovered ? kHoverColour : kPlainColour;
+}
+
+void frmNotify::lblNews_Click() {
+  if (lblNews.Caption.Get() != kSeeWhole) return;
+  host_.shell.OpenPage(deployment_.web + "/web/index.php?id=" + std::to_string(number_),
+                       folders_.AppPath + platform::NativePath("\\.."));
+}
+
+void frmNotify::lblTitle_Click() {
+  if (lblTitle.Caption.Get() == kClose) Hide();
+}
+
+}  // namespace ui

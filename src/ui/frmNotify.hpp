@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "controls/kinds.hpp"
+#include "platform/host.hpp"
+#include "startup/deployment.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/folders.hpp"
+#include "startup/lifetime.hpp"
+#include "ui/screen.hpp"
+
+namespace ui {
+
+// The news pop-up: slides up out of the lower right corner of the work area, stays, and slides down again.
+// Its two labels are its two buttons.
+class frmNotify {
+ public:
+  frmNotify(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
+            startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, Screen& screen);
+  ~frmNotify();
+  frmNotify(const frmNotify&) = delete;
+
+  // Returns when the notice has slid up; one that is on screen slides down first.
+  void ShowMessage(const std::string& text, const std::string& title, std::int32_t number,
+                   std::int32_t milliseconds);
+  void Hide();  // slides the notice down
+
+  controls::Window window{"frmNotify", "Kelvarin - Noticias"};
+  controls::Label lblTitle{
+      window, "lblTitle",
+      "    Kelvarin      ¡Record de usuarios! 255.                   Torneo 1vs1 en 20 mins"};
+  controls::Label lblNews{window, "lblNews", "06/01/2019"};
+  controls::Timer Timer1;
+
+ private:
+  void Form_Load();
+  void lblNews_MouseMove();
+  void lblTitle_MouseMove();
+  void lblNews_Click();
+  void lblTitle_Click();
+  void ShowTexts();
+  void StyleNews(bool hovered);
+  bool Slide(double from, double to);
+  void Place(double offsetTwips);
+
+  platform::Host& host_;
+  const startup::Folders& folders_;
+  const startup::Deployment& deployment_;
+  startup::ErrorRecorder& recorder_;
+  startup::Lifetime& lifetime_;
+  Screen& screen_;
+  std::string text_, title_;
+  std::int32_t number_ = 0;
+  Area workArea_;
+  double height_ = 0;   // of the window, in twips
+  double offset_ = 0;   // how much of it stands above the work area's lower edge, in twips
+  unsigned slide_ = 0;  // counts slides, so that one that was overtaken by another stops
+};
+
+}  // namespace ui

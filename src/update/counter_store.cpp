@@ -1,0 +1,58 @@
+#include "update/counter_store.hpp"
+
+#include <algorithm>
+
+#include "platform/files.hpp"
+#include "startup/procedure.hpp"
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+
+namespace update {
+namespace {
+
+constexpr std::uint64_t kLargestCounter = 4096;  // a counter is a line; anything larger is something else
+
+}  // namespace
+
+std::string CounterStore::FileOf(const std::string& category) const {
+  return folders_.InitDir + "AU" + category + ".ini";
+}
+
+std::string CounterStore::Report(const char* procedure, const std::string& line,
+                                 const std::string& description) const {
+  return "Error en la linea N" + line + " del procedimiento " + procedure + ", descripción: " + description +
+         "Reporta esto mediante el soporte WEB en " + deployment_.support;
+}
+
+std::int16_t CounterStore::Read(const std::string& category) {
+  std::int16_t number = 0;
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        const std::string file = FileOf(category);
+        if (!platform::IsFile(file)) return;
+        line = 20;
+        const std::string text = platform::ReadWhole(file, kLargestCounter);
+        const std::string_view first = std::string_view(text).substr(0, text.find_first_of("\r\n"));
+        line = 30;
+        if (util::IsNumeric(first)) number = std::max<std::int16_t>(0, util::ToInt16(util::Val(first)));
+      },
+      [&](const startup::Failure& failure) { return Report("8", failure.Line(), failure.description); });
+  return number;
+}
+
+bool CounterStore::Write(const std::string& category, std::int16_t number) {
+  return startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        const std::string file = FileOf(category), text = std::to_string(number) + "\r\n";
+        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == text) return;
+        line = 20;
+        platform::WriteWhole(file, text);
+      },
+      [&](const startup::Failure& failure) { return Report("9", failure.Line(), failure.description); });
+}
+
+}  // namespace update

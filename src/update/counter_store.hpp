@@ -1,0 +1,40 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "startup/deployment.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/folders.hpp"
+
+namespace update {
+
+// The update categories in their fixed order.
+inline constexpr std::array<const char*, 7> kCategories = {"Init", "Mapas", "Graficos", "Midis",
+                                                           "Wavs", "AU",    "Extras"};
+
+// How many patches of each category are installed: one line of plain text per category in AU<category>.ini.
+class CounterStore {
+ public:
+  CounterStore(const startup::Folders& folders, const startup::Deployment& deployment,
+               startup::ErrorRecorder& recorder)
+      : folders_(folders), deployment_(deployment), recorder_(recorder) {}
+
+  // 0 when there is none or it is no number of patches.
+  std::int16_t Read(const std::string& category);
+
+  // False, and reported, when it could not be written; the old number stays then.
+  bool Write(const std::string& category, std::int16_t number);
+
+  std::string FileOf(const std::string& category) const;
+
+ private:
+  std::string Report(const char* procedure, const std::string& line, const std::string& description) const;
+
+  const startup::Folders& folders_;
+  const startup::Deployment& deployment_;
+  startup::ErrorRecorder& recorder_;
+};
+
+}  // namespace update

@@ -1,0 +1,92 @@
+#include "update/smodUnzip.hpp"
+
+#include <vector>
+
+#include "platform/files.hpp"
+#include "platform/unzip.hpp"
+#include "startup/procedure.hpp"
+#include "update/zip_archive.hpp"
+#include "util/runtime_error.hpp"
+#include "web/blocking.hpp"
+
+namespace update {
+namespace {
+
+[[noreturn]] void Refuse(const std::string& why) {
+  throw util::RuntimeError(util::ErrorNumber::InvalidFileFormat, why);
+}
+
+void ExtractTo(const std::string& archive, const std::string& staging) {
+  platform::RemoveTree(staging);
+  platform::MakeFolders(staging);
+  const int code = platform::UnzipArchive(archive, staging);
+  if (code == platform::kUnzipProgramMissing)
+    throw util::RuntimeError(util::ErrorNumber::InterfaceNotSupported);
+  if (code != platform::kUnzipOk) Refuse("The unpacker ended with code " + std::to_string(code));
+}
+
+// Whether the archive's tree fits over what is there, asked of every name before the first file moves: a file
+// cannot take a folder's place, nor a folder a file's.
+void JudgeTargets(const std::vector<platform::FoundFile>& files, const std::string& directory) {
+  for (const platform::FoundFile& file : files) {
+    const std::string target = directory + file.path;
+    if (platform::IsFolder(target)) Refuse("\"" + file.path + "\" is a folder of the game");
+    for (std::string above = platform::FolderOf(target); above.size() > directory.size();
+         above = platform::FolderOf(above)) {
+      if (platform::IsFolder(above)) break;
+      if (platform::IsFile(above)) Refuse("\"" + above + "\" is a file of the game");
+    }
+  }
+}
+
+void MoveInto(const std::vector<platform::FoundFile>& files, const std::string& staging,
+              const std::string& directory) {
+  std::string made;
+  for (const platform::FoundFile& file : files) {
+    const std::string target = directory + file.path;
+    if (std::string folder = platform::FolderOf(target); folder != made) {
+      platform::MakeFolders(folder);
+      made = std::move(folder);
+    }
+    const std::string staged = staging + platform::kSeparator + file.path;
+    platform::FlushFile(staged);
+    platform::ReplaceFileWith(staged, target);
+  }
+}
+
+void Install(const std::string& archive, const std::string& staging, const std::string& directory,
+             std::stop_token stop) {
+  ZipArchive zip(archive);
+  zip.Prove(stop);
+  if (stop.stop_requested()) return;
+  std::size_t expected = 0;
+  for (const ZipArchive::Entry& entry : zip.Entries()) expected += entry.folder ? 0 : 1;
+  ExtractTo(archive, staging);
+  const std::vector<platform::FoundFile> files = platform::ListTree(staging);
+  if (files.size() != expected) Refuse("The archive holds the same name twice");
+  JudgeTargets(files, directory);
+  if (stop.stop_requested()) return;
+  MoveInto(files, staging, directory);
+  for (const ZipArchive::Entry& entry : zip.Entries()) {
+    if (entry.folder) platform::MakeFolders(directory + platform::NativePath(entry.name));
+  }
+  platform::RemoveTree(staging);
+}
+
+}  // namespace
+
+bool smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
+  const std::string staging = folders_.Scratch("Unzip");
+  try {
+    web::RunBlocking(host_.events, lifetime_,
+                     [&](std::stop_token stop) { Install(archive, staging, directory, stop); });
+    return !lifetime_.Ending();
+  } catch (const util::RuntimeError& error) {
+    if (error.Is(util::ErrorNumber::InterfaceNotSupported)) throw;
+    recorder_.Note(platform::FileNameOf(archive) + ": " + error.Description());
+    host_.dialogs.Show("Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
+    return false;
+  }
+}
+
+}  // namespace update

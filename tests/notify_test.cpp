@@ -1,0 +1,134 @@
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/recording_screen.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "ui/frmNotify.hpp"
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+struct NotifyTest : testing::Test {
+  NotifyTest() { deployment.web = "http://web.example"; }
+
+  // The notice's upper edges since the last look; every position keeps its right edge on the work area's.
+  std::vector<int> Tops() {
+    std::vector<int> tops;
+    for (const std::string& call : screen.Matching("MoveTo frmNotify 940,")) {
+      tops.push_back(std::stoi(call.substr(call.find(',') + 1)));
+    }
+    EXPECT_EQ(tops.size(), screen.Matching("MoveTo").size());
+    screen.calls.clear();
+    return tops;
+  }
+
+  support::TempFolder folder;
+  support::TestHost host;
+  startup::Folders folders{folder.Path()};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*host.events};
+  startup::ErrorRecorder recorder{host.host, folders, lifetime};
+  support::RecordingScreen screen;
+  ui::frmNotify notify{host.host, folders, deployment, recorder, lifetime, screen};
+};
+
+std::vector<int> Range(int from, int to) {
+  std::vector<int> range;
+  for (int value = from; value != to; value += from < to ? 1 : -1) range.push_back(value);
+  range.push_back(to);
+  return range;
+}
+
+TEST_F(NotifyTest, SlidesUpStaysAndSlidesDown) {
+  EXPECT_EQ(screen.Count("Topmost frmNotify"), 1);
+  const auto start = host.clock.Milliseconds();
+  notify.ShowMessage("texto", "título", 7, 15000);
+  EXPECT_EQ(Tops(), Range(984, 854));
+  EXPECT_LE(host.clock.Milliseconds() - start, 500u);
+  EXPECT_TRUE(notify.window.Visible);
+  EXPECT_EQ(notify.lblNews.Caption.Get(), "texto");
+  EXPECT_EQ(notify.lblTitle.Caption.Get(), "título");
+  host.clock.Step(14999);
+  host.events->DoEvents();
+  EXPECT_TRUE(notify.window.Visible);
+  host.clock.Step(1);
+  host.events->DoEvents();
+  EXPECT_EQ(Tops(), Range(854, 984));
+  EXPECT_FALSE(notify.window.Visible);
+  EXPECT_FALSE(notify.Timer1.On());
+}
+
+TEST_F(NotifyTest, StepsAreTwipsWhateverTheScale) {
+  screen.twipsPerPixel = 7.5;  // 192 dots per inch: one step is two pixels
+  notify.ShowMessage("texto", "título", 7, 1000);
+  const std::vector<int> tops = Tops();
+  ASSERT_EQ(tops.size(), 66u);
+  EXPECT_EQ(tops[1], 982);
+  EXPECT_EQ(tops.back(), 854);
+}
+
+TEST_F(NotifyTest, SecondNoticeSlidesTheFirstDown) {
+  notify.ShowMessage("uno", "primero", 1, 15000);
+  Tops();
+  notify.ShowMessage("dos", "segundo", 2, 15000);
+  std::vector<int> expected = Range(854, 984);
+  const std::vector<int> up = Range(984, 854);
+  expected.insert(expected.end(), up.begin(), up.end());
+  EXPECT_EQ(Tops(), expected);
+  EXPECT_EQ(notify.lblNews.Caption.Get(), "dos");
+  EXPECT_TRUE(notify.Timer1.On());
+}
+
+TEST_F(NotifyTest, HoverTurnsALabelIntoAButton) {
+  notify.ShowMessage("texto", "título", 42, 15000);
+  notify.lblNews.Click();
+  notify.lblTitle.Click();
+  EXPECT_TRUE(host.shell.pages.empty());
+  EXPECT_TRUE(notify.window.Visible);
+
+  const controls::Colour plain = notify.lblNews.ForeColor;
+  notify.lblNews.MouseMove(controls::MouseButton::None);
+  EXPECT_EQ(notify.lblNews.Caption.Get(), "Ver noticia completa");
+  EXPECT_TRUE(notify.lblNews.Underline);
+  EXPECT_NE(notify.lblNews.ForeColor.Get(), plain);
+  notify.lblNews.Click();
+  EXPECT_EQ(host.shell.pages, (Names{"http://web.example/web/index.php?id=42"}));
+  EXPECT_EQ(host.shell.folders, (Names{folder.Path() + platform::NativePath("\\..")}));
+
+  notify.lblTitle.MouseMove(controls::MouseButton::None);
+  EXPECT_EQ(notify.lblTitle.Caption.Get(), "Cerrar notificación.");
+  EXPECT_EQ(notify.lblNews.Caption.Get(), "texto");
+  EXPECT_FALSE(notify.lblNews.Underline);
+  EXPECT_EQ(notify.lblNews.ForeColor.Get(), plain);
+  notify.window.MouseMove(controls::MouseButton::None);
+  EXPECT_EQ(notify.lblTitle.Caption.Get(), "título");
+
+  notify.lblTitle.MouseMove(controls::MouseButton::None);
+  notify.lblTitle.Click();
+  EXPECT_FALSE(notify.window.Visible);
+}
+
+TEST_F(NotifyTest, ClosingDuringTheSlideEndsIt) {
+  host.events->Timers().Start(100, [this] {
+    if (!notify.window.Visible || notify.Timer1.On()) return;
+    notify.lblTitle.MouseMove(controls::MouseButton::None);
+    notify.lblTitle.Click();
+  });
+  notify.ShowMessage("texto", "título", 7, 15000);
+  EXPECT_FALSE(notify.window.Visible);
+  EXPECT_FALSE(notify.Timer1.On());
+  const std::vector<int> tops = Tops();
+  EXPECT_EQ(tops.back(), 984);
+  EXPECT_GT(*std::min_element(tops.begin(), tops.end()), 854);
+}
+
+TEST_F(NotifyTest, TheProgramsEndStopsTheSlide) {
+  host.events->Timers().Start(50, [this] { lifetime.End(0); });
+  notify.ShowMessage("texto", "título", 7, 15000);
+  EXPECT_LT(Tops().size(), 131u);
+  EXPECT_FALSE(notify.Timer1.On());
+}
+
+}  // namespace

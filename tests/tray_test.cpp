@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/recording_screen.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "ui/FrmSysTrays.hpp"
+
+namespace {
+
+using controls::WindowState;
+using Names = std::vector<std::string>;
+
+struct TrayTest : testing::Test {
+  TrayTest() {
+    deployment.web = "http://web.example";
+    screen.Attach(owner);
+    owner.Resize += [this] { tray.MeResize(owner); };
+    owner.QueryUnload += [this](controls::UnloadMode mode) { unloads.push_back(mode); };
+    owner.Visible = true;
+    tray.MouseMessage += [this](const std::string& name) { raised.push_back(name); };
+    tray.Form_Load(owner);
+  }
+  ~TrayTest() override { screen.Detach(owner); }
+
+  controls::MenuEntry& Entry(std::string_view name) {
+    for (controls::MenuEntry& entry : tray.mPopupMenu.entries) {
+      if (entry.name == name) return entry;
+    }
+    throw std::runtime_error("no such entry");
+  }
+
+  support::TempFolder folder;
+  support::TestHost host;
+  startup::Folders folders{folder.Path()};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*host.events};
+  startup::ErrorRecorder recorder{host.host, folders, lifetime};
+  support::RecordingScreen screen;
+  controls::Window owner{"frmMain", "Launcher - Kelvarin"};
+  std::vector<controls::UnloadMode> unloads;
+  Names raised;
+  ui::FrmSysTrays tray{host.host, folders, deployment, recorder, screen};
+};
+
+TEST_F(TrayTest, IconIsAddedRefreshedAndTakenAwayOnce) {
+  const std::string tip = platform::BaseNameOf(platform::ExecutablePath());
+  EXPECT_EQ(screen.Matching("Icon"), (Names{"Icon 0 " + tip}));
+  host.clock.Step(1000);
+  host.events->DoEvents();
+  tray.QuitarIconoSystray();
+  tray.FSys_Unload();
+  host.clock.Step(5000);
+  host.events->DoEvents();
+  screen.TrayMessage(515);
+  EXPECT_EQ(screen.Matching("Icon"), (Names{"Icon 0 " + tip, "Icon 1 " + tip, "Icon 2 " + tip}));
+  EXPECT_TRUE(raised.empty());
+}
+
+TEST_F(TrayTest, TipIsCutToTheSystemsField) {
+  const std::string accents = "áéíóú";
+  std::string text;
+  for (int i = 0; i < 20; ++i) text += accents;
+  tray.Tooltip(text);
+  EXPECT_EQ(tray.Tooltip(), text.substr(0, 2 * 63));
+  tray.Tooltip(std::string(62, 'x') + "\xF0\x9F\x8F\xB0");  // two units do not fit into the one that is left
+  EXPECT_EQ(tray.Tooltip(), std::string(62, 'x'));
+  tray.Tooltip(std::string(63, 'x'));
+  EXPECT_EQ(tray.Tooltip(), std::string(63, 'x'));
+}
+
+TEST_F(TrayTest, MouseMessagesAreRaisedByName) {
+  for (int number = 511; number <= 522; ++number) screen.TrayMessage(number);
+  EXPECT_EQ(raised, (Names{"OTHER....: 511", "MOUSEMOVE", "LBUTTONDOWN", "LBUTTONUP", "LBUTTONDBLCLK",
+                           "RBUTTONDOWN", "RBUTTONUP", "RBUTTONDBLCLK", "MBUTTONDOWN", "MBUTTONUP",
+                           "MBUTTONDBLCLK", "OTHER....: 522"}));
+}
+
+TEST_F(TrayTest, DoubleClickRestoresTheStateBeforeMinimising) {
+  for (const WindowState state : {WindowState::Normal, WindowState::Maximised}) {
+    owner.State = state;
+    tray.MeResize(owner);
+    tray.mMinimize();
+    EXPECT_FALSE(owner.Visible);
+    screen.TrayMessage(515);
+    EXPECT_TRUE(owner.Visible);
+    EXPECT_EQ(owner.State.Get(), state);
+    EXPECT_EQ(screen.calls.back(), "Foreground frmMain");
+  }
+  screen.calls.clear();
+  screen.TrayMessage(515);
+  EXPECT_TRUE(screen.calls.empty());
+}
+
+TEST_F(TrayTest, RestoreIsOfferedOnlyWhileTheWindowIsAway) {
+  screen.TrayMessage(517);
+  ASSERT_EQ(screen.menuShown, &tray.mPopupMenu);
+  EXPECT_FALSE(Entry("mRestore").enabled);
+  owner.Visible = false;
+  screen.TrayMessage(517);
+  EXPECT_TRUE(Entry("mRestore").enabled);
+  Entry("mRestore").Click();
+  EXPECT_TRUE(owner.Visible);
+}
+
+TEST_F(TrayTest, MenuHasItsEntriesAndTheirActions) {
+  Names captions;
+  for (const controls::MenuEntry& entry : tray.mPopupMenu.entries) captions.push_back(entry.caption);
+  EXPECT_EQ(captions, (Names{"-", "¡Dona y consigue tus regalos!", "&Noticias (Ver en la web)", "&Restaurar",
+                             "-", "&Cerrar"}));
+  Entry("mDonate").Click();
+  Entry("mWeb").Click();
+  EXPECT_EQ(host.shell.pages,
+            (Names{"http://web.example/web/index.php?op=Donaciones", "http://web.example/"}));
+  Entry("mExit").Click();
+  EXPECT_EQ(unloads, std::vector{controls::UnloadMode::Code});
+}
+
+TEST_F(TrayTest, ClosingFromTheControlMenuIsTurnedIntoHiding) {
+  bool cancel = false;
+  tray.MeQueryUnload(owner, cancel, controls::UnloadMode::SystemShutdown);
+  EXPECT_FALSE(cancel);
+  EXPECT_TRUE(owner.Visible);
+  tray.MeQueryUnload(owner, cancel, controls::UnloadMode::ControlMenu);
+  EXPECT_TRUE(cancel);
+  EXPECT_FALSE(owner.Visible);
+  EXPECT_EQ(owner.State.Get(), WindowState::Minimised);
+}
+
+TEST_F(TrayTest, IconPictureIsAFileOrTheProgramsOwn) {
+  controls::ImageControl image(owner, "image");
+  image.Picture = std::string("picture.jpg");
+  tray.TrayIcon(image);
+  EXPECT_EQ(screen.trayPicture, "picture.jpg");
+  tray.TrayIcon("other.ico");
+  EXPECT_EQ(screen.trayPicture, "other.ico");
+  tray.TrayIcon("DEFAULT");
+  EXPECT_EQ(screen.trayPicture, "");
+}
+
+}  // namespace
