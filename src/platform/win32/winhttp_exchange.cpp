@@ -38,9 +38,19 @@ struct Mailbox {
     SetEvent(event.Get());
   }
 
+  void NoteReceived(DWORD bytes) {
+    const std::lock_guard lock(mutex);
+    ended = bytes == 0;
+  }
+  bool Ended() {
+    const std::lock_guard lock(mutex);
+    return ended;
+  }
+
   std::mutex mutex;
   std::optional<Notice> waiting;  // there is never more than one call under way
   bool connected = false;
+  bool ended = false;  // the server has closed: the last piece from the network held no byte
   unique_event event{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
   std::vector<std::byte> buffer = std::vector<std::byte>(kPiece);
   std::shared_ptr<Mailbox> self;
@@ -94,6 +104,8 @@ void CALLBACK WinHttpExchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD stat
   switch (status) {
     case WINHTTP_CALLBACK_STATUS_SENDING_REQUEST:
       return mailbox->PostConnected();
+    case WINHTTP_CALLBACK_STATUS_RESPONSE_RECEIVED:
+      return mailbox->NoteReceived(information ? *static_cast<const DWORD*>(information) : 1);
     case WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE:
     case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
       return mailbox->Post({});
@@ -217,8 +229,11 @@ HttpError WinHttpExchange::Send(const std::string& url) {
              ignored);
   if (error != HttpError::None) return error;
   error = Finish(WinHttpReceiveResponse(exchange_.Get(), nullptr), ignored);
-  if (error == HttpError::None) TakeHead();
-  return error;
+  if (error != HttpError::None) return error;
+  TakeHead();
+  // A length that is no number leaves open where the body ends (RFC 9112, 6.3).
+  const bool nonsense = !head_.contentLength && !head_.Header("content-length").empty();
+  return nonsense && !IsChunked() ? HttpError::Other : HttpError::None;
 }
 
 void WinHttpExchange::TakeHead() {
@@ -249,7 +264,7 @@ void WinHttpExchange::TakeHead() {
 
 HttpError WinHttpExchange::ReadBody(HttpSink& sink) {
   const bool hasBody = head_.status != 204 && head_.status != 304;
-  const bool counted = hasBody && head_.contentLength && head_.Header("transfer-encoding").empty();
+  const bool counted = hasBody && head_.contentLength && !IsChunked();
   std::uint64_t received = 0;
   for (;;) {
     DWORD available = 0, count = 0;
@@ -266,7 +281,9 @@ HttpError WinHttpExchange::ReadBody(HttpSink& sink) {
     if (!sink.Write(std::span(mailbox_->buffer).first(count))) return HttpError::Refused;
     limits_.Count(count);  // after the sink, whose time is not the server's
   }
-  return counted && received != *head_.contentLength ? HttpError::CutShort : HttpError::None;
+  // A body in chunks says itself where it ends; one that the server ended by closing was not complete.
+  const bool cut = counted ? received != *head_.contentLength : IsChunked() && mailbox_->Ended();
+  return cut ? HttpError::CutShort : HttpError::None;
 }
 
 }  // namespace platform

@@ -83,6 +83,7 @@ class WinHttpExchange {
   HttpError Finish(BOOL started, DWORD& value);
   HttpError ErrorOf(DWORD code) const;
   void TakeHead();
+  bool IsChunked() const { return !head_.Header("transfer-encoding").empty(); }
 
   HINTERNET session_;
   const HttpRequest& request_;
