@@ -32,8 +32,9 @@ class ImageControl : public Control {
   using Control::Control;
   Property<std::string, Control> Picture{*this, "Picture", ""};  // full path; empty: nothing
   Property<std::string, Control> MouseIcon{*this, "MouseIcon",
-                                           ""};  // full path of a cursor file; empty: the arrow
-  std::string description;                       // what a screen reader reads
+                                           ""};              // full path of a cursor file; empty: the arrow
+  Property<bool, Control> Checked{*this, "Checked", false};  // of one that stands for a check box
+  std::string description;                                   // what a screen reader reads
 };
 
 class ProgressBar : public Control {

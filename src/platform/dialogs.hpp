@@ -19,6 +19,9 @@ class Dialogs {
   // only OK answers Ok.
   virtual DialogAnswer Show(const std::string& text, DialogButtons buttons = DialogButtons::Ok,
                             const std::string& title = kDefaultDialogTitle) = 0;
+
+  // Tells what a box would say where there is somewhere to tell it, and never waits.
+  virtual void Announce(const std::string& text, const std::string& title = kDefaultDialogTitle) = 0;
 };
 
 }  // namespace platform

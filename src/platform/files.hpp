@@ -40,6 +40,9 @@ void MakeFolders(const std::string& path);    // every missing level
 // is a running program is moved aside first and removed as soon as the system allows.
 void ReplaceFileWith(const std::string& from, const std::string& to);
 void CloneFile(const std::string& from, const std::string& to);  // through a neighbour; replaces `to`
+// Gives the bytes of `from` the second name `to`, whose old file is replaced: a hard link where the file
+// system has them, a copy elsewhere. Neither file may be written in place afterwards.
+void ShareFile(const std::string& from, const std::string& to);
 void FlushFile(const std::string& path);  // its bytes are on the disk when this returns
 
 struct FoundFile {

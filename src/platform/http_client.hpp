@@ -42,7 +42,7 @@ class HttpSink {
 
 struct HttpRequest {
   std::string url;  // dot segments are resolved before it is sent
-  std::vector<std::pair<std::string, std::string>> headers;
+  std::vector<std::pair<std::string, std::string>> headers{};
   std::uint32_t connectLimitMs = 10'000;
   std::uint32_t stallLimitMs = 30'000;
   std::uint32_t wholeLimitMs = 0;  // 0: none

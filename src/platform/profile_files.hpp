@@ -3,6 +3,7 @@
 #include <span>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace platform {
 
@@ -16,6 +17,14 @@ class ProfileFiles {
   // The value cut to 2999 characters, without surrounding blanks and one pair of matching quotes; empty text
   // when the file, section or key is missing.
   virtual std::string GetVar(const std::string& file, const std::string& section, const std::string& key) = 0;
+
+  // As GetVar for each of the keys, in their order; for many keys at once.
+  virtual std::vector<std::string> GetVars(const std::string& file, const std::string& section,
+                                           std::span<const std::string> keys) {
+    std::vector<std::string> values;
+    for (const std::string& key : keys) values.push_back(GetVar(file, section, key));
+    return values;
+  }
 
   // Whether the key is there at all, be its value empty.
   virtual bool Has(const std::string& file, const std::string& section, const std::string& key) = 0;

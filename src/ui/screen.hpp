@@ -33,6 +33,9 @@ class Screen {
   virtual Area Bounds(const controls::Window& window) = 0;
   virtual void MoveTo(controls::Window& window, int left, int top) = 0;
   virtual void Centre(controls::Window& window) = 0;
+  // Over the middle of `over`, whole on the work area when `over` stands there; when `over` cannot be seen,
+  // as Centre.
+  virtual void CentreOver(controls::Window& window, const controls::Window& over);
   virtual void BringToForeground(controls::Window& window) = 0;
   virtual void SetTopmost(controls::Window& window) = 0;
   virtual void StartDrag(controls::Window& window) = 0;  // the system moves the window with the pointer

@@ -47,7 +47,10 @@ bool CounterStore::Write(const std::string& category, std::int16_t number) {
       recorder_,
       [&](int& line) {
         line = 10;
-        platform::WriteWhole(FileOf(category), std::to_string(number) + platform::kLineEnd);
+        const std::string file = FileOf(category), text = std::to_string(number) + "\r\n";
+        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == text) return;
+        line = 20;
+        platform::WriteWhole(file, text);
       },
       [&](const startup::Failure& failure) { return Report("9", failure.Line(), failure.description); });
 }

@@ -21,9 +21,13 @@ std::string DigestOf(platform::DigestKind kind, std::string_view utf8) {
 
 }  // namespace
 
-std::string clsHashing::MD5String(std::string_view text) const { return DigestOf(platform::DigestKind::Md5, text); }
+std::string clsHashing::MD5String(std::string_view text) const {
+  return DigestOf(platform::DigestKind::Md5, text);
+}
 
-std::string clsHashing::SHA1(std::string_view text) const { return DigestOf(platform::DigestKind::Sha1, text); }
+std::string clsHashing::SHA1(std::string_view text) const {
+  return DigestOf(platform::DigestKind::Sha1, text);
+}
 
 std::string clsHashing::MD5File(const std::string& File, std::stop_token stop) const {
   platform::InputFile file(File);

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 
 #include "util/runtime_error.hpp"
@@ -28,7 +29,10 @@ double LeadingNumber(std::string_view text, std::size_t& used) {
   const auto [end, error] = std::from_chars(text.data() + start, text.data() + text.size(), value);
   if (error == std::errc::invalid_argument) return 0;
   used = static_cast<std::size_t>(end - text.data());
-  if (error == std::errc::result_out_of_range) return text[0] == '-' ? -HUGE_VAL : HUGE_VAL;
+  // from_chars leaves it open which end of the range was passed; strtod tells: infinity or nothing.
+  if (error == std::errc::result_out_of_range) {
+    return std::strtod(std::string(text.substr(start, used - start)).c_str(), nullptr);
+  }
   return value;
 }
 
@@ -71,15 +75,19 @@ std::int16_t ToInt16(double value) { return Checked<std::int16_t>(value); }
 std::int32_t ToInt32(double value) { return Checked<std::int32_t>(value); }
 
 std::string NumberText(double value) {
+  if (value == 0) return "0";  // the negative zero too
   char digits[64];
-  const bool everyday = value == 0 || (std::fabs(value) < 1e15 && std::fabs(value) >= 1e-4);
+  const bool everyday = std::fabs(value) < 1e15 && std::fabs(value) >= 1e-4;
   const auto format = everyday ? std::chars_format::fixed : std::chars_format::general;
   const auto result = std::to_chars(digits, digits + sizeof digits, value, format);
   return std::string(digits, result.ptr);
 }
 
 std::int64_t Kilobytes(std::uint64_t bytes) {
-  return static_cast<std::int64_t>(RoundHalfEven(static_cast<double>(bytes) / 1024.0));
+  const std::uint64_t whole = bytes / 1024;
+  const std::uint64_t rest = bytes % 1024;
+  const bool up = rest > 512 || (rest == 512 && whole % 2 == 1);
+  return static_cast<std::int64_t>(whole + (up ? 1 : 0));
 }
 
 }  // namespace util

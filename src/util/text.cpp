@@ -16,6 +16,17 @@ std::string Upper(std::string_view text) {
   return result;
 }
 
+std::string UpperLatin(std::string_view text) {
+  std::string result = Upper(text);
+  for (std::size_t i = 1; i < result.size(); ++i) {
+    const auto lead = static_cast<unsigned char>(result[i - 1]), code = static_cast<unsigned char>(result[i]);
+    // U+00E0 to U+00FE, the division sign aside, are 0x20 above their capitals.
+    if (lead == 0xC3 && code >= 0xA0 && code <= 0xBE && code != 0xB7)
+      result[i] = static_cast<char>(code - 0x20);
+  }
+  return result;
+}
+
 std::string Lower(std::string_view text) {
   std::string result(text);
   std::transform(result.begin(), result.end(), result.begin(), LowerChar);

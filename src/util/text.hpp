@@ -9,6 +9,8 @@ namespace util {
 // ASCII case only: names, keys and states of the formats are compared byte by byte otherwise.
 std::string Upper(std::string_view text);
 std::string Lower(std::string_view text);
+// As Upper, and the accented letters of Latin-1 too; for file names as Windows compares them (UTF-8).
+std::string UpperLatin(std::string_view text);
 bool EqualIgnoringCase(std::string_view a, std::string_view b);
 
 std::string_view Trim(std::string_view text);  // blanks on both sides

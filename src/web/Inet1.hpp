@@ -8,6 +8,7 @@
 #include "controls/control.hpp"
 #include "platform/host.hpp"
 #include "startup/lifetime.hpp"
+#include "web/text_options.hpp"
 
 namespace web {
 
@@ -20,33 +21,43 @@ class Inet1 {
   Inet1(platform::Host& host, startup::Lifetime& lifetime);
   ~Inet1();
 
-  // Fetches a URL and returns the body as text (UTF-8; at most 16 MiB), empty on failure or when a request is
-  // still executing. Events are handled meanwhile.
-  std::string OpenURL(const std::string& url);
+  // Fetches a URL and returns the body as text (UTF-8; at most 16 MiB) whatever the status; empty on failure
+  // or when a request is still executing. Events are handled meanwhile.
+  std::string OpenURL(const std::string& url, const TextOptions& options = {});
 
-  // Starts a request whose answer is read with GetChunk. StateChanged follows from the event loop:
-  // kStateResponseCompleted when the head of the answer has come, kStateError when there is none.
+  // Starts a request whose answer is read with GetChunk; nothing happens when one is still executing.
+  // StateChanged follows from a timer of the event loop: kStateResponseCompleted when the head of the answer
+  // has come, kStateError when there is none.
   void Execute(const std::string& url);
 
-  // The next at most `size` bytes of the body, waiting (with events) until they are there; empty at the end.
+  // The next bytes of the body, at most `size`, waiting (with events) until there are some; empty at the end.
+  // The transfer runs ahead by a bounded amount only.
   std::vector<std::byte> GetChunk(std::size_t size);
   // Whether the body ended before it was complete.
   bool BodyFailed() const;
 
   std::string GetHeader(const std::string& name) const;  // of the last answer, name in any case
-  void Cancel();
+  void Cancel();                                         // no StateChanged follows
   bool StillExecuting() const;
-  void SetRequestTimeout(int seconds) { requestTimeoutSeconds_ = seconds; }  // 0: the platform's own
+  // Of the requests that start from now on: how long OpenURL may take as a whole, and how long Execute may
+  // receive nothing. 0: limits of the control's own.
+  void SetRequestTimeout(int seconds) { requestTimeoutSeconds_ = seconds; }
 
   controls::Event<int> StateChanged;
 
  private:
   struct Transfer;
 
+  void Announce();
+  void StopAnnouncing();
+
   platform::Host& host_;
   startup::Lifetime& lifetime_;
   int requestTimeoutSeconds_ = 0;
-  std::shared_ptr<Transfer> transfer_;
+  platform::HttpHead head_;  // of the last answer
+  platform::TimerQueue::Id announcing_ = 0;
+  std::shared_ptr<Transfer> transfer_;              // the current one, null when there is none
+  std::vector<std::shared_ptr<Transfer>> retired_;  // cancelled ones whose threads may still be ending
 };
 
 }  // namespace web

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
 
 #include "controls/main_window.hpp"
@@ -8,35 +10,50 @@
 #include "startup/error_recorder.hpp"
 #include "startup/lifetime.hpp"
 #include "web/Inet1.hpp"
+#include "web/answer_cache.hpp"
 #include "web/download_state.hpp"
 #include "web/smodXmlHttp.hpp"
 
 namespace modGeneral {
+
+inline constexpr int kProbeAttempts = 3;
+
+// How long each attempt of a probe may take from connecting to the last byte, in milliseconds. A probe asks
+// for one digit. The first attempt leaves a slow line time for names, connection and secure channel; a mirror
+// that accepted it and stayed silent is given up after two shorter ones, so that it costs 20 seconds, and not
+// three times the half minute that a download may stall.
+inline constexpr std::array<std::uint32_t, kProbeAttempts> kProbeLimitsMs = {10'000, 5'000, 5'000};
 
 // Finds a mirror that answers and remembers it.
 class HostSelection {
  public:
   HostSelection(platform::Host& host, const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
                 startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
-                web::smodXmlHttp& transfers, web::Hosts& hosts);
+                web::smodXmlHttp& transfers, web::Hosts& hosts,
+                const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs = kProbeLimitsMs);
 
   // Fills the hosts from the settings store.
   void RestoreHosts();
 
-  // Advances to the next usable mirror of the ring.
+  // Advances to the next usable mirror of the ring; without any the hosts stay as they are.
   void SwitchURL();
 
   // Walks the ring until a mirror answers its probe, then persists it. Returns early only when the program
   // ends.
   void ComenzarActualizacion();
 
-  // Whether baseURL & fileName answers with the number 1; at most three attempts.
+  // Whether baseURL & fileName answers with the number 1; at most three attempts. Stops what Inet1 is doing.
   bool CheckOnline(const std::string& baseURL, const std::string& fileName);
 
-  // Server date "-" public address.
+  // Server date "-" public address, as far as they are known.
   std::string ClientAddressQuery();
 
  private:
+  bool Passable(const std::string& baseURL) const;
+  std::string NextMirror();
+  std::string AddressQueryUrl() const;
+  bool TakeAddress(const std::string& body);
+
   platform::Host& host_;
   const startup::Deployment& deployment_;
   startup::ErrorRecorder& recorder_;
@@ -45,6 +62,9 @@ class HostSelection {
   web::Inet1& inet_;
   web::smodXmlHttp& transfers_;
   web::Hosts& hosts_;
+  std::array<std::uint32_t, kProbeAttempts> probeLimitsMs_;
+  web::AnswerCache cache_;  // of good probes
+  std::size_t place_ = 0;   // in the ring, of the mirror chosen last
   bool ShownConnecting = false;
   bool LastCheckOK = false;
   std::string ServerDate;

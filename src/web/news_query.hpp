@@ -23,6 +23,9 @@ class NewsQuery {
   ShowMessage showMessage;  // set by the owner of the pop-up; empty: nothing is shown
 
  private:
+  std::string Ask(const std::function<bool()>& goOn);
+  void TakeNews(const std::string& answer);
+
   const startup::Deployment& deployment_;
   startup::ErrorRecorder& recorder_;
   startup::Lifetime& lifetime_;
@@ -32,6 +35,7 @@ class NewsQuery {
   const Hosts& hosts_;
   modGeneral::HostSelection& selection_;
   modGeneral::ServerList& servers_;
+  AnswerCache cache_;
   std::string lastTitle_;
   std::int16_t ticks_ = 0;
   bool shown_ = false;

@@ -27,14 +27,20 @@ class ServerList {
              startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
              web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection);
 
-  std::string GetServersList();  // the raw answer, empty when nothing arrived
+  // Asks, parses, shows; adds the servers that are up to Text. The raw answer, empty when nothing arrived.
+  std::string GetServersList();
   void OrderLblServerList();
+  // Replaces the servers; an answer without any "|" leaves them and chooses the host anew. Raises 6
+  // (Overflow) for a number that its field cannot hold, the servers being left as well.
   void Parse(const std::string& answer);
 
   const std::string& Text() const { return serverListText_; }
   const std::vector<Server>& Servers() const { return servers_; }
 
  private:
+  std::string Ask();
+  void SetCaptions(const char* caption);
+
   const startup::Deployment& deployment_;
   startup::ErrorRecorder& recorder_;
   startup::Lifetime& lifetime_;
@@ -43,6 +49,7 @@ class ServerList {
   web::smodXmlHttp& transfers_;
   const web::Hosts& hosts_;
   HostSelection& selection_;
+  web::AnswerCache cache_;
   std::vector<Server> servers_;
   bool listParsed_ = false;
   std::string serverListText_;

@@ -8,6 +8,7 @@
 #include "startup/folders.hpp"
 #include "startup/lifetime.hpp"
 #include "web/download_state.hpp"
+#include "web/text_options.hpp"
 
 namespace web {
 
@@ -23,20 +24,24 @@ class smodXmlHttp {
         state_(state),
         hosts_(hosts) {}
 
-  // The body of an answer as text (UTF-8; at most 16 MiB), whatever the status; what was read so far when the
-  // transfer fails. A successful answer is also left in the scratch file Tmp.tmp.
-  std::string GetHttpText(const std::string& url);
+  // The body of an answer as text (UTF-8; at most 16 MiB), whatever the status; empty when the transfer
+  // fails, and then, if there was no answer at all, lblName says so. The body of a 200 is also left in the
+  // scratch file Tmp.tmp.
+  std::string GetHttpText(const std::string& url, const TextOptions& options = {});
 
   // Saves the body to `localPath`, which must not exist, whatever the status, and sets
   // DownloadState.Finished; shows its progress in the main window. On failure Finished is false and there is
-  // no file. The body of a 200 is also left in the scratch file tmp.tmp.
+  // no file. The body of a 200 is also left in the scratch file tmp.tmp. DownloadState.CancelRequested ends
+  // it.
   void DownloadUrlToFile(const std::string& url, const std::string& localPath);
 
-  // The operating system's download-to-file service in the launcher's own words: true when the whole file
-  // arrived.
+  // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
+  // whole file arrived.
   bool DownloadFile(const std::string& Url, const std::string& LocalFilename);
 
  private:
+  void ShowUnreachable();
+
   platform::Host& host_;
   const startup::Folders& folders_;
   startup::Lifetime& lifetime_;

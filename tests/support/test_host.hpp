@@ -14,13 +14,15 @@ namespace support {
 // A clock that stands still until it is stepped; Sleep steps it at once.
 class SteppedClock : public platform::Clock {
  public:
-  std::uint64_t Milliseconds() override { return now_; }
+  std::uint64_t Milliseconds() override { return now_ += stepOnRead; }
   std::uint32_t SystemUptime() override { return static_cast<std::uint32_t>(now_) & platform::kUptimeMask; }
   void Sleep(std::uint32_t milliseconds) override { now_ += milliseconds; }
   std::string DateText() override { return "21/11/2026"; }
   std::string TimeText() override { return "10:20:30"; }
   void Set(std::uint64_t now) { now_ = now; }
   void Step(std::uint64_t milliseconds) { now_ += milliseconds; }
+
+  std::uint64_t stepOnRead = 0;  // makes time pass inside a wait that a test cannot reach into
 
  private:
   std::uint64_t now_ = 3'600'000;
@@ -36,6 +38,9 @@ class ScriptedDialogs : public platform::Dialogs {
  public:
   platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
                               const std::string& title) override;
+  void Announce(const std::string& text, const std::string& title) override {
+    shown.push_back({title, text, platform::DialogButtons::Ok});
+  }
   std::deque<platform::DialogAnswer> answers;  // used by questions only
   std::vector<ShownDialog> shown;
   std::function<void(const ShownDialog&)> onShow;

@@ -1,0 +1,149 @@
+// Procedure Main of module modGeneral: the launcher's start-up, step by step.
+#include "launcher.hpp"
+#include "platform/files.hpp"
+#include "startup/launcher_settings.hpp"
+#include "startup/procedure.hpp"
+#include "util/text.hpp"
+
+namespace {
+
+namespace keys = startup::keys;
+
+constexpr std::uint32_t kStartedWithSystemMs = 30'000;
+constexpr const char* kClientImage = "Kelvarin.exe";
+
+}  // namespace
+
+void Launcher::Main() {
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        PrepareFolders();
+        ReportDeployment();
+        line = 30;
+        EndStaleClient();
+        line = 60;
+        if (!flags_.UpdatesOnly) MeetOtherInstances();
+        line = 70;
+        sounds_.Load();
+        line = 80;
+        CopyManifest();
+        line = 90;
+        const std::string scratch = folders_.InitDir + platform::NativePath("\\UPDATE");
+        if (!platform::IsFolder(scratch)) platform::MakeFolder(scratch);
+        line = 100;
+        ShowMainWindow();
+        if (lifetime_.Ending()) return;
+        line = 120;
+        EraseCache();
+        line = 130;
+        selection_.ClientAddressQuery();
+        if (lifetime_.Ending()) return;
+        line = 140;
+        StartTimers();
+        if (lifetime_.Ending()) return;
+        line = 150;
+        frmMain_.btnIniciar.EnableButton(true);
+        frmMain_.btnConfig.EnableButton(true);
+      },
+      [](const startup::Failure& failure) {
+        return "Error " + std::to_string(failure.number) + " Descripción: & (" + failure.description +
+               ") del procedimiento Main del Módulo modGeneral En la linea: " + failure.Line();
+      });
+}
+
+// A folder that holds only the program can be installed into.
+void Launcher::PrepareFolders() {
+  for (const std::string& folder :
+       {folders_.ResourcesDir, folders_.InitDir, folders_.ResourcesUpdateDir, folders_.BinDir}) {
+    platform::MakeFolders(folder);
+  }
+}
+
+void Launcher::ReportDeployment() {
+  for (const std::string& problem : startup::ProblemsOf(deployment_)) recorder_.LogError(problem);
+}
+
+bool Launcher::IsProcessNameRunning(const std::string& imageName) {
+  bool running = false;
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        for (const std::string& name : host_.processes.RunningImageNames()) {
+          running = running || util::EqualIgnoringCase(name, imageName);
+        }
+      },
+      [](const startup::Failure& failure) {
+        return failure.Opening() +
+               " procedimiento IsProcessNameRunning Módulo modProcess línea: " + failure.Line();
+      });
+  return running;
+}
+
+void Launcher::EndStaleClient() {
+  if (flags_.IsLauncherExe || !instance_.HeldByAnother() || !IsProcessNameRunning(kClientImage)) return;
+  platform::StartRequest request;
+  request.program = "taskkill.exe";
+  request.commandLine = std::string("taskkill.exe /f /t /im ") + kClientImage;
+  request.style = platform::WindowStyle::Minimised;
+  host_.processes.Start(request);
+}
+
+// Neither message ends the start-up.
+void Launcher::MeetOtherInstances() {
+  const bool another = instance_.HeldByAnother();
+  if (another) {
+    host_.settings.Set(keys::kApplication, keys::kConfig, keys::kShow, "1");
+    if (flags_.IsLauncherExe) host_.dialogs.Show("Se encontró otra instancia del launcher abierta.");
+  }
+  // Players know this wording although it is the game client that was found.
+  if (!another && IsProcessNameRunning(kClientImage)) {
+    host_.dialogs.Show("Se encontró otra instancia ejecutada del launcher abierta.");
+  }
+}
+
+void Launcher::CopyManifest() {
+  const std::string name = platform::NativePath("\\Kelvarin.exe.manifest");
+  const std::string source = folders_.InitDir + name, target = folders_.AppPath + name;
+  if (platform::IsFile(source) && !platform::IsFile(target)) platform::CloneFile(source, target);
+}
+
+void Launcher::ShowMainWindow() {
+  const bool startedWithSystem = host_.clock.SystemUptime() < kStartedWithSystemMs;
+  frmMain_.Form_Load(!flags_.UpdatesOnly && !startedWithSystem);
+  flags_.StaffClient = frmMain_.IsStaff();
+  if (lifetime_.Ending()) return;
+  if (startedWithSystem) {
+    frmMainControls_.State = controls::WindowState::Minimised;
+  } else if (!flags_.UpdatesOnly) {
+    frmMainControls_.Visible = true;
+  }
+}
+
+void Launcher::EraseCache() {
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        platform::StartRequest request;
+        request.program = "RunDll32.exe";
+        request.commandLine = "RunDll32.exe InetCpl.cpl, ClearMyTracksByProcess 8";
+        request.style = platform::WindowStyle::Minimised;
+        host_.processes.Start(request);
+      },
+      [](const startup::Failure& failure) {
+        return failure.Opening() + " procedimiento EraseCache Módulo línea: " + failure.Line();
+      });
+}
+
+void Launcher::StartTimers() {
+  if (flags_.UpdatesOnly) {
+    frmMainControls_.tmrUpdates.Set(true);
+    frmMainControls_.NewsTimer.Set(false);
+    return;
+  }
+  if (servers_.Text().empty()) servers_.GetServersList();
+  if (!lifetime_.Ending()) frmMainControls_.NewsTimer.Set(true);
+}

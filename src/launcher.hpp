@@ -1,0 +1,107 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/main_window.hpp"
+#include "platform/host.hpp"
+#include "settings/modGameIni.hpp"
+#include "settings/sound_table.hpp"
+#include "startup/deployment.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/folders.hpp"
+#include "startup/instance_lock.hpp"
+#include "startup/lifetime.hpp"
+#include "startup/run_flags.hpp"
+#include "startup/unattended_dialogs.hpp"
+#include "ui/frmMain.hpp"
+#include "ui/frmNotify.hpp"
+#include "ui/frmOpciones.hpp"
+#include "ui/screen.hpp"
+#include "update/chunked_transfer.hpp"
+#include "update/repair.hpp"
+#include "update/update_check.hpp"
+#include "web/news_query.hpp"
+
+// How the process was started, all UTF-8.
+struct Start {
+  std::string executable;   // full path
+  std::string commandLine;  // everything after the program's name
+};
+
+// The composition root: every record and module of one running launcher, in order of dependency.
+class Launcher {
+ public:
+  // Host and screen outlive the launcher.
+  Launcher(const platform::Host& host, ui::Screen& screen, const Start& start);
+  ~Launcher();
+  Launcher(const Launcher&) = delete;
+
+  // Start-up: from the folders to the running timers. Returns early when the program ends meanwhile.
+  void Main();
+
+  // Main, then events until the program ends; the exit status.
+  int Run();
+
+  // Unloads every window; the program ends then.
+  void CloseLauncher();
+
+  // The parts that tests look at.
+  startup::Lifetime& Life() { return lifetime_; }
+  controls::MainWindow& MainWindow() { return frmMainControls_; }
+  ui::frmOpciones& Options() { return options_; }
+  web::DownloadState& State() { return state_; }
+
+ private:
+  void PrepareFolders();
+  void ReportDeployment();
+  void EndStaleClient();
+  void MeetOtherInstances();
+  void CopyManifest();
+  void ShowMainWindow();
+  void EraseCache();
+  void StartTimers();
+  bool IsProcessNameRunning(const std::string& imageName);
+  ui::frmMain::Actions WindowActions();
+  void EnablePlay(bool enable);
+
+  startup::Folders folders_;
+  std::string executableBaseName_;
+  startup::RunFlags flags_;
+  startup::UnattendedDialogs unattended_;
+  platform::Host host_;
+  ui::Screen& screen_;
+  startup::Lifetime lifetime_;
+  startup::ErrorRecorder recorder_;
+  startup::Deployment deployment_;
+  startup::InstanceLock instance_;
+
+  controls::MainWindow frmMainControls_;
+  web::DownloadState state_;
+  web::Hosts hosts_;
+  web::Inet1 inet_;
+  web::smodXmlHttp transfers_;
+  modGeneral::HostSelection selection_;
+  modGeneral::ServerList servers_;
+  web::NewsQuery news_;
+
+  settings::modGameIni gameIni_;
+  settings::SoundTable sounds_;
+
+  update::smodUnzip unzip_;
+  update::modCompression compression_;
+  update::CounterStore counters_;
+  update::Download download_;
+  update::ChunkedTransfer chunked_;
+  update::PatchInstallation installation_;
+  update::IndexStage index_;
+  update::LibraryCheck libraries_;
+  update::GameLaunch launch_;
+  update::Repair repair_;
+  update::UpdateCheck check_;
+
+  ui::SettingsServices settingsServices_;
+  ui::frmOpciones options_;
+  ui::frmNotify notify_;
+  ui::frmMain frmMain_;
+};

@@ -1,0 +1,46 @@
+#include <openssl/evp.h>
+
+#include <array>
+
+#include "platform/digest.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+struct FreeContext {
+  void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+};
+
+void Require(int done) {
+  if (done != 1) throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+}
+
+}  // namespace
+
+struct Digest::State {
+  std::unique_ptr<EVP_MD_CTX, FreeContext> context{EVP_MD_CTX_new()};
+};
+
+Digest::Digest(DigestKind kind) : state_(std::make_unique<State>()) {
+  Require(
+      EVP_DigestInit_ex(state_->context.get(), kind == DigestKind::Md5 ? EVP_md5() : EVP_sha1(), nullptr));
+}
+Digest::~Digest() = default;
+Digest::Digest(Digest&&) noexcept = default;
+
+void Digest::Update(std::span<const std::byte> bytes) {
+  Require(EVP_DigestUpdate(state_->context.get(), bytes.data(), bytes.size()));
+}
+
+std::string Digest::Hex() {
+  std::array<unsigned char, EVP_MAX_MD_SIZE> digest;
+  unsigned size = 0;
+  Require(EVP_DigestFinal_ex(state_->context.get(), digest.data(), &size));
+  static constexpr char kHex[] = "0123456789abcdef";
+  std::string text;
+  for (unsigned i = 0; i < size; ++i) text += {kHex[digest[i] >> 4], kHex[digest[i] & 15]};
+  return text;
+}
+
+}  // namespace platform

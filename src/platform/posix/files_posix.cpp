@@ -1,0 +1,148 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include "platform/files.hpp"
+#include "platform/posix/system_error.hpp"
+#include "platform/posix/unique_fd.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool StatOf(const std::string& path, struct stat& status) { return stat(path.c_str(), &status) == 0; }
+
+}  // namespace
+
+bool IsFile(const std::string& path) {
+  struct stat status;
+  return StatOf(path, status) && S_ISREG(status.st_mode);
+}
+
+bool IsFolder(const std::string& path) {
+  struct stat status;
+  return StatOf(path, status) && S_ISDIR(status.st_mode);
+}
+
+std::optional<FileStamp> StampOf(const std::string& path) {
+  struct stat status;
+  if (!StatOf(path, status) || !S_ISREG(status.st_mode)) return std::nullopt;
+  return FileStamp{static_cast<std::uint64_t>(status.st_size),
+                   status.st_mtim.tv_sec * std::int64_t{1'000'000'000} + status.st_mtim.tv_nsec};
+}
+
+void RemoveFile(const std::string& path) {
+  if (unlink(path.c_str()) != 0) RaiseErrno(errno, path);
+}
+
+bool TryRemoveFile(const std::string& path) {
+  return unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
+}
+
+void RemoveTree(const std::string& folder) {
+  std::error_code error;
+  fs::remove_all(folder, error);
+  if (error) RaiseErrno(error.value(), folder);
+}
+
+void MakeFolder(const std::string& path) {
+  if (mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && IsFolder(path))) return;
+  const int code = errno;
+  if (code == EEXIST) throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+  RaiseErrno(code == ENOENT ? ENOTDIR : code, path);
+}
+
+void MakeFolders(const std::string& path) {
+  for (std::size_t end = path.find('/', 1); end != std::string::npos; end = path.find('/', end + 1)) {
+    const std::string level = path.substr(0, end);
+    if (!IsFolder(level)) MakeFolder(level);
+  }
+  if (!path.empty()) MakeFolder(path);
+}
+
+void ReplaceFileWith(const std::string& from, const std::string& to) {
+  if (rename(from.c_str(), to.c_str()) != 0) RaiseErrno(errno, IsFile(from) ? to : from);
+}
+
+void FlushFile(const std::string& path) {
+  const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!file || fsync(file.Get()) != 0) RaiseErrno(errno, path);
+}
+
+std::vector<FoundFile> ListTree(const std::string& folder) {
+  std::vector<FoundFile> found;
+  std::string base = folder;
+  while (base.size() > 1 && base.back() == '/') base.pop_back();
+  try {
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(base)) {
+      if (entry.symlink_status().type() != fs::file_type::regular) continue;
+      found.push_back({entry.path().native().substr(base == "/" ? 1 : base.size() + 1)});
+    }
+  } catch (const fs::filesystem_error& error) {
+    RaiseErrno(error.code().value() == ENOENT ? ENOTDIR : error.code().value(), folder);
+  }
+  std::sort(found.begin(), found.end(),
+            [](const FoundFile& a, const FoundFile& b) { return a.path < b.path; });
+  return found;
+}
+
+struct InputFile::Handle {
+  UniqueFd fd;
+  std::string path;
+};
+
+InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>()) {
+  handle_->path = path;
+  // Not blocking, so that a pipe in the place of a file does not hold the program up.
+  handle_->fd = UniqueFd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  if (!handle_->fd) RaiseErrno(errno, path);
+  struct stat status;
+  if (fstat(handle_->fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+  }
+}
+
+InputFile::~InputFile() = default;
+InputFile::InputFile(InputFile&&) noexcept = default;
+
+std::uint64_t InputFile::Size() const {
+  struct stat status;
+  if (fstat(handle_->fd.Get(), &status) != 0) RaiseErrno(errno, handle_->path);
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::size_t InputFile::Read(std::span<std::byte> into) {
+  for (;;) {
+    const ssize_t count = read(handle_->fd.Get(), into.data(), into.size());
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) RaiseErrno(errno, handle_->path);
+  }
+}
+
+void InputFile::Seek(std::uint64_t offset) {
+  if (lseek(handle_->fd.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) RaiseErrno(errno, handle_->path);
+}
+
+std::string ReadWhole(const std::string& path, std::uint64_t limit) {
+  InputFile file(path);
+  const std::uint64_t size = file.Size();
+  if (size > limit) throw util::RuntimeError(util::ErrorNumber::OutOfMemory);
+  std::string bytes(size, '\0');
+  std::size_t filled = 0;
+  while (filled < bytes.size()) {
+    const std::size_t count = file.Read(std::as_writable_bytes(std::span(bytes)).subspan(filled));
+    if (count == 0) break;
+    filled += count;
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+}  // namespace platform

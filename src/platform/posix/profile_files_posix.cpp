@@ -1,0 +1,71 @@
+#include <sys/stat.h>
+
+#include "platform/encoding.hpp"
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "platform/posix/ini_text.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+constexpr std::size_t kLongestValue = 2999;               // bytes, the classic buffer less its final zero
+constexpr std::uint64_t kLargestFile = 16 * 1024 * 1024;  // more is no settings file
+
+// Windows has the read-only attribute instead; here a rename would go past it.
+bool IsReadOnly(const std::string& file) {
+  struct stat status;
+  return stat(file.c_str(), &status) == 0 && (status.st_mode & 0222) == 0;
+}
+
+class PosixProfileFiles : public ProfileFiles {
+ public:
+  std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
+    return Cut(IniValue(Text(file), ToAnsi(section), ToAnsi(key)));
+  }
+
+  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
+                                   std::span<const std::string> keys) override {
+    const std::string text = Text(file);
+    const std::string name = ToAnsi(section);
+    std::vector<std::string> values;
+    for (const std::string& key : keys) values.push_back(Cut(IniValue(text, name, ToAnsi(key))));
+    return values;
+  }
+
+  bool Has(const std::string& file, const std::string& section, const std::string& key) override {
+    return IniValue(Text(file), ToAnsi(section), ToAnsi(key)).has_value();
+  }
+
+  void WriteVars(const std::string& file, const std::string& section,
+                 std::span<const Entry> entries) override {
+    try {
+      if (IsReadOnly(file)) return;
+      const std::string old = IsFile(file) ? ReadWhole(file, kLargestFile) : std::string{};
+      std::string text = old;
+      for (const auto& [key, value] : entries) SetIniValue(text, ToAnsi(section), ToAnsi(key), ToAnsi(value));
+      if (text != old) WriteWhole(file, text);
+    } catch (const util::RuntimeError&) {  // the file stays as it was
+    }
+  }
+
+ private:
+  // Empty when there is no file that can be read.
+  static std::string Text(const std::string& file) {
+    try {
+      return ReadWhole(file, kLargestFile);
+    } catch (const util::RuntimeError&) {
+      return {};
+    }
+  }
+
+  static std::string Cut(const std::optional<std::string>& value) {
+    return FromAnsi(value.value_or("").substr(0, kLongestValue));
+  }
+};
+
+}  // namespace
+
+std::unique_ptr<ProfileFiles> MakeProfileFiles() { return std::make_unique<PosixProfileFiles>(); }
+
+}  // namespace platform

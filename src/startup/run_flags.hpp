@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+
+namespace startup {
+
+struct RunFlags {
+  bool IsLauncherExe = false;  // the executable's base name is LAUNCHER in any case
+  bool UpdatesOnly = false;    // the command line holds "/UPDATES" anywhere, in upper case
+  bool StaffClient =
+      false;  // the second client may be chosen and is kept up to date; read with the main window
+
+  RunFlags() = default;
+  RunFlags(const std::string& executableBaseName, const std::string& commandLine);
+};
+
+}  // namespace startup

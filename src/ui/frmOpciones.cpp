@@ -1,0 +1,156 @@
+#include "ui/frmOpciones.hpp"
+
+#include <algorithm>
+
+#include "platform/files.hpp"
+#include "util/numeric.hpp"
+
+namespace ui {
+namespace {
+
+const std::vector<std::string> kFrameRates = {"1000", "500", "250", "150", "100", "50", "15"};
+const std::vector<std::string> kMemories = {"1048576000", "524288000", "419430400", "314572800",
+                                            "209715200",  "157286400", "104857600", "52428800"};
+const std::vector<std::string> kVideoModes = {"Sofware", "Hardware", "Mixed"};
+
+constexpr double kMegabyte = 1024.0 * 1024.0;
+
+std::vector<std::string> SoundNumbers() {
+  std::vector<std::string> numbers;
+  for (int i = 1; i <= settings::kSoundCount; ++i) numbers.push_back(std::to_string(i));
+  return numbers;
+}
+
+}  // namespace
+
+frmOpciones::frmOpciones(SettingsServices& services)
+    : CustomK(services),
+      MessagesConfigurateds(services),
+      services_(services),
+      opened_(
+          services, Window, [this](int& line) { Form_Load(line); },
+          [this](const startup::Failure& failure) { return LoadFailure(failure); }) {
+  for (const Check& check : kChecks) (Window.*check.control).description = (Window.*check.caption).Caption;
+  for (const auto& button : kOptionButtons) (Window.*button.control).description = button.description;
+  Window.chkSilenciarWav.description = Window.captionSilenciarWav.Caption;
+  Window.imgMapa.description = "Mapa";
+  Window.imgMapa.Enabled = false;  // leads nowhere, so it takes no focus
+  Window.Activate += [this] { Form_Activate(); };
+  Window.MouseMove += [this](controls::MouseButton) { lit_.LastPressed->ToggleToNormal(); };
+  ConnectChecks();
+  ConnectLists();
+  ConnectSound();
+  ConnectButtons();
+}
+
+std::string frmOpciones::LoadFailure(const startup::Failure& failure) const {
+  return WindowWords("Form_Load", Window.Name())(failure) +
+         " por favor reportelo en nuestra página de Facebook:, " + services_.deployment.social;
+}
+
+void frmOpciones::Form_Load(int& line) {
+  ready_ = false;
+  Window.Caption = OptionsWindow::kCaption;
+  Window.FrameRateChanged = Window.VideoModeChanged = false;
+  line = 30;
+  if (!picturesLoaded_) LoadPictures();
+  line = 40;
+  for (std::size_t i = 0; i < checks_.size(); ++i) ShowCheck(i);
+  ShowVolumes();
+  Window.txtCantMensajes.Text = "9";
+  ShowGuildChat();
+  line = 50;
+  FillLists();
+  ShowSilenced();
+  ready_ = true;
+  line = 60;
+  if (missingPicture_) throw *std::exchange(missingPicture_, std::nullopt);
+}
+
+void frmOpciones::LoadPictures() {
+  picturesLoaded_ = true;
+  const std::string background = OptionPicture(services_.folders, "Opciones", "");
+  if (platform::IsFile(background)) Window.Picture = background;
+  for (std::size_t i = 0; i < checks_.size(); ++i) {
+    LoadPicture(checks_[i], Window.*kChecks[i].control, "check", true);
+  }
+  LoadPicture(silenciarWav_, Window.chkSilenciarWav, "check", true);
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    LoadPicture(buttons_[i], Window.*kOptionButtons[i].control, kOptionButtons[i].picture, false);
+  }
+  LoadPicture(mapa_, Window.imgMapa, "mapa", false);
+  const std::string unlit = OptionPicture(services_.folders, "mapa", "_d");
+  if (platform::IsFile(unlit)) Window.imgMapa.Picture = unlit;
+}
+
+// A skin without some picture still gives a window that works; the first one missing is told at the end of
+// the loading.
+void frmOpciones::LoadPicture(clsGraphicalButton& button, controls::ImageControl& control,
+                              const std::string& name, bool isCheck) {
+  const auto path = [&](const char* state) { return OptionPicture(services_.folders, name, state); };
+  try {
+    button.Initialize(control, path("_n"), path("_a"), path("_c"), lit_, isCheck ? path("_c") : "");
+  } catch (const util::RuntimeError& error) {
+    if (!missingPicture_) missingPicture_ = error;
+  }
+}
+
+void frmOpciones::FillLists() {
+  static const std::vector<std::string> sounds = SoundNumbers();
+  Window.cmbWavsList.Fill(sounds);
+  Window.cmbWavsList.Select(0);
+  Window.cmbFPS.Fill(kFrameRates);
+  ShowFrameRate();
+  Window.cmbMemory.Fill(kMemories);
+  Window.cmbMemory.Select(Window.cmbMemory.IndexOf(std::to_string(Config().MaxVideoMemory)));
+  ShowMemory();
+  Window.cmbVideo_Mode.Fill(kVideoModes);
+  Window.cmbVideo_Mode.Select(Config().VIDEO_MODE);
+}
+
+void frmOpciones::Form_Activate() {
+  ShowChecks(kOnActivate);
+  ShowGuildChat();
+  ShowVolumes();
+}
+
+// A check that is on is a disabled button: its disabled picture is the ticked one, and it still takes clicks.
+void frmOpciones::ShowCheck(std::size_t check) {
+  const bool on = Config().*kChecks[check].field;
+  checks_[check].EnableButton(!on);
+  (Window.*kChecks[check].control).Checked = on;
+}
+
+void frmOpciones::ShowChecks(unsigned trait) {
+  for (std::size_t i = 0; i < checks_.size(); ++i) {
+    if (kChecks[i].traits & trait) ShowCheck(i);
+  }
+}
+
+void frmOpciones::ShowGuildChat() {
+  Window.optPantalla.Value = Config().Guild_Chat_OnScreen;
+  Window.optConsola.Value = !Config().Guild_Chat_OnScreen;
+}
+
+void frmOpciones::ShowVolumes() {
+  Config().MusicVolume = std::min(Config().MusicVolume, 100);
+  Window.lblMusicVolume.Caption = std::to_string(Config().MusicVolume) + "%";
+  Window.lblSoundVolume.Caption = std::to_string(Config().SoundVolume) + "%";
+}
+
+void frmOpciones::ShowFrameRate() {
+  Window.cmbFPS.Select(Window.cmbFPS.IndexOf(std::to_string(Config().FPS)));
+}
+
+void frmOpciones::ShowMemory() {
+  Window.lblMemory.Caption =
+      util::NumberText(util::RoundHalfEven(Config().MaxVideoMemory / kMegabyte)) + " MB";
+}
+
+void frmOpciones::ShowSilenced() {
+  const bool silenced = services_.sounds.Silenced(ChosenSound());
+  silenciarWav_.EnableButton(!silenced);
+  Window.chkSilenciarWav.Checked = silenced;
+}
+
+}  // namespace ui

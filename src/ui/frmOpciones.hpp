@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <deque>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "ui/clsGraphicalButton.hpp"
+#include "ui/frmCustomK.hpp"
+#include "ui/frmMessagesConfigurateds.hpp"
+#include "ui/frmOpciones_controls.hpp"
+#include "ui/settings_window.hpp"
+#include "util/runtime_error.hpp"
+
+namespace ui {
+
+// The options window: shows the game's settings and writes every change to their files at once.
+class frmOpciones {
+ public:
+  explicit frmOpciones(SettingsServices& services);
+
+  void Show(const controls::Window& over) { opened_.Show(over); }
+  void Unload() { opened_.Close(); }
+
+  OptionsWindow Window;
+  frmCustomK CustomK;                              // opened by imgCustomKeys1
+  frmMessagesConfigurateds MessagesConfigurateds;  // opened by imgCustomMsg
+
+ private:
+  using Body = std::function<void(int& line)>;
+
+  void Form_Load(int& line);
+  std::string LoadFailure(const startup::Failure& failure) const;
+  void Form_Activate();
+  void LoadPictures();
+  void LoadPicture(clsGraphicalButton& button, controls::ImageControl& control, const std::string& name,
+                   bool isCheck);
+  void FillLists();
+
+  void ShowCheck(std::size_t check);
+  void ShowChecks(unsigned trait);
+  void ShowGuildChat();
+  void ShowVolumes();
+  void ShowFrameRate();
+  void ShowMemory();
+  void ShowSilenced();
+
+  // The event runs `body` as the procedure `name`, which reports its own failures.
+  void On(controls::Event<>& event, const std::string& name, Body body);
+  void OnClick(controls::Control& control, Body body);
+  void ConnectChecks();
+  void ConnectLists();
+  void ConnectSound();
+  void ConnectButtons();
+
+  void ToggleCheck(std::size_t check);
+  void chkOptimizedOptions_Click(std::size_t check);
+  void imgDefaultOptions_Click();
+  void chkSilenciarWav_Click();
+  void cmbVideo_Mode_Change();
+  void cmbFPS_Change();
+  void cmbMemory_Change();
+  void OpenPage(const std::string& page);
+  void Save();
+  settings::GameConfig& Config() { return services_.gameIni.Config; }
+  int ChosenSound() const;
+
+  SettingsServices& services_;
+  clsGraphicalButton nobody_;  // never initialised
+  LastPressedHolder lit_{&nobody_};
+  std::array<clsGraphicalButton, std::size(kChecks)> checks_;
+  std::array<clsGraphicalButton, std::size(kOptionButtons)> buttons_;
+  clsGraphicalButton silenciarWav_, mapa_;
+  bool picturesLoaded_ = false;
+  std::optional<util::RuntimeError> missingPicture_;
+  bool ready_ = false;  // false while the window is loading: filling the controls writes nothing
+  SettingsWindow opened_;
+};
+
+}  // namespace ui

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "controls/control.hpp"
+#include "platform/host.hpp"
+#include "settings/modGameIni.hpp"
+#include "settings/sound_table.hpp"
+#include "startup/deployment.hpp"
+#include "startup/procedure.hpp"
+#include "ui/screen.hpp"
+
+namespace ui {
+
+// What the windows of the settings work with. Everything outlives the windows.
+struct SettingsServices {
+  platform::Host& host;
+  const startup::Folders& folders;
+  const startup::Deployment& deployment;
+  startup::ErrorRecorder& recorder;
+  Screen& screen;
+  settings::modGameIni& gameIni;
+  settings::SoundTable& sounds;
+};
+
+// Full path of a picture of the options' own folder: `state` is "_n" (normal), "_a" (pointed at), "_c"
+// (pressed) or "_d" (disabled), or empty for one that has no states.
+std::string OptionPicture(const startup::Folders& folders, const std::string& name, const std::string& state);
+
+// The report of a window's procedure: "Error ... procedimiento `procedure` Formulario `window` línea: ...".
+using Words = std::function<std::string(const startup::Failure&)>;
+Words WindowWords(const std::string& procedure, const std::string& window);
+
+// The coming and going of one modeless window: given to the screen when it is first shown, loaded each time
+// it is opened, hidden when it closes. Esc writes the settings and closes it.
+class SettingsWindow {
+ public:
+  using Load = std::function<void(int& line)>;
+
+  // `load` fills the controls; what it throws is reported in `words` and the window is shown nevertheless.
+  SettingsWindow(SettingsServices& services, controls::Window& window, Load load, Words words);
+  ~SettingsWindow();
+  SettingsWindow(const SettingsWindow&) = delete;
+
+  void Show(const controls::Window& over);  // an open one comes to the front as it is
+  void Close();
+
+ private:
+  void Form_Load();
+
+  SettingsServices& services_;
+  controls::Window& window_;
+  Load load_;
+  Words words_;
+  bool attached_ = false;
+  bool loading_ = false;
+};
+
+}  // namespace ui

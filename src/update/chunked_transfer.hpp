@@ -1,0 +1,44 @@
+#pragma once
+
+#include <functional>
+
+#include "controls/main_window.hpp"
+#include "platform/host.hpp"
+#include "startup/deployment.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/lifetime.hpp"
+#include "web/Inet1.hpp"
+#include "web/download_state.hpp"
+
+namespace update {
+
+// Handles the state-changed event of the internet transfer control: writes the answer's chunks to
+// DownloadState.TargetPath and shows size and speed.
+class ChunkedTransfer {
+ public:
+  ChunkedTransfer(platform::Host& host, const startup::Deployment& deployment,
+                  startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
+                  controls::MainWindow& frmMain, web::Inet1& inet, web::DownloadState& state,
+                  std::function<void()> closeLauncher);
+
+  void Inet1_StateChanged(int stateNumber);
+
+ private:
+  void ReceiveBody();
+  void Sample(double total);
+  void ShowVelocity(double total);
+
+  platform::Host& host_;
+  const startup::Deployment& deployment_;
+  startup::ErrorRecorder& recorder_;
+  startup::Lifetime& lifetime_;
+  controls::MainWindow& frmMain_;
+  web::Inet1& inet_;
+  web::DownloadState& state_;
+  std::function<void()> closeLauncher_;
+  float speed_ = 0;  // kb/s
+  std::uint32_t sampleTime_ = 0;
+  double sampleValue_ = 0;
+};
+
+}  // namespace update

@@ -1,0 +1,75 @@
+#include "update/library_check.hpp"
+
+#include "platform/files.hpp"
+#include "startup/procedure.hpp"
+#include "startup/system_directory.hpp"
+#include "util/clsHashing.hpp"
+#include "util/runtime_error.hpp"
+#include "web/blocking.hpp"
+
+namespace update {
+namespace {
+
+constexpr const char* kGraphicsLibrary = "DX8VB.DLL";
+constexpr const char* kLibraries[] = {"COMCTL32.OCX", "COMDLG32.OCX",    "CSWSK32.OCX",  "DX8VB.DLL",
+                                      "MSCOMCTL.OCX", "MSINET.OCX",      "MSVBVM60.DLL", "MSWINSCK.OCX",
+                                      "RICHTX32.OCX", "VBALPROGBAR6.OCX"};
+
+// A missing file has no digest.
+std::string DigestOrNone(const std::string& path, std::stop_token stop) {
+  try {
+    return util::clsHashing().MD5File(path, stop);
+  } catch (const util::RuntimeError&) {
+    return {};
+  }
+}
+
+}  // namespace
+
+// Folder and file are joined as they are. Bin carries no closing separator, so its libraries are never found,
+// and "/s" keeps regsvr32 quiet about it; the commands stay as players' machines have always seen them.
+void LibraryCheck::RegistrarLibreria(const std::string& folder, const std::string& file) {
+  frmMain_.lblName.Caption = "Registrando " + file + "...";
+  platform::StartRequest request;
+  request.program = "regsvr32.exe";
+  request.commandLine = "regsvr32 \"" + folder + file + "\" /s";
+  request.style = platform::WindowStyle::Minimised;
+  host_.processes.Start(request);
+  host_.events.DoEvents();
+}
+
+void LibraryCheck::RefreshGraphicsLibrary() {
+  const std::string own = folders_.BinDir + platform::kSeparator + kGraphicsLibrary;
+  const std::string system = startup::ObtenerDirectorio(recorder_) + platform::kSeparator + kGraphicsLibrary;
+  web::RunBlocking(host_.events, lifetime_, [&](std::stop_token stop) {
+    if (!platform::IsFile(own) || DigestOrNone(own, stop) == DigestOrNone(system, stop)) return;
+    try {
+      platform::CloneFile(own, system);
+    } catch (const util::RuntimeError&) {  // without rights to the system folder the game uses what is there
+    }
+  });
+}
+
+void LibraryCheck::VerificarLibrerias() {
+  startup::Guarded(
+      recorder_,
+      [&](int& line) {
+        line = 10;
+        frmMain_.lblName.Caption = "Verificando librerías, por favor aguarde.";
+        line = 20;
+        for (const char* library : kLibraries) RegistrarLibreria(folders_.BinDir, library);
+        line = 30;
+        RefreshGraphicsLibrary();
+        line = 40;
+        RegistrarLibreria("", kGraphicsLibrary);
+        line = 50;
+        frmMain_.lblName.Caption = "Librerias correctas.";
+        host_.dialogs.Show("Se han registrado las librerias correctamente.");
+      },
+      [&](const startup::Failure& failure) {
+        return failure.Opening() + " in procedure VerificarLibrerias of Formulario frmMain in line " +
+               failure.Line();
+      });
+}
+
+}  // namespace update

@@ -1,0 +1,175 @@
+#include "web/Inet1.hpp"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <stop_token>
+#include <thread>
+
+#include "util/text.hpp"
+#include "web/text_fetch.hpp"
+
+namespace web {
+namespace {
+
+constexpr std::size_t kLargestLead = 256 * 1024;  // how far a transfer runs ahead of its reader
+constexpr std::uint32_t kAnnounceMs = 10;
+constexpr std::uint32_t kRoundMs = 50;
+
+}  // namespace
+
+// One request. Its worker is the sink's producer, the interface thread takes out of the buffer.
+struct Inet1::Transfer : platform::HttpSink {
+  std::stop_source stop;
+  mutable std::mutex mutex;
+  std::condition_variable_any taken;
+  std::vector<std::byte> buffer;
+  std::size_t start = 0;  // of what has not been taken yet
+  platform::HttpHead head;
+  bool headArrived = false;
+  bool ended = false;
+  platform::HttpOutcome outcome;
+  platform::EventLoop* events = nullptr;
+  std::jthread worker;  // of Execute; declared last, so that it has ended before the rest goes
+
+  ~Transfer() override { stop.request_stop(); }
+
+  void Run(platform::HttpClient& http, const platform::HttpRequest& request, std::stop_token programEnds) {
+    const std::stop_callback passOn(programEnds, [this] { stop.request_stop(); });
+    platform::HttpOutcome result;
+    try {
+      result = http.Get(request, *this, stop.get_token());
+    } catch (const std::exception&) {
+      result.error = platform::HttpError::Other;
+    }
+    Finish(result);
+  }
+
+  void Finish(const platform::HttpOutcome& result) {
+    const std::lock_guard lock(mutex);
+    outcome = result;
+    ended = true;
+    events->Wake();
+  }
+
+  void Begin(const platform::HttpHead& answer) override {
+    const std::lock_guard lock(mutex);
+    head = answer;
+    headArrived = true;
+    events->Wake();
+  }
+
+  bool Write(std::span<const std::byte> bytes) override {
+    std::unique_lock lock(mutex);
+    if (!taken.wait(lock, stop.get_token(), [this] { return buffer.size() - start < kLargestLead; }))
+      return false;
+    if (start >= kLargestLead || start == buffer.size()) {
+      buffer.erase(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(start));
+      start = 0;
+    }
+    if (start == buffer.size()) events->Wake();
+    buffer.insert(buffer.end(), bytes.begin(), bytes.end());
+    return true;
+  }
+
+  // What there is, at most `size` bytes; `atEnd` when nothing will follow.
+  std::vector<std::byte> Take(std::size_t size, bool& atEnd) {
+    const std::lock_guard lock(mutex);
+    const std::size_t count = std::min(size, buffer.size() - start);
+    const auto first = buffer.begin() + static_cast<std::ptrdiff_t>(start);
+    std::vector<std::byte> chunk(first, first + static_cast<std::ptrdiff_t>(count));
+    start += count;
+    taken.notify_one();
+    atEnd = ended && count == 0;
+    return chunk;
+  }
+
+  bool Ended() const {
+    const std::lock_guard lock(mutex);
+    return ended;
+  }
+};
+
+Inet1::Inet1(platform::Host& host, startup::Lifetime& lifetime) : host_(host), lifetime_(lifetime) {}
+
+Inet1::~Inet1() { Cancel(); }
+
+std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
+  if (StillExecuting()) return {};
+  const auto transfer = std::make_shared<Transfer>();
+  transfer->events = &host_.events;
+  transfer_ = transfer;
+  platform::HttpRequest request{.url = url};
+  request.wholeLimitMs =
+      requestTimeoutSeconds_ > 0 ? static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000 : kTextLimitMs;
+  if (options.wholeLimitMs != 0) request.wholeLimitMs = options.wholeLimitMs;
+  TextAnswer answer =
+      FetchText(host_, lifetime_, std::move(request), options.cache, transfer->stop.get_token());
+  transfer->Finish(answer.outcome);
+  if (transfer_ == transfer) head_ = std::move(answer.head);
+  return std::move(answer.text);
+}
+
+void Inet1::Execute(const std::string& url) {
+  if (StillExecuting()) return;
+  head_ = {};
+  transfer_ = std::make_shared<Transfer>();
+  Transfer& transfer = *transfer_;
+  transfer.events = &host_.events;
+  platform::HttpRequest request{.url = url};
+  if (requestTimeoutSeconds_ > 0) {
+    request.stallLimitMs = static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000;
+    request.connectLimitMs = std::min(request.connectLimitMs, request.stallLimitMs);
+  }
+  transfer.worker = std::jthread([&transfer, &http = host_.http, request, programEnds = lifetime_.Token()] {
+    transfer.Run(http, request, programEnds);
+  });
+  announcing_ = host_.events.Timers().Start(kAnnounceMs, [this] { Announce(); });
+}
+
+void Inet1::Announce() {
+  {
+    const std::lock_guard lock(transfer_->mutex);
+    if (!transfer_->headArrived && !transfer_->ended) return;
+    head_ = transfer_->head;
+  }
+  StopAnnouncing();
+  StateChanged(head_.status != 0 ? kStateResponseCompleted : kStateError);
+}
+
+void Inet1::StopAnnouncing() {
+  host_.events.Timers().Stop(announcing_);
+  announcing_ = 0;
+}
+
+std::vector<std::byte> Inet1::GetChunk(std::size_t size) {
+  const std::shared_ptr<Transfer> transfer = transfer_;  // a handler may cancel it meanwhile
+  if (!transfer || size == 0) return {};
+  for (;;) {
+    bool atEnd = false;
+    std::vector<std::byte> chunk = transfer->Take(size, atEnd);
+    if (!chunk.empty() || atEnd) return chunk;
+    host_.events.WaitEvents(kRoundMs);
+  }
+}
+
+bool Inet1::BodyFailed() const {
+  if (!transfer_) return true;
+  const std::lock_guard lock(transfer_->mutex);
+  return transfer_->ended && !transfer_->outcome.Complete();
+}
+
+std::string Inet1::GetHeader(const std::string& name) const { return head_.Header(util::Lower(name)); }
+
+void Inet1::Cancel() {
+  StopAnnouncing();
+  std::erase_if(retired_, [](const auto& transfer) { return transfer->Ended(); });
+  if (!transfer_) return;
+  transfer_->stop.request_stop();
+  if (!transfer_->Ended()) retired_.push_back(transfer_);
+  transfer_.reset();
+}
+
+bool Inet1::StillExecuting() const { return transfer_ && (announcing_ != 0 || !transfer_->Ended()); }
+
+}  // namespace web

@@ -1,0 +1,46 @@
+#include "web/blocking.hpp"
+
+#include <atomic>
+#include <cstdint>
+#include <exception>
+#include <thread>
+
+namespace web {
+namespace {
+
+// The work wakes the loop when it ends, so this limit only paces `onRound` and costs no latency.
+constexpr std::uint32_t kRoundMs = 50;
+
+}  // namespace
+
+// A thread of its own for each call: starting one takes some ten microseconds, far less than the request that
+// follows, and the HTTP client keeps its connections for whichever thread comes next. Calls nest (a handler
+// may start another one meanwhile), which a fixed pool would have to make room for.
+void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
+                 const std::function<void(std::stop_token)>& work, const std::function<void()>& onRound,
+                 std::stop_token stop) {
+  std::atomic<bool> ended = false;
+  std::exception_ptr failure;
+  std::jthread worker([&](std::stop_token token) {
+    try {
+      work(token);
+    } catch (...) {
+      failure = std::current_exception();
+    }
+    ended.store(true, std::memory_order_release);
+    events.Wake();
+  });
+  {
+    const auto passOn = [&worker] { worker.request_stop(); };
+    const std::stop_callback atTheEnd(lifetime.Token(), passOn);
+    const std::stop_callback onDemand(stop, passOn);
+    while (!ended.load(std::memory_order_acquire)) {
+      events.WaitEvents(kRoundMs);
+      if (onRound) onRound();
+    }
+  }
+  worker.join();
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace web

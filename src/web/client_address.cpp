@@ -1,0 +1,56 @@
+#include <algorithm>
+
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+#include "web/attempts.hpp"
+#include "web/host_selection.hpp"
+
+namespace modGeneral {
+namespace {
+
+// Three numbers with "/" between them.
+bool IsDate(std::string_view text) {
+  const auto parts = util::Split(text, '/');
+  return parts.size() == 3 && std::all_of(parts.begin(), parts.end(), util::IsNumeric);
+}
+
+}  // namespace
+
+std::string HostSelection::AddressQueryUrl() const {
+  constexpr const char* kScript = "/web/include/ipdate.php";
+  if (deployment_.IsSecondHost(hosts_.WebBaseURL)) return deployment_.api + kScript;
+  return hosts_.WebBaseURL + "../.." + kScript;
+}
+
+// Takes date and address out of an answer; false when its address is of no kind at all.
+bool HostSelection::TakeAddress(const std::string& body) {
+  const std::string date(util::Field(body, 1, '-'));
+  const std::string address(util::Field(body, 2, '-'));
+  const bool dotted = web::IsDottedAddress(address);
+  if (!dotted && !web::IsColonList(address)) return false;
+  const bool dated = IsDate(date);
+  ServerDate = dated ? date : std::string{};
+  // A dotted address is kept even beside a date that is none.
+  PublicAddress = dotted || dated ? address : std::string{};
+  return true;
+}
+
+// Only a dotted address ends the attempts early; an address of the other kind is taken from the answer that
+// is there when they are used up.
+std::string HostSelection::ClientAddressQuery() {
+  if (ServerDate.empty() || PublicAddress.empty()) {
+    web::Attempts attempts(lifetime_, ServerDate.empty() ? 0 : 1);
+    const std::string url = AddressQueryUrl();
+    std::string body;
+    bool first = true;
+    while (attempts.Next()) {
+      body = first ? transfers_.GetHttpText(url) : inet_.OpenURL(url);
+      first = false;
+      if (web::IsDottedAddress(util::Field(body, 2, '-'))) break;
+    }
+    if (!TakeAddress(body)) return {};
+  }
+  return ServerDate + "-" + PublicAddress;
+}
+
+}  // namespace modGeneral

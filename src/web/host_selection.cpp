@@ -1,0 +1,131 @@
+#include "web/host_selection.hpp"
+
+#include <algorithm>
+
+#include "startup/launcher_settings.hpp"
+#include "startup/procedure.hpp"
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+
+namespace modGeneral {
+namespace {
+
+namespace keys = startup::keys;
+
+constexpr std::uint32_t kPauseMs = 100;
+constexpr std::uint32_t kPauseSlices = 10;  // the window handles its events after each
+constexpr const char* kProbeFile = "Online.txt";
+
+// A page with status 200 in place of the digit gives itself away by these words.
+bool IsGoodAnswer(const std::string& body) {
+  if (util::NumberText(util::Val(body)) != "1") return false;
+  const std::string upper = util::Upper(body);
+  return !util::Contains(upper, "DOCTYPE") && !util::Contains(upper, "ERROR");
+}
+
+auto WordsOf(const char* procedure) {
+  return [procedure](const startup::Failure& failure) {
+    return failure.Opening() + " in procedure " + procedure + " of Módulo modGeneral";
+  };
+}
+
+}  // namespace
+
+HostSelection::HostSelection(platform::Host& host, const startup::Deployment& deployment,
+                             startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
+                             controls::MainWindow& frmMain, web::Inet1& inet, web::smodXmlHttp& transfers,
+                             web::Hosts& hosts,
+                             const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs)
+    : host_(host),
+      deployment_(deployment),
+      recorder_(recorder),
+      lifetime_(lifetime),
+      frmMain_(frmMain),
+      inet_(inet),
+      transfers_(transfers),
+      hosts_(hosts),
+      probeLimitsMs_(probeLimitsMs) {}
+
+void HostSelection::RestoreHosts() {
+  hosts_.CurrentUpdateURL = host_.settings.Get(keys::kApplication, keys::kLastUrl, keys::kUrl);
+  hosts_.WebBaseURL = host_.settings.Get(keys::kApplication, keys::kUrlWeb, keys::kUrl);
+}
+
+// An operator may list one address twice; the walk goes on from the place it has reached, not from the first
+// entry that reads the same, or it would never get beyond.
+std::string HostSelection::NextMirror() {
+  const auto& ring = deployment_.mirrors;
+  if (ring[place_] != hosts_.CurrentUpdateURL) {
+    const auto found = std::find(ring.begin(), ring.end(), hosts_.CurrentUpdateURL);
+    place_ = found == ring.end() ? ring.size() - 1 : static_cast<std::size_t>(found - ring.begin());
+  }
+  for (std::size_t step = 1; step <= ring.size(); ++step) {
+    const std::size_t next = (place_ + step) % ring.size();
+    if (!deployment_.usable[next]) continue;
+    place_ = next;
+    return ring[next];
+  }
+  return hosts_.CurrentUpdateURL;
+}
+
+void HostSelection::SwitchURL() {
+  const auto body = [this](int&) {
+    hosts_.WebBaseURL = NextMirror();
+    hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
+    if (ShownConnecting) {
+      frmMain_.lblEstado.Caption = "Conectando con el servidor de Kelvarin";
+      ShownConnecting = true;
+    } else {
+      frmMain_.lblEstado.Caption = "Web inalcanzable, buscando web alternativa...";
+    }
+    for (std::uint32_t i = 0; i < kPauseSlices && !lifetime_.Ending(); ++i) {
+      host_.clock.Sleep(kPauseMs / kPauseSlices);
+      host_.events.DoEvents();
+    }
+  };
+  startup::Guarded(recorder_, body, WordsOf("SwitchURL"));
+}
+
+bool HostSelection::Passable(const std::string& baseURL) const {
+  const auto& ring = deployment_.mirrors;
+  const auto found = std::find(ring.begin(), ring.end(), baseURL);
+  return found == ring.end() || deployment_.usable[static_cast<std::size_t>(found - ring.begin())];
+}
+
+void HostSelection::ComenzarActualizacion() {
+  const auto body = [this](int&) {
+    while (!lifetime_.Ending() &&
+           !(Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile))) {
+      SwitchURL();
+    }
+    if (lifetime_.Ending()) return;
+    hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
+    host_.settings.Set(keys::kApplication, keys::kLastUrl, keys::kUrl, hosts_.CurrentUpdateURL);
+    host_.settings.Set(keys::kApplication, keys::kUrlWeb, keys::kUrl, hosts_.WebBaseURL);
+  };
+  startup::Guarded(recorder_, body, WordsOf("ComenzarActualizacion"));
+}
+
+// The news timer confirms the mirror every two seconds; a mirror that marks its answer as fresh is spared
+// that by the cache. A bad answer is never kept.
+bool HostSelection::CheckOnline(const std::string& baseURL, const std::string& fileName) {
+  const std::string url = baseURL + fileName;
+  LastCheckOK = false;
+  for (std::size_t attempt = 0; attempt < probeLimitsMs_.size() && !lifetime_.Ending(); ++attempt) {
+    web::TextOptions options{.wholeLimitMs = probeLimitsMs_[attempt]};
+    std::string body;
+    if (attempt == 0) {
+      options.cache = &cache_;
+      inet_.Cancel();
+      body = inet_.OpenURL(url, options);
+    } else {
+      body = transfers_.GetHttpText(url, options);
+    }
+    LastCheckOK = IsGoodAnswer(body);
+    if (LastCheckOK) return true;
+    cache_.Forget(url);
+  }
+  return false;
+}
+
+}  // namespace modGeneral

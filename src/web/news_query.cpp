@@ -1,0 +1,90 @@
+#include "web/news_query.hpp"
+
+#include "startup/procedure.hpp"
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+#include "web/attempts.hpp"
+
+namespace web {
+namespace {
+
+constexpr std::int16_t kTicksUntilShownAgain = 27000;  // 15 hours of ticks
+constexpr std::int32_t kShownMs = 15000;
+constexpr const char* kScript = "web/include/noticiasbase.php";
+
+}  // namespace
+
+NewsQuery::NewsQuery(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
+                     startup::Lifetime& lifetime, controls::MainWindow& frmMain, Inet1& inet,
+                     smodXmlHttp& transfers, const Hosts& hosts, modGeneral::HostSelection& selection,
+                     modGeneral::ServerList& servers)
+    : deployment_(deployment),
+      recorder_(recorder),
+      lifetime_(lifetime),
+      frmMain_(frmMain),
+      inet_(inet),
+      transfers_(transfers),
+      hosts_(hosts),
+      selection_(selection),
+      servers_(servers) {}
+
+// The play button stops the timer, perhaps while this waits for an answer. The status line belongs to the
+// update from then on, so the rest is left out.
+void NewsQuery::Timer_Timer() {
+  const bool wasOn = frmMain_.NewsTimer.On();
+  const auto goOn = [&] { return !lifetime_.Ending() && frmMain_.NewsTimer.On() == wasOn; };
+  const auto body = [&](int& line) {
+    line = 10;
+    const std::string answer = Ask(goOn);
+    if (answer.empty() || !goOn()) return;
+    line = 20;
+    frmMain_.lblEstado.Caption = "Cargando lista de servidores y usuarios online...";
+    line = 30;
+    TakeNews(answer);
+    line = 40;
+    selection_.ComenzarActualizacion();
+    line = 50;
+    if (goOn() && servers_.Text().empty()) servers_.GetServersList();
+    line = 60;
+    if (goOn()) servers_.Parse(servers_.Text());
+    line = 70;
+    if (goOn()) frmMain_.lblEstado.Caption = "";
+  };
+  startup::Guarded(recorder_, body, [](const startup::Failure& failure) {
+    return failure.Opening() + " en el procedimiento Timer_Timer del modulo Formulario frmMain en la línea " +
+           failure.Line();
+  });
+}
+
+std::string NewsQuery::Ask(const std::function<bool()>& goOn) {
+  const bool secondHost = deployment_.IsSecondHost(hosts_.WebBaseURL);
+  const std::string base = hosts_.WebBaseURL + (secondHost ? "/" : "../../") + kScript;
+  const std::string api = deployment_.api + "/" + kScript;
+  const TextOptions options{.cache = &cache_};
+  Attempts attempts(lifetime_);
+  std::string answer;
+  for (bool first = true; answer.empty() && goOn() && attempts.Next(); first = false) {
+    const bool viaInet = first == secondHost;
+    const std::string& url = first && secondHost ? api : base;
+    answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
+  }
+  return answer;
+}
+
+void NewsQuery::TakeNews(const std::string& answer) {
+  const std::string_view news = util::Field(answer, 1, '@');
+  if (news.size() == answer.size() || !util::Contains(news, "|")) return;
+  const std::int32_t number = util::ToInt32(util::Val(util::Field(news, 1, '|')));
+  const std::string title(util::Field(news, 3, '|'));
+  if (title != lastTitle_) {
+    lastTitle_ = title;
+    shown_ = false;
+  }
+  ++ticks_;
+  if (shown_ && ticks_ < kTicksUntilShownAgain) return;
+  ticks_ = 0;
+  shown_ = true;
+  if (showMessage) showMessage(util::Replaced(util::Field(news, 4, '|'), "-", "/"), title, number, kShownMs);
+}
+
+}  // namespace web

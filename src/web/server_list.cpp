@@ -1,0 +1,148 @@
+#include "web/server_list.hpp"
+
+#include <algorithm>
+
+#include "startup/procedure.hpp"
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+#include "web/attempts.hpp"
+
+namespace modGeneral {
+namespace {
+
+// No more records of an answer are kept: three are shown, and an answer of nothing but separators would fill
+// the memory.
+constexpr std::size_t kMostServers = 256;
+
+constexpr const char* kOnline = "ONLINE";
+constexpr controls::Colour kRed = 255;
+constexpr controls::Colour kGreen = 65280;
+
+bool IsOnline(const Server& server) { return util::Upper(server.state) == kOnline; }
+
+Server ServerOf(std::string_view record) {
+  const auto text = [record](int n) { return std::string(util::Field(record, n, '@')); };
+  const auto number = [record](int n) { return util::Val(util::Field(record, n, '@')); };
+  return {.field1 = util::ToByte(number(1)),
+          .name = text(2),
+          .state = text(3),
+          .field4 = text(4),
+          .field5 = util::ToInt32(number(5)),
+          .players = util::ToInt16(number(6)),
+          .remark = text(7),
+          .field8 = util::ToInt32(number(8))};
+}
+
+std::string RecordOf(const Server& server) {
+  return std::to_string(server.field1) + "@" + server.name + "@" + server.state + "@" + server.field4 + "@" +
+         std::to_string(server.field5) + "@" + std::to_string(server.players) + "@" + server.remark + "@" +
+         std::to_string(server.field8) + "|";
+}
+
+std::string CaptionOf(const Server& server) {
+  if (server.name.empty() && server.state.empty()) return {};
+  std::string caption = server.name + " ";
+  if (IsOnline(server)) {
+    caption += kOnline + (" - " + std::to_string(server.players)) + " Users.";
+  } else {
+    caption += util::Upper(server.state);
+  }
+  return server.remark.empty() ? caption : caption + " - " + server.remark;
+}
+
+auto WordsOf(const char* procedure) {
+  return [procedure](const startup::Failure& failure) {
+    return failure.Opening() + " procedimiento " + procedure + " Módulo modGeneral línea: " + failure.Line();
+  };
+}
+
+}  // namespace
+
+ServerList::ServerList(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
+                       startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
+                       web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection)
+    : deployment_(deployment),
+      recorder_(recorder),
+      lifetime_(lifetime),
+      frmMain_(frmMain),
+      inet_(inet),
+      transfers_(transfers),
+      hosts_(hosts),
+      selection_(selection) {}
+
+std::string ServerList::GetServersList() {
+  std::string answer;
+  const auto body = [&](int& line) {
+    line = 10;
+    answer = Ask();
+    if (answer.empty()) return;
+    line = 20;
+    Parse(answer);
+    line = 30;
+    SetCaptions(servers_.empty() ? "Servidor Web no Disponible." : "");
+    if (servers_.empty()) return;
+    line = 40;
+    for (std::size_t i = 0; i < servers_.size(); ++i) {
+      // The second record is kept whatever its state.
+      if (IsOnline(servers_[i]) || i == 1) serverListText_ += RecordOf(servers_[i]);
+    }
+    line = 50;
+    if (listParsed_) {
+      OrderLblServerList();
+    } else {
+      selection_.ComenzarActualizacion();
+    }
+  };
+  startup::Guarded(recorder_, body, WordsOf("GetServersList"));
+  return answer;
+}
+
+// The two ways of fetching take turns.
+std::string ServerList::Ask() {
+  const bool secondHost = deployment_.IsSecondHost(hosts_.WebBaseURL);
+  const std::string url =
+      hosts_.WebBaseURL + "../../web/include/info.php" + (secondHost ? "" : "?op=complete");
+  const web::TextOptions options{.cache = &cache_};
+  web::Attempts attempts(lifetime_);
+  std::string answer;
+  for (bool viaInet = secondHost; answer.empty() && attempts.Next(); viaInet = !viaInet) {
+    answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
+  }
+  return answer;
+}
+
+void ServerList::SetCaptions(const char* caption) {
+  for (controls::Label* label : frmMain_.lblServerState) label->Caption = caption;
+}
+
+void ServerList::Parse(const std::string& answer) {
+  listParsed_ = false;
+  if (!util::Contains(answer, "|")) {
+    selection_.ComenzarActualizacion();
+    return;
+  }
+  std::vector<Server> servers;
+  std::string_view rest = answer;
+  while (!rest.empty() && servers.size() < kMostServers) {  // nothing behind a last "|" is no server
+    const std::size_t end = std::min(rest.find('|'), rest.size());
+    servers.push_back(ServerOf(rest.substr(0, end)));
+    rest.remove_prefix(std::min(end + 1, rest.size()));
+  }
+  servers_ = std::move(servers);
+  listParsed_ = true;
+}
+
+void ServerList::OrderLblServerList() {
+  const auto body = [this](int& line) {
+    const std::size_t shown = std::min(servers_.size(), frmMain_.lblServerState.size());
+    for (std::size_t i = 0; i < shown; ++i) {
+      line = 10;
+      controls::Label& label = *frmMain_.lblServerState[i];
+      label.ForeColor = IsOnline(servers_[i]) ? kGreen : kRed;
+      label.Caption = CaptionOf(servers_[i]);
+    }
+  };
+  startup::Guarded(recorder_, body, WordsOf("OrderLblServerList"));
+}
+
+}  // namespace modGeneral

@@ -1,0 +1,58 @@
+#include "web/text_fetch.hpp"
+
+#include <exception>
+#include <utility>
+
+#include "web/blocking.hpp"
+#include "web/body_text.hpp"
+
+namespace web {
+namespace {
+
+class MemorySink : public platform::HttpSink {
+ public:
+  void Begin(const platform::HttpHead& answer) override { head = answer; }
+  bool Write(std::span<const std::byte> more) override {
+    if (more.size() > kLargestText - bytes.size()) return false;
+    bytes.append(reinterpret_cast<const char*>(more.data()), more.size());
+    return true;
+  }
+
+  platform::HttpHead head;
+  std::string bytes;
+};
+
+}  // namespace
+
+TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, platform::HttpRequest request,
+                     AnswerCache* cache, std::stop_token stop, const OnBody& onBody) {
+  TextAnswer answer;
+  if (cache) {
+    if (auto kept = cache->Fresh(request.url, host.clock.Milliseconds())) {
+      answer.outcome = {platform::HttpError::None, 200};
+      answer.text = std::move(*kept);
+      return answer;
+    }
+    const AnswerCache::Headers conditions = cache->Conditions(request.url);
+    request.headers.insert(request.headers.end(), conditions.begin(), conditions.end());
+  }
+  MemorySink sink;
+  const auto work = [&](std::stop_token token) {
+    answer.outcome = host.http.Get(request, sink, token);
+    if (answer.outcome.Complete() && onBody) onBody(sink.head, sink.bytes);
+  };
+  try {
+    RunBlocking(host.events, lifetime, work, {}, std::move(stop));
+  } catch (const std::exception&) {  // no memory, no thread: a query that failed like any other
+    answer.outcome.error = platform::HttpError::Other;
+  }
+  answer.head = std::move(sink.head);
+  if (!answer.outcome.Complete()) return answer;
+  answer.text = BodyText(answer.head.Header("content-type"), std::move(sink.bytes));
+  if (cache) {
+    answer.text = cache->Take(request.url, answer.head, std::move(answer.text), host.clock.Milliseconds());
+  }
+  return answer;
+}
+
+}  // namespace web

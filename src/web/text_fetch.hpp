@@ -1,0 +1,33 @@
+#pragma once
+
+#include <functional>
+#include <stop_token>
+#include <string>
+
+#include "platform/host.hpp"
+#include "startup/lifetime.hpp"
+#include "web/answer_cache.hpp"
+
+namespace web {
+
+// The most bytes of an answer that are taken into memory.
+inline constexpr std::size_t kLargestText = 16 * 1024 * 1024;
+
+// The time a text may take when nothing else is said: texts are small, and a server that trickles one byte
+// after the other must not hold its caller for ever.
+inline constexpr std::uint32_t kTextLimitMs = 60'000;
+
+struct TextAnswer {
+  platform::HttpOutcome outcome;
+  platform::HttpHead head;  // its status is 0 when no answer came
+  std::string text;         // UTF-8; empty unless the whole answer came
+};
+
+// Called on the working thread with the undecoded body of a whole answer.
+using OnBody = std::function<void(const platform::HttpHead&, const std::string& bytes)>;
+
+// Fetches a text while events go on being handled. `cache` may be null.
+TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, platform::HttpRequest request,
+                     AnswerCache* cache, std::stop_token stop = {}, const OnBody& onBody = {});
+
+}  // namespace web

@@ -1,0 +1,144 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "platform/posix/event_loop_posix.hpp"
+#include "platform/posix/unique_fd.hpp"
+#include "support/temp_folder.hpp"
+
+namespace platform {
+namespace {
+
+using support::TempFolder;
+
+// Polls until `done`, at most ten seconds.
+template <class Condition>
+bool Eventually(Condition done) {
+  const auto clock = MakeClock();
+  const std::uint64_t start = clock->Milliseconds();
+  while (!done()) {
+    if (clock->Milliseconds() - start > 10'000) return false;
+    clock->Sleep(5);
+  }
+  return true;
+}
+
+TEST(NativeFiles, LinksAreNeitherListedNorFollowed) {
+  const TempFolder folder;
+  folder.Put("outside/precious", "1");
+  folder.Put("tree/a", "2");
+  std::filesystem::create_directory_symlink(folder / "outside", folder / "tree/link");
+  std::filesystem::create_symlink(folder / "outside/precious", folder / "tree/file");
+  EXPECT_EQ(ListTree(folder / "tree"), (std::vector<FoundFile>{{"a"}}));
+  RemoveTree(folder / "tree");
+  EXPECT_EQ(folder.Get("outside/precious"), "1");
+}
+
+TEST(NativeFiles, APipeInTheirPlaceHoldsNothingUp) {
+  const TempFolder folder;
+  ASSERT_EQ(mkfifo((folder / "pipe").c_str(), 0600), 0);
+  EXPECT_ANY_THROW(ReadWhole(folder / "pipe", 10));
+}
+
+TEST(NativeFiles, AReplacedProgramStaysExecutable) {
+  const TempFolder folder;
+  folder.Put("program", "1");
+  chmod((folder / "program").c_str(), 0755);
+  WriteWhole(folder / "program", "2");
+  EXPECT_EQ(access((folder / "program").c_str(), X_OK), 0);
+}
+
+class NativeProcesses : public testing::Test {
+ protected:
+  TempFolder folder;
+  std::vector<std::string> told;
+  std::unique_ptr<Processes> processes =
+      MakeProcesses([this](const std::string& line) { told.push_back(line); });
+};
+
+TEST_F(NativeProcesses, AProgramGetsItsWordsItsFolderAndNothingOfOurs) {
+  const UniqueFd inherited(dup(1));  // not closed by exec itself
+  folder.Put("my client.sh",
+             "#!/bin/sh\nreadlink /proc/self/fd/0 > fds\nls /proc/$$/fd > open\n"
+             "printf '%s|' \"$@\" > words.tmp\nmv words.tmp words\n");
+  const std::string program = folder / "my client.sh";  // not executable, as out of an archive
+  const std::string line = "\"" + program + "\" one \"two words\" KELVARIN";
+  EXPECT_TRUE(processes->Start({program, line, WindowStyle::NormalFocus, folder.Path()}));
+  EXPECT_EQ(told, std::vector<std::string>{"Run " + line});
+  ASSERT_TRUE(Eventually([&] { return folder.Has("words"); }));
+  EXPECT_EQ(folder.Get("words"), "one|two words|KELVARIN|");
+  EXPECT_EQ(folder.Get("fds"), "/dev/null\n");
+  EXPECT_EQ(folder.Get("open").find(std::to_string(inherited.Get()) + "\n"), std::string::npos);
+}
+
+TEST_F(NativeProcesses, AnEndedChildLeavesTheProcessList) {
+  folder.Put("stop.sh", "#!/bin/sh\necho $$ > pid.tmp\nmv pid.tmp pid\n");
+  ASSERT_TRUE(processes->Start({folder / "stop.sh", "stop.sh", WindowStyle::Hidden, folder.Path()}));
+  ASSERT_TRUE(Eventually([&] { return folder.Has("pid"); }));
+  const std::string pid = folder.Get("pid");
+  EXPECT_TRUE(Eventually([&] { return !IsFolder("/proc/" + pid.substr(0, pid.find('\n'))); }));
+}
+
+TEST_F(NativeProcesses, MissingProgramsAreToldOnly) {
+  EXPECT_TRUE(processes->Start({"RunDll32.exe", "RunDll32.exe InetCpl.cpl", WindowStyle::Minimised, ""}));
+  EXPECT_FALSE(processes->Start({folder / "none.exe", "none.exe", WindowStyle::NormalFocus, ""}));
+  EXPECT_EQ(told.size(), 2u);
+}
+
+TEST_F(NativeProcesses, AScriptRunsUnderItsOwnName) {
+  folder.Put("Kelvarin.Client.exe", "#!/bin/sh\nuntil [ -e stop ]; do sleep 0.02; done\n");
+  ASSERT_TRUE(
+      processes->Start({folder / "Kelvarin.Client.exe", "x", WindowStyle::NormalFocus, folder.Path()}));
+  const auto runs = [&] {
+    const auto names = processes->RunningImageNames();
+    return std::find(names.begin(), names.end(), "Kelvarin.Client.exe") != names.end();
+  };
+  EXPECT_TRUE(Eventually(runs));
+  folder.Put("stop", "");
+  EXPECT_TRUE(Eventually([&] { return !runs(); }));
+}
+
+TEST(NativeShell, OpensWebPagesOnly) {
+  std::vector<std::string> told;
+  const auto shell = MakeShell([&](const std::string& line) { told.push_back(line); });
+  EXPECT_TRUE(shell->OpenPage("https://127.0.0.1:8251/chat", ""));
+  for (const char* refused : {"file:///etc/passwd", "calc.exe", "javascript:x", "", "http://"}) {
+    EXPECT_FALSE(shell->OpenPage(refused, "")) << refused;
+  }
+  EXPECT_EQ(told, std::vector<std::string>{"Open https://127.0.0.1:8251/chat"});
+}
+
+TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const UniqueFd input(ends[0]);
+  UniqueFd output(ends[1]);
+  const auto clock = MakeClock();
+  PosixEventLoop loop(*clock);
+  std::vector<std::string> lines;
+  bool nested = false;
+  loop.ReadLines(input.Get(), [&](const std::string& line) {
+    if (line == "outer") {
+      loop.DoEvents();  // the handler lets events run: the next lines come now
+      nested = lines.size() == 2;
+    }
+    lines.push_back(line);
+  });
+  const std::string text = "outer\ninner\r\n\nlast";
+  ASSERT_EQ(write(output.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  loop.WaitEvents(10'000);
+  EXPECT_TRUE(nested);
+  EXPECT_EQ(lines, (std::vector<std::string>{"inner", "", "outer"}));
+  EXPECT_FALSE(loop.InputEnded());
+  output = UniqueFd();
+  loop.WaitEvents(10'000);
+  EXPECT_EQ(lines.back(), "last");
+  EXPECT_TRUE(loop.InputEnded());
+}
+
+}  // namespace
+}  // namespace platform

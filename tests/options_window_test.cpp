@@ -1,0 +1,427 @@
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/recording_screen.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "ui/frmOpciones.hpp"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+constexpr const char* kFile = "RECURSOS/INIT/ConfigVideo.cfg";
+constexpr const char* kStems[] = {"cerrar", "teclas",   "donar", "manual",  "mapa", "reglamento",
+                                  "web",    "mensajes", "check", "default", "mas",  "menos"};
+
+// A list of a real window may report each selection, be it the player's or not.
+struct EagerScreen : support::RecordingScreen {
+  ui::Area Bounds(const controls::Window& window) override {
+    return window.Name() == "frmMain" ? main : ui::Area{0, 0, 860, 600};
+  }
+  void Changed(const controls::Window& window, const controls::Control& control, std::string_view property,
+               const std::string& value) override {
+    RecordingScreen::Changed(window, control, property, value);
+    if (!eager || property != "ListIndex") return;
+    static_cast<controls::ComboBox*>(window.Find(control.Name()))->Change();
+  }
+  using RecordingScreen::Changed;
+  ui::Area main{100, 50, 1000, 610};
+  bool eager = false;
+};
+
+struct OptionsWindowTest : testing::Test {
+  OptionsWindowTest() {
+    folder.Put(kFile, "[INIT]\r\nVERSION=1.0.03\r\nFPS=1000\r\nMaxVideoMemory=52428800\r\nVIDEO_MODE=2\r\n");
+    folder.Put("RECURSOS/INIT/WavSilenced.ini", "[INIT]\r\nWAV1=1\r\n");
+    for (const char* stem : kStems) {
+      for (const char* state : {"_n", "_a", "_c"}) {
+        folder.Put(std::string("RECURSOS/GRAFICOS/Opciones/") + stem + state + ".jpg", "x");
+      }
+    }
+    deployment.web = "http://web.example";
+    deployment.social = "http://social.example";
+    gameIni.LoadGameConfig();
+    sounds.Load();
+    frmMain.Visible = true;
+  }
+
+  void Show() { form.Show(frmMain); }
+  template <class Kind = controls::Control>
+  Kind& Get(const std::string& name) {
+    return dynamic_cast<Kind&>(*form.Window.Find(name));
+  }
+  void Click(const std::string& name) { Get(name).Click(); }
+  void Choose(controls::ComboBox& list, int index) {
+    list.Select(index);
+    list.Change();
+  }
+  void Type(const std::string& text) {
+    form.Window.cmbWavsList.Text = text;
+    form.Window.cmbWavsList.KeyUp();
+  }
+  std::string Stored(const std::string& key, const char* file = "ConfigVideo.cfg") {
+    return host.profiles->GetVar(folders.InitDir + file, "INIT", key);
+  }
+  std::string PictureOf(const std::string& name) {
+    return platform::BaseNameOf(Get<controls::ImageControl>(name).Picture);
+  }
+  std::string CaptionOf(const std::string& name) { return Get<controls::Label>(name).Caption; }
+
+  support::TempFolder folder;
+  support::TestHost host;
+  startup::Folders folders{folder.Path()};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*host.events};
+  startup::ErrorRecorder recorder{host.host, folders, lifetime};
+  EagerScreen screen;
+  settings::modGameIni gameIni{*host.profiles, folders, recorder};
+  settings::SoundTable sounds{*host.profiles, folders};
+  controls::Window frmMain{"frmMain", "Launcher - Kelvarin"};
+  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
+  ui::frmOpciones form{services};
+};
+
+TEST_F(OptionsWindowTest, OpensFilledCentredAndOnce) {
+  const std::string before = folder.Get(kFile);
+  screen.eager = true;
+  Show();
+  EXPECT_EQ(folder.Get(kFile), before) << "loading writes nothing";
+  EXPECT_EQ(form.Window.Caption.Get(), "Opciones - Kelvarin");
+  EXPECT_EQ(form.Window.cmbFPS.Entries(), (Texts{"1000", "500", "250", "150", "100", "50", "15"}));
+  EXPECT_EQ(form.Window.cmbMemory.Entries(), (Texts{"1048576000", "524288000", "419430400", "314572800",
+                                                    "209715200", "157286400", "104857600", "52428800"}));
+  EXPECT_EQ(form.Window.cmbVideo_Mode.Entries(), (Texts{"Sofware", "Hardware", "Mixed"}));
+  EXPECT_EQ(form.Window.cmbWavsList.Entries().size(), 305u);
+  EXPECT_EQ(
+      form.Window.cmbFPS.Text.Get() + form.Window.cmbMemory.Text.Get() + form.Window.cmbVideo_Mode.Text.Get(),
+      "100052428800Mixed");
+  EXPECT_EQ(CaptionOf("lblMemory"), "50 MB");
+  EXPECT_EQ(form.Window.txtCantMensajes.Text.Get(), "9");
+  EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_c") << "sound 1 is muted";
+  Show();
+  EXPECT_EQ(screen.Matching("Attach"), Texts{"Attach frmOpciones"});
+  EXPECT_EQ(screen.Matching("MoveTo"), Texts{"MoveTo frmOpciones 120,30"});
+  EXPECT_EQ(screen.Count("Foreground frmOpciones"), 2);
+}
+
+TEST_F(OptionsWindowTest, StaysOnTheWorkAreaAndNeedsNoVisibleMainWindow) {
+  screen.main = {700, 600, 1600, 1160};
+  Show();
+  form.Unload();
+  frmMain.Visible = false;
+  Show();
+  EXPECT_EQ(screen.Matching("MoveTo"), Texts{"MoveTo frmOpciones 420,384"});
+  EXPECT_EQ(screen.Count("Centre frmOpciones"), 1);
+}
+
+TEST_F(OptionsWindowTest, EveryCheckTogglesItsKeyItsPictureAndTellsWhatItMeans) {
+  const struct {
+    const char *control, *caption, *key, *on = "", *off = "";
+  } cases[] = {
+      {"chkCarteles", "(chkCarteles)", "IntervalMessages",
+       "Si lanzas un hechizo/golpe demasiado rápido, se te avisará por aquí.",
+       "No recibirás notificación al intentar lanzar un hechizo/golpe muy rápido."},
+      {"chkCast", "(chkCast)", "Effect_Cast_Spells",
+       "Al hacer clic en un hechizo directamente en el inventario de Hechizos, podrás lanzarlo directamente, "
+       "sin "
+       "tener que apretar el botón 'LANZAR'",
+       "Para lanzar un hechizo, debes apretar el botón 'LANZAR' luego de seleccionarlo."},
+      {"chkClick", "(chkClick)", "Effect_Clic_Spells",
+       "Si lanzas un hechizo o flecha muy rápido, la cruz del mouse NO se irá y podrás hacer clic de nuevo "
+       "para "
+       "lanzar cuando el intervalo haya finalizado.",
+       "Si lanzas un hechizo o flecha muy rápido, la cruz del mouse desaparecerá y tendrás que volver a "
+       "apretar "
+       "lanzar/caster el hechizo o flecha."},
+      {"chkFiltro", "(chkFiltro)", "Effect_Filter",
+       "No verás los insultos de los usuarios, y éstos serán reemplazados por sinónimos que creemos "
+       "inofensivos.",
+       "Verás todos los mensajes de los usuarios SIN CENSURA, (no es recomendable para la salud mental)."},
+      {"chkMiniMap", "(chkMiniMap)", "MiniMapa"},
+      {"chkSound", "(chkSound)", "Sound_Activated"},
+      {"chkMusic", "(chkMusic)", "Music_Activated"},
+      {"chkSound3DEffects", "(chkSound3DEffects)", "Sound3D_Activated"},
+      {"chkAmbientSounds", "(chkAmbientSounds)", "AmbientSounds"},
+      {"chkNormaliceSounds", "(chkNormaliceSounds)", "NormaliceSounds"},
+      {"chkInvertSound", "(chkInvertSound)", "InvertSounds"},
+      {"chkChangeResolution", "lblPantallaCompleta", "FullScreenResolution"},
+      {"chkEffect_Time", "lblTimeEffect", "Effect_Time"},
+      {"chkDieEffect", "lblDieEffect", "Effect_Die"},
+      {"chkArrowEffect", "lblArrowEffect", "Effect_Arrows"},
+      {"chkTextEffect", "lblTextEffect", "Effect_Text"},
+  };
+  Show();
+  for (const auto& [control, caption, key, on, off] : cases) {
+    for (const char* clicked : {control, caption}) {
+      const bool expected = Stored(key) != "1";
+      host.dialogs.shown.clear();
+      std::string whileShown;
+      host.dialogs.onShow = [&, key = key](const support::ShownDialog&) { whileShown = Stored(key); };
+      Click(clicked);
+      EXPECT_EQ(Stored(key), expected ? "1" : "0") << clicked;
+      EXPECT_EQ(PictureOf(control), expected ? "check_c" : "check_n") << clicked;
+      EXPECT_EQ(Get<controls::ImageControl>(control).Checked, expected) << clicked;
+      const std::string text = expected ? on : off;
+      ASSERT_EQ(host.dialogs.shown.size(), text.empty() ? 0u : 1u) << clicked;
+      if (text.empty()) continue;
+      EXPECT_EQ(host.dialogs.shown[0].text, text);
+      EXPECT_NE(whileShown, Stored(key)) << "the message comes before the save";
+    }
+  }
+}
+
+TEST_F(OptionsWindowTest, VolumesStepByFiveBetweenTheirEnds) {
+  Show();
+  const struct {
+    const char* button;
+    int before;
+    const char* after;
+  } cases[] = {{"Plus", 100, "100"}, {"Plus", 98, "100"}, {"Plus", 30, "35"},
+               {"Plus", -5, "0"},    {"Less", 0, "0"},    {"Less", 3, "0"},
+               {"Less", 5, "0"},     {"Less", 100, "95"}, {"Less", -32768, "0"}};
+  for (const auto& [button, before, after] : cases) {
+    gameIni.Config.MusicVolume = before;
+    gameIni.Config.SoundVolume = static_cast<std::int16_t>(before);
+    for (const std::string kind : {"Sound", "Music"}) {
+      Click(std::string("img") + button + kind + "Volume");
+      EXPECT_EQ(Stored(kind + "Volume"), after) << button << kind << before;
+      EXPECT_EQ(CaptionOf("lbl" + kind + "Volume"), std::string(after) + "%");
+    }
+  }
+  gameIni.Config.MusicVolume = 150;
+  Click("chkMusic");
+  EXPECT_EQ(Stored("MusicVolume") + CaptionOf("lblMusicVolume"), "100100%");
+}
+
+TEST_F(OptionsWindowTest, ListsWriteWhatIsChosen) {
+  Show();
+  Choose(form.Window.cmbMemory, 0);
+  EXPECT_EQ(Stored("MaxVideoMemory"), "1048576000");
+  EXPECT_EQ(CaptionOf("lblMemory"), "1000 MB");
+  Choose(form.Window.cmbVideo_Mode, 1);
+  EXPECT_EQ(Stored("VIDEO_MODE"), "1");
+  EXPECT_EQ(form.Window.Caption.Get(), "Opciones - Kelvarin");
+  EXPECT_TRUE(form.Window.VideoModeChanged);
+  EXPECT_FALSE(form.Window.FrameRateChanged);
+  Choose(form.Window.cmbVideo_Mode, -1);
+  EXPECT_EQ(form.Window.cmbVideo_Mode.Text.Get(), "Sofware");
+  EXPECT_EQ(Stored("VIDEO_MODE"), "0");
+  Choose(form.Window.cmbFPS, 1);
+  EXPECT_EQ(Stored("FPS"), "500");
+  EXPECT_EQ(form.Window.Caption.Get(), "Efectos de Video - ¡Cambios!");
+  EXPECT_TRUE(form.Window.FrameRateChanged);
+  form.Unload();
+  Show();
+  EXPECT_EQ(form.Window.Caption.Get(), "Opciones - Kelvarin") << "a window opened anew";
+}
+
+TEST_F(OptionsWindowTest, ValuesInNoListSelectNothingAndStay) {
+  gameIni.Config.FPS = 70;
+  gameIni.Config.MaxVideoMemory = 1;
+  gameIni.Config.VIDEO_MODE = 9;
+  screen.eager = true;
+  Show();
+  for (controls::ComboBox* list : {&form.Window.cmbFPS, &form.Window.cmbMemory, &form.Window.cmbVideo_Mode}) {
+    EXPECT_EQ(list->ListIndex, -1) << list->Name();
+  }
+  form.Window.cmbFPS.Change();
+  form.Window.cmbMemory.Change();
+  EXPECT_EQ(gameIni.Config.FPS, 70);
+  EXPECT_EQ(gameIni.Config.MaxVideoMemory, 1);
+  EXPECT_EQ(gameIni.Config.VIDEO_MODE, 9);
+}
+
+TEST_F(OptionsWindowTest, OptimisedPerformanceSwitchesEffectsOffForGood) {
+  for (auto field : {&settings::GameConfig::Effect_Die, &settings::GameConfig::Effect_Keys,
+                     &settings::GameConfig::Effect_KeysUnstored, &settings::GameConfig::Effect_Time,
+                     &settings::GameConfig::Effect_Text}) {
+    gameIni.Config.*field = true;
+  }
+  Click("chkOptimizedOptions");
+  EXPECT_FALSE(gameIni.Config.OptimizarRendimiento) << "deaf until the window is loaded";
+  Show();
+  for (const char* value : {"1", "0"}) {
+    Click(value[0] == '1' ? "chkOptimizedOptions" : "lblPerformance");
+    EXPECT_EQ(Stored("OptimizarRendimiento"), value);
+    EXPECT_EQ(Stored("FPS"), "70");
+    EXPECT_EQ(form.Window.cmbFPS.ListIndex, -1);
+    for (const char* key : {"Effect_Die", "Effect_Keys", "Effect_Arrows", "Effect_Time"}) {
+      EXPECT_EQ(Stored(key), "0") << key;
+    }
+    EXPECT_FALSE(gameIni.Config.Effect_KeysUnstored);
+    EXPECT_EQ(Stored("Effect_Text"), "1");
+    for (const char* check : {"chkDieEffect", "chkArrowEffect", "chkEffect_Time"}) {
+      EXPECT_EQ(PictureOf(check), "check_n") << check;
+    }
+    EXPECT_EQ(PictureOf("chkOptimizedOptions"), value[0] == '1' ? "check_c" : "check_n");
+    ASSERT_EQ(host.dialogs.shown.size(), 1u);
+  }
+  EXPECT_EQ(
+      host.dialogs.shown[0].text,
+      "Se se han desactivado la mayoría de los efectos. Si el juego presenta pocos FPS, es recomendable "
+      "cambiar el MODO DE VIDEO desde Opciones> Configurar Pantalla> Y colocar MIXED o HARDWARE y verificar "
+      "cual funciona mejor.");
+}
+
+TEST_F(OptionsWindowTest, ResetAsksAndPutsBackItsOwnSet) {
+  settings::GameConfig& config = gameIni.Config;
+  config.Effect_Arrows = config.Effect_Filter = config.Music_Activated = config.Sound_Activated =
+      config.Sound3D_Activated = false;
+  config.Effect_Die = config.Effect_Nicks = config.MiniMapa = config.FullScreenResolution = true;
+  config.SoundVolume = 35;
+  Show();
+  const settings::GameConfig before = config;
+  Click("imgDefaultOptions");
+  EXPECT_EQ(config, before) << "answered No";
+  EXPECT_EQ(host.dialogs.shown[0].text,
+            "¿Estás seguro que deseas reiniciar la configuración de TODO el juego?");
+  EXPECT_EQ(host.dialogs.shown[0].title, "Confirmar configuración por defecto.");
+  host.dialogs.answers = {platform::DialogAnswer::Yes};
+  Click("imgDefaultOptions");
+  settings::GameConfig expected = before;
+  expected.Effect_Arrows = expected.Effect_Filter = expected.Music_Activated = expected.Sound_Activated =
+      expected.Sound3D_Activated = true;
+  expected.Effect_Die = expected.Effect_Nicks = expected.MiniMapa = false;
+  expected.FPS = 100;
+  EXPECT_EQ(config, expected) << "volume, memory, video mode and resolution stay";
+  EXPECT_EQ(Stored("MiniMapa") + Stored("FPS") + Stored("VIDEO_MODE"), "01002");
+  EXPECT_EQ(
+      form.Window.cmbFPS.Text.Get() + form.Window.cmbMemory.Text.Get() + form.Window.cmbVideo_Mode.Text.Get(),
+      "100209715200Sofware");
+  for (const char* on : {"chkArrowEffect", "chkFiltro", "chkMusic", "chkSound", "chkSound3DEffects"}) {
+    EXPECT_EQ(PictureOf(on), "check_c") << on;
+  }
+  for (const char* notRefreshed : {"chkDieEffect", "chkMiniMap"}) {
+    EXPECT_EQ(PictureOf(notRefreshed), "check_c") << notRefreshed;
+  }
+  form.Window.Activate();
+  EXPECT_EQ(PictureOf("chkMiniMap"), "check_n");
+}
+
+TEST_F(OptionsWindowTest, SoundsAreMutedByNumber) {
+  const char* const file = "WavSilenced.ini";
+  Show();
+  Type("12");
+  EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_n");
+  Click("chkSilenciarWav");
+  EXPECT_EQ(Stored("WAV12", file), "1");
+  EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_c");
+  for (const char* none : {"abc", "", "0", "-1", "306", "1e300", "13"}) {
+    Type(none);
+    EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_n") << none;
+  }
+  Choose(form.Window.cmbWavsList, 11);
+  EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_c") << "the player came back to 12";
+  Click("(chkSilenciarWav)");
+  EXPECT_EQ(Stored("WAV12", file), "0");
+  Type("306");
+  Click("chkSilenciarWav");
+  Type("306");
+  EXPECT_EQ(PictureOf("chkSilenciarWav"), "check_n") << "no such sound";
+  EXPECT_TRUE(host.dialogs.shown.empty());
+}
+
+TEST_F(OptionsWindowTest, GuildChatAndNumberOfMessages) {
+  Show();
+  EXPECT_TRUE(form.Window.optConsola.Value);
+  for (const bool onScreen : {true, false}) {
+    Click(onScreen ? "optPantalla" : "optConsola");
+    EXPECT_EQ(Stored("Guild_Chat_OnScreen"), onScreen ? "1" : "0");
+    EXPECT_EQ(form.Window.optPantalla.Value, onScreen);
+    EXPECT_EQ(form.Window.optConsola.Value, !onScreen);
+  }
+  const std::string before = folder.Get(kFile);
+  for (const auto& [typed, shown] :
+       {std::pair{" 12 ", "12"}, std::pair{"abc", "5"}, std::pair{"", "5"}, std::pair{"7x", "5"}}) {
+    form.Window.txtCantMensajes.Text = std::string(typed);
+    form.Window.txtCantMensajes.LostFocus();
+    EXPECT_EQ(form.Window.txtCantMensajes.Text.Get(), shown) << typed;
+  }
+  EXPECT_EQ(folder.Get(kFile), before);
+}
+
+TEST_F(OptionsWindowTest, LinksOpenThePagesOfTheSite) {
+  Show();
+  for (const char* link : {"imgManual", "imgReglamento", "imgDonar", "imgWeb", "imgMapa", "Label3"})
+    Click(link);
+  EXPECT_EQ(host.shell.pages,
+            (Texts{"http://web.example/manual", "http://web.example/web/index.php?op=Reglamento",
+                   "http://web.example/web/index.php?op=Donaciones", "http://web.example/"}));
+  EXPECT_EQ(host.shell.folders, Texts(4, folder.Path() + platform::NativePath("\\..")));
+}
+
+TEST_F(OptionsWindowTest, EscAndCloseWriteTheRecordAndHideEachWindow) {
+  Show();
+  Click("imgCustomKeys1");
+  Click("imgCustomMsg");
+  int rate = 200;
+  const auto closes = [&](controls::Window& window, std::function<void()> close) {
+    EXPECT_TRUE(window.Visible) << window.Name();
+    window.KeyDown(13);
+    gameIni.Config.FPS = ++rate;
+    close();
+    EXPECT_FALSE(window.Visible) << window.Name();
+    EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();
+  };
+  for (controls::Window* window : {&form.CustomK.Window, &form.MessagesConfigurateds.Window}) {
+    for (controls::Control* control : window->Controls()) control->Click();
+    closes(*window, [&] { window->KeyDown(controls::kKeyEscape); });
+  }
+  closes(form.Window, [&] { form.Window.KeyDown(controls::kKeyEscape); });
+  Show();
+  closes(form.Window, [&] { Click("imgCerrar"); });
+  Show();
+  form.Window.QueryUnload(controls::UnloadMode::ControlMenu);
+  EXPECT_FALSE(form.Window.Visible);
+}
+
+TEST_F(OptionsWindowTest, PointerLightsOneButtonAtATime) {
+  Show();
+  form.Window.imgManual.MouseMove(controls::MouseButton::None);
+  form.Window.imgWeb.MouseMove(controls::MouseButton::None);
+  EXPECT_EQ(PictureOf("imgManual") + PictureOf("imgWeb"), "manual_nweb_a");
+  form.Window.MouseMove(controls::MouseButton::None);
+  EXPECT_EQ(PictureOf("imgWeb"), "web_n");
+}
+
+TEST_F(OptionsWindowTest, MissingPicturesAreReportedOnceAndTheWindowWorks) {
+  platform::RemoveTree(folder / "RECURSOS/GRAFICOS");
+  Show();
+  ASSERT_EQ(host.dialogs.shown.size(), 1u);
+  EXPECT_EQ(
+      host.dialogs.shown[0].text,
+      "Error: Error 53 (File not found) procedimiento Form_Load Formulario frmOpciones línea: 60 por favor "
+      "reportelo en nuestra página de Facebook:, http://social.example");
+  EXPECT_TRUE(form.Window.Visible);
+  Click("chkMiniMap");
+  EXPECT_EQ(Stored("MiniMapa"), "1");
+  EXPECT_TRUE(form.Window.chkMiniMap.Checked);
+  form.Unload();
+  Show();
+  EXPECT_EQ(host.dialogs.shown.size(), 1u);
+}
+
+TEST_F(OptionsWindowTest, KeysAndMessagesShowTheirLayout) {
+  Show();
+  Click("imgCustomKeys1");
+  Click("imgCustomMsg");
+  const controls::Window& keys = form.CustomK.Window;
+  EXPECT_EQ(keys.Caption.Get(), "Configurar Teclado:");
+  const auto label = [](const controls::Window& window, const std::string& name) {
+    return dynamic_cast<controls::Label&>(*window.Find(name)).Caption.Get();
+  };
+  EXPECT_EQ(label(keys, "(Text1(4))"), "Seg. de Resucitación");
+  EXPECT_EQ(label(keys, "(Text1(32))"), "/PARTY");
+  EXPECT_EQ(keys.Find("Text1(33)"), nullptr);
+  std::string frames;
+  for (const controls::Control* control : keys.Controls()) {
+    if (control->Name().starts_with("Frame")) frames += control->Name().back();
+  }
+  EXPECT_EQ(frames, "543216");
+  const controls::Window& messages = form.MessagesConfigurateds.Window;
+  EXPECT_EQ(label(messages, "Label10"), "Mensaje 10:");
+  EXPECT_NE(messages.Find("messageTxt(9)"), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,245 @@
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <optional>
+#include <thread>
+
+#include "platform/digest.hpp"
+#include "platform/encoding.hpp"
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+using support::TempFolder;
+
+template <class Action>
+int ErrorNumberOf(Action action) {
+  try {
+    action();
+  } catch (const util::RuntimeError& error) {
+    return error.Number();
+  }
+  return 0;
+}
+
+TEST(Encoding, BetweenUtf8AndAnsi) {
+  EXPECT_EQ(ToAnsi("aáñü€…"), "a\xE1\xF1\xFC\x80\x85");
+  EXPECT_EQ(FromAnsi("a\xE1\xF1\xFC\x80\x85"), "aáñü€…");
+  EXPECT_EQ(ToAnsi("a漢b"), "a?b");
+  for (const char* wrong : {"\xC3", "\xFF", "\xE2\x82", "\x80", "\xF8\x88\x80\x80\x80"}) {
+    EXPECT_EQ(ToAnsi(std::string("a") + wrong).substr(0, 2), "a?") << wrong;
+  }
+  EXPECT_EQ(ToAnsi("") + FromAnsi(""), "");
+}
+
+TEST(Digests, KnownVectorsFedInPieces) {
+  const std::string text = "abc";
+  const auto bytes = std::as_bytes(std::span(text));
+  Digest md5(DigestKind::Md5);  // RFC 1321, A.5
+  md5.Update(bytes.first(1));
+  md5.Update({});
+  md5.Update(bytes.subspan(1));
+  EXPECT_EQ(md5.Hex(), "900150983cd24fb0d6963f7d28e17f72");
+  EXPECT_EQ(Digest(DigestKind::Md5).Hex(), "d41d8cd98f00b204e9800998ecf8427e");
+  Digest sha1(DigestKind::Sha1);  // RFC 3174, 7.3
+  sha1.Update(bytes);
+  EXPECT_EQ(sha1.Hex(), "a9993e364706816aba3e25717850c26c9cd0d89d");
+}
+
+TEST(Files, PathsComeApart) {
+  const std::string path = NativePath("\\a/b\\\\ñ.tar.gz");
+  EXPECT_EQ(FolderOf(path), NativePath("/a/b"));
+  EXPECT_EQ(FileNameOf(path), "ñ.tar.gz");
+  EXPECT_EQ(BaseNameOf(path), "ñ.tar");
+  EXPECT_EQ(BaseNameOf(NativePath("/a.b/c")), "c");
+  EXPECT_TRUE(IsFile(ExecutablePath()));
+  EXPECT_TRUE(IsFolder(SystemFolder()));
+}
+
+TEST(Files, FailuresHaveTheClassicNumbers) {
+  const TempFolder folder;
+  folder.Put("file", "12345");
+  const std::string file = folder / "file", none = folder / "none", deep = folder / "no/such/file";
+  const std::pair<int, std::function<void()>> cases[] = {
+      {53, [&] { ReadWhole(none, 10); }},
+      {76, [&] { ReadWhole(deep, 10); }},
+      {7, [&] { ReadWhole(file, 4); }},
+      {0, [&] { ReadWhole(file, 5); }},
+      {53, [&] { RemoveFile(none); }},
+      {76, [&] { MakeFolder(deep); }},
+      {0, [&] { MakeFolder(folder.Path()); }},
+      {0, [&] { RemoveTree(none); }},
+      {76, [&] { WriteWhole(deep, "x"); }},
+      {76, [&] { AppendTo(deep, "x"); }},
+      {53, [&] { CloneFile(none, file); }},
+      {53, [&] { ReplaceFileWith(none, file); }},
+      {53, [&] { FlushFile(none); }},
+      {76, [&] { ListTree(none); }},
+      {58,
+       [&] {
+         OutputFile taken(file, OutputFile::Existing::Refuse);
+         taken.Write("new");
+         taken.Commit();
+       }},
+  };
+  int number = 0;
+  for (const auto& [expected, action] : cases)
+    EXPECT_EQ(ErrorNumberOf(action), expected) << "case " << number++;
+  EXPECT_EQ(folder.Get("file"), "12345");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 1u);
+}
+
+TEST(Files, AnOutputFileAppearsWholeOrNotAtAll) {
+  const TempFolder folder;
+  folder.Put("a", "old");
+  {
+    OutputFile dropped(folder / "a");
+    dropped.Write("new");
+  }
+  EXPECT_EQ(folder.Get("a"), "old");
+  OutputFile kept(folder / "a");
+  kept.Write("n");
+  EXPECT_EQ(folder.Get("a"), "old");
+  kept.Write("ew");
+  kept.Commit();
+  OutputFile fresh(folder / "b", OutputFile::Existing::Refuse);
+  fresh.Commit();
+  EXPECT_EQ(folder.Get("a"), "new");
+  EXPECT_EQ(ListTree(folder.Path()), (std::vector<FoundFile>{{"a"}, {"b"}}));
+}
+
+TEST(Files, TreesAreMadeListedAndRemoved) {
+  const TempFolder folder;
+  const std::string tree = folder / "árbol";
+  MakeFolders(tree + kSeparator + kSeparator + "x" + kSeparator + "y");
+  EXPECT_TRUE(IsFolder(tree + kSeparator + "x" + kSeparator + "y"));
+  folder.Put("árbol/x/ñ.txt", "1");
+  folder.Put("árbol/b", "22");
+  CloneFile(folder / "árbol/b", folder / "árbol/x/c");
+  ReplaceFileWith(folder / "árbol/b", folder / "árbol/x/ñ.txt");
+  AppendTo(folder / "árbol/x/c", "3");
+  const std::vector<FoundFile> expected = {{NativePath("x/c")}, {NativePath("x/ñ.txt")}};
+  EXPECT_EQ(ListTree(tree + kSeparator), expected);
+  EXPECT_EQ(folder.Get("árbol/x/ñ.txt"), "22");
+  EXPECT_EQ(folder.Get("árbol/x/c"), "223");
+  EXPECT_TRUE(TryRemoveFile(folder / "árbol/x/c"));
+  EXPECT_TRUE(TryRemoveFile(folder / "árbol/x/c"));
+  EXPECT_FALSE(TryRemoveFile(tree));
+  RemoveTree(tree);
+  EXPECT_FALSE(folder.Has("árbol"));
+}
+
+TEST(Files, AStampTellsAChangedFile) {
+  const TempFolder folder;
+  EXPECT_EQ(StampOf(folder / "a"), std::nullopt);
+  EXPECT_EQ(StampOf(folder.Path()), std::nullopt);
+  folder.Put("a", "1");
+  const auto before = StampOf(folder / "a");
+  EXPECT_EQ(StampOf(folder / "a"), before);
+  folder.Put("a", "12");
+  EXPECT_NE(StampOf(folder / "a"), before);
+}
+
+TEST(Files, AnInputFileIsReadInPieces) {
+  const TempFolder folder;
+  folder.Put("a", "hello world");
+  InputFile file(folder / "a");
+  std::array<std::byte, 5> piece;
+  EXPECT_EQ(file.Size(), 11u);
+  file.Seek(6);
+  EXPECT_EQ(file.Read(piece), 5u);
+  EXPECT_EQ(static_cast<char>(piece[0]), 'w');
+  EXPECT_EQ(file.Read(piece), 0u);
+}
+
+TEST(Clocks, TimePassesAndUptimeWraps) {
+  const auto clock = MakeClock();
+  const std::uint64_t before = clock->Milliseconds();
+  const std::uint32_t uptime = clock->SystemUptime();
+  clock->Sleep(20);
+  EXPECT_GE(clock->Milliseconds(), before + 15);
+  EXPECT_GE(Elapsed(clock->SystemUptime(), uptime), 15u);
+  EXPECT_EQ(Elapsed(5, kUptimeMask - 4), 10u);
+  EXPECT_FALSE(clock->DateText().empty());
+  EXPECT_FALSE(clock->TimeText().empty());
+}
+
+TEST(EventLoops, SleepUntilTheLimitOrAWakeUp) {
+  support::SteppedClock still;
+  const auto loop = MakeEventLoop(still);
+  const auto real = MakeClock();
+  loop->Timers().Start(1'000'000, [] {});
+  std::uint64_t start = real->Milliseconds();
+  loop->WaitEvents(30);
+  EXPECT_GE(real->Milliseconds() - start, 20u);
+  loop->Wake();  // kept for the next sleep
+  std::jthread later([&] { loop->Wake(); });
+  start = real->Milliseconds();
+  loop->WaitEvents(60'000);
+  EXPECT_LT(real->Milliseconds() - start, 50'000u);
+}
+
+TEST(EventLoops, TimersFireWhenTheClockSaysSoAndNeverInsideThemselves) {
+  support::SteppedClock clock;
+  const auto loop = MakeEventLoop(clock);
+  int ticks = 0, others = 0;
+  loop->Timers().Start(100, [&] {
+    ++ticks;
+    clock.Step(500);
+    loop->DoEvents();
+  });
+  const TimerQueue::Id other = loop->Timers().Start(100, [&] { ++others; });
+  loop->DoEvents();
+  EXPECT_EQ(ticks, 0);
+  clock.Step(100);
+  loop->WaitEvents(60'000);
+  EXPECT_EQ(ticks, 1);
+  EXPECT_GE(others, 1);
+  loop->Timers().Stop(other);
+  const int before = others;
+  clock.Step(100);
+  loop->DoEvents();
+  EXPECT_EQ(ticks, 2);
+  EXPECT_EQ(others, before);
+}
+
+TEST(Settings, KeepTextsExactly) {
+  const auto store = MakeSettingsStore();
+  EXPECT_EQ(store->Get("LauncherTests", "none", "none"), "");
+  for (const char* value : {"1", "", "http://127.0.0.1:8250/update/kvn2011/", " blanks ", "\"quoted\"",
+                            "ñ=€;x", "C:\\a\\b", "'"}) {
+    store->Set("LauncherTests", "CONFIG", "Key", value);
+    EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "CONFIG", "Key"), value);
+  }
+  store->Set("LauncherTests", "CONFIG", "Other", "2");
+  store->Set("LauncherTests2", "CONFIG", "Key", "3");
+  EXPECT_EQ(store->Get("LauncherTests", "CONFIG", "Key"), "'");
+  EXPECT_EQ(store->Get("launchertests2", "CONFIG", "Other"), "");
+}
+
+TEST(Locks, TheSecondHolderKnowsOfTheFirst) {
+  const auto processes = MakeProcesses([](const std::string&) {});
+  const std::string name = "Global\\LauncherTests-" + std::to_string(MakeClock()->Milliseconds());
+  auto first = processes->TakeLock(name);
+  EXPECT_FALSE(first->AlreadyExisted());
+  EXPECT_FALSE(processes->TakeLock(name + "x")->AlreadyExisted());
+  auto second = processes->TakeLock(name);
+  EXPECT_TRUE(second->AlreadyExisted());
+  first.reset();
+  EXPECT_TRUE(processes->TakeLock(name)->AlreadyExisted());
+  second.reset();
+  EXPECT_FALSE(processes->TakeLock(name)->AlreadyExisted());
+}
+
+TEST(RunningProcesses, IncludeThisOne) {
+  const auto names = MakeProcesses([](const std::string&) {})->RunningImageNames();
+  EXPECT_NE(std::find(names.begin(), names.end(), FileNameOf(ExecutablePath())), names.end());
+}
+
+}  // namespace
+}  // namespace platform

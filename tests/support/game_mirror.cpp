@@ -1,0 +1,68 @@
+#include "support/game_mirror.hpp"
+
+#include <algorithm>
+
+#include "startup/deployment.hpp"
+#include "update/counter_store.hpp"
+#include "util/text.hpp"
+
+namespace support {
+
+GameMirror::GameMirror() {
+  server.On(PathOf("Online.txt"), Text("1"));
+  for (const char* script : {"/web/include/info.php", "/web/include/info.php?op=complete"}) {
+    server.On(script, Text("1@Alpha@online@@0@37@@0|2@Beta@OFFLINE@@0@0@Mantenimiento@0"));
+  }
+  server.On("/web/include/ipdate.php", Text("21/11/2026-127.0.0.1"));
+  server.On("/web/include/noticiasbase.php", Text("7||Torneo|Hoy 20-30@"));
+}
+
+void GameMirror::AddPatch(const std::string& category, const std::vector<ZipItem>& files) {
+  const int number = ++counts_[category];
+  for (const ZipItem& file : files) {
+    if (!file.name.ends_with('/')) expected_[file.name] = file.bytes;
+  }
+  server.On(PathOf("OldAct/" + category + "/" + category + std::to_string(number) + ".zip"),
+            Text(MakeZip(files)));
+}
+
+void GameMirror::AddBinFile(const std::string& name, const std::string& bytes) {
+  const std::string slashed = util::Replaced(name, "\\", "/");
+  index_.push_back({Md5Of(bytes), "\\Bin\\" + name});
+  expected_["Bin/" + slashed] = bytes;
+  server.On(PathOf("NewAct2/Bin/" + slashed + ".kvn"), Text(MakePacked(bytes)));
+}
+
+void GameMirror::Publish() {
+  std::string list = "[INIT]";
+  for (const char* category : update::kCategories) {
+    list += std::string(" ") + category + "=" + std::to_string(counts_[category]);
+  }
+  server.On(PathOf("OldAct/Update.ini"), Text(list));
+  server.On(PathOf("NewAct2/Info.kvn"), Text(MakePacked(MakeIndex(index_))));
+}
+
+std::vector<std::string> GameMirror::Asked() const {
+  std::vector<std::string> asked;
+  for (const std::string& target : server.Targets()) {
+    if (!target.starts_with(kBase) || target.ends_with("Online.txt")) continue;
+    asked.push_back(target.substr(std::string_view(kBase).size()));
+  }
+  return asked;
+}
+
+void Deploy(const TempFolder& folder, const std::string& game, const std::vector<std::string>& mirrors,
+            const std::string& web) {
+  static const ClosedPort closed;
+  std::string ini = "[MIRRORS]\r\n";
+  for (int i = 0; i < startup::kMirrorCount; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    ini += std::to_string(i + 1) + "=" +
+           (at < mirrors.size() ? mirrors[at] : closed.Url("/" + std::to_string(i) + "/")) + "\r\n";
+  }
+  ini += "[SITE]\r\nWeb=" + web + "\r\nApi=" + web + "\r\nSupport=http://soporte.example/\r\n";
+  ini += "[LAUNCH]\r\nParameter=CLAVE 1\r\nStaffApplication=LauncherTestStaff\r\n";
+  folder.Put(game + "/Deployment.ini", ini);
+}
+
+}  // namespace support

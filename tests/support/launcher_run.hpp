@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "launcher.hpp"
+#include "support/game_mirror.hpp"
+#include "support/recording_screen.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+
+namespace support {
+
+// A whole launcher in a temporary game folder ("juego ñ"), against a mirror, with a stepped clock.
+class LauncherRun {
+ public:
+  LauncherRun();
+  ~LauncherRun();
+
+  // Starts it and waits for the end of start-up. The mirror is the second of the ring, the first one refuses.
+  void Start(const std::string& commandLine = "");
+  void Play() { Launched().MainWindow().cmdIniciar.Click(); }
+
+  // Handles events, stepping the clock, until the condition holds; fails the test after a generous while.
+  void Until(const std::function<bool()>& condition, const char* what);
+  void UntilEnded();
+  void UntilStopped();  // the run has ended with the timer off and the play button on again
+
+  Launcher& Launched() { return *launcher_; }
+  std::string Status() { return Launched().MainWindow().lblEstado.Caption; }
+  std::string Counter(const std::string& category) const;
+  bool Shown(const std::string& text) const;  // whether a message box had this text
+
+  // Every file of the game folder but the launcher's own, path ("/") to bytes.
+  std::map<std::string, std::string> GameFiles() const;
+
+  TempFolder folder;
+  std::string game = "juego ñ";
+  GameMirror mirror;
+  RecordingScreen screen;
+  TestHost machine;
+
+ private:
+  std::unique_ptr<Launcher> launcher_;
+};
+
+}  // namespace support

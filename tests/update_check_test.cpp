@@ -1,0 +1,380 @@
+// The main job, end to end: a whole launcher against a real loopback mirror.
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "startup/launcher_settings.hpp"
+#include "support/launcher_run.hpp"
+#include "update/counter_store.hpp"
+
+namespace {
+
+using platform::DialogAnswer;
+using support::Answer;
+using support::LauncherRun;
+using support::MakeIndex;
+using support::MakePacked;
+using support::MakeZip;
+
+constexpr const char* kBadZip = "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR";
+constexpr const char* kBadIndex = "No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?";
+
+void PublishGame(support::GameMirror& mirror) {
+  mirror.AddPatch("Init", {{"RECURSOS/INIT/datos.ini", "datos"}});
+  mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/", ""}, {"RECURSOS/MAPAS1/1.map", "uno"}});
+  mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/1.map", "uno nuevo"}, {"RECURSOS/MAPAS1/Año/ñ.map", "eñe"}});
+  mirror.AddPatch("Extras", {{"leame.txt", std::string(100'000, 'x')}});
+  mirror.AddBinFile("KVN-DX8.exe", "el cliente");
+  mirror.AddBinFile("Sub\\nested.dll", std::string(50'000, 'n'));
+  mirror.Publish();
+}
+
+TEST(UpdateCheck, InstallsAnEmptyFolderAndStartsTheGame) {
+  LauncherRun run;
+  PublishGame(run.mirror);
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  const std::vector<std::string> asked = {"OldAct/Update.ini",           "OldAct/Init/Init1.zip",
+                                          "OldAct/Mapas/Mapas1.zip",     "OldAct/Mapas/Mapas2.zip",
+                                          "OldAct/Extras/Extras1.zip",   "NewAct2/Info.kvn",
+                                          "NewAct2/Bin/KVN-DX8.exe.kvn", "NewAct2/Bin/Sub/nested.dll.kvn"};
+  EXPECT_EQ(run.mirror.Asked(), asked);
+  EXPECT_EQ(run.Counter("Mapas"), "2\r\n");
+  EXPECT_EQ(run.Counter("Wavs"), "0\r\n");
+  ASSERT_EQ(run.machine.processes.started.size(), 2u);  // the browser cache, then the client
+  const platform::StartRequest& client = run.machine.processes.started[1];
+  EXPECT_EQ(client.program, run.folder / (run.game + "/Bin/KVN-DX8.exe"));
+  EXPECT_EQ(client.commandLine, client.program + " CLAVE 1");
+  EXPECT_EQ(run.Launched().Life().ExitStatus(), 0);
+  EXPECT_TRUE(run.machine.dialogs.shown.empty());
+
+  // A second start with nothing new fetches the list and the index, nothing else.
+  run.mirror.server.Forget();
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.mirror.Asked(), (std::vector<std::string>{"OldAct/Update.ini", "NewAct2/Info.kvn"}));
+}
+
+TEST(UpdateCheck, FetchesOnlyWhatIsMissingAndClearsWhatIsForeign) {
+  LauncherRun run;
+  PublishGame(run.mirror);
+  run.Start("/UPDATES");
+  run.UntilEnded();  // the patches are there, Bin is not
+  run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el cliente");
+  run.folder.Put(run.game + "/Bin/sub/NESTED.dll", "dañado");
+  run.folder.Put(run.game + "/Bin/viejo.dll", "x");
+  run.folder.Put(run.game + "/Bin/propio$.txt", "x");
+  run.folder.Put(run.game + "/RECURSOS/INIT/AUMapas.ini", "9");
+  run.folder.Put(run.game + "/RECURSOS/GRAFICOS/1.bmp", "x");
+  run.folder.Put(run.game + "/RECURSOS/GRAFICOS/32000.bmp", "x");
+  run.folder.Put(run.game + "/RECURSOS/GRAFICOS/32001.bmp", "x");
+  run.mirror.server.Forget();
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.Counter("Mapas"), "2\r\n");  // pulled back to the mirror's number
+  EXPECT_EQ(run.mirror.Asked(), (std::vector<std::string>{"OldAct/Update.ini", "NewAct2/Info.kvn",
+                                                          "NewAct2/Bin/Sub/nested.dll.kvn"}));
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/Sub/nested.dll"), std::string(50'000, 'n'));
+  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/viejo.dll"));
+  EXPECT_TRUE(run.folder.Has(run.game + "/Bin/propio$.txt"));
+  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/GRAFICOS/1.bmp"));
+  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/GRAFICOS/32000.bmp"));
+  EXPECT_TRUE(run.folder.Has(run.game + "/RECURSOS/GRAFICOS/32001.bmp"));
+}
+
+TEST(UpdateCheck, LeavesADevelopmentCopyAndTheSecondClientAlone) {
+  LauncherRun run;
+  run.mirror.AddBinFile("a.dll", "a");
+  run.mirror.AddBinFile("KVNG.dat", "g");
+  run.mirror.Publish();
+  run.folder.Put(run.game + "/Bin/Client.vbp", "x");
+  run.folder.Put(run.game + "/Bin/mio.bas", "x");
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_TRUE(run.folder.Has(run.game + "/Bin/mio.bas"));
+  EXPECT_TRUE(run.folder.Has(run.game + "/Bin/a.dll"));
+  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/KVNG.dat"));
+  EXPECT_TRUE(run.Shown("No se encuentra KVN-DX8.exe"));
+
+  run.machine.settings->Set("LauncherTestStaff", startup::keys::kStaff, startup::keys::kStaff, "si");
+  run.machine.dialogs.answers = {DialogAnswer::Cancel};
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVNG.dat"), "g");
+  EXPECT_EQ(run.machine.dialogs.shown.back().text, "¿Que cliente deseas ejecutar?");
+  EXPECT_EQ(run.machine.dialogs.shown.back().title, "Kelvar Online");
+}
+
+// Faults of a mirror in the patch stage: each ends the run, leaves no trace in the folder and no advanced
+// counter.
+TEST(UpdateCheck, ABadPatchStageLeavesTheFolderAsItWas) {
+  const std::string zip = MakeZip({{"leame.txt", "x"}, {"RECURSOS/b", "y"}});
+  const struct {
+    const char* what;
+    const char* path;
+    Answer answer;
+    std::string shown, status;
+  } cases[] = {
+      {"page for the list", "OldAct/Update.ini", support::Page(404, "<h1>404</h1>"), "",
+       "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
+      {"letters in the list", "OldAct/Update.ini", support::Text("[INIT] Init=abc"), "",
+       "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
+      {"empty list", "OldAct/Update.ini", support::Text(""), "", "Buscando host..."},
+      {"page for an archive", "OldAct/Extras/Extras1.zip", support::Page(500, "<h1>500</h1>"), kBadZip, ""},
+      {"truncated archive", "OldAct/Extras/Extras1.zip", support::Text(zip.substr(0, zip.size() - 30)),
+       kBadZip, ""},
+      {"damaged archive", "OldAct/Extras/Extras1.zip",
+       support::Text(MakeZip({{"a", "x"}, {"leame.txt", "x", false, 1 << 11, 8, 0100644, 1}})), kBadZip, ""},
+      {"encrypted archive", "OldAct/Extras/Extras1.zip",
+       support::Text(MakeZip({{"a", "x"}, {"leame.txt", "x", false, 1 << 11 | 1}})), kBadZip, ""},
+      {"hostile archive", "OldAct/Extras/Extras1.zip", support::Text(MakeZip({{"a", "x"}, {"../../x", "x"}})),
+       kBadZip, ""},
+  };
+  for (const auto& entry : cases) {
+    LauncherRun run;
+    run.mirror.AddPatch("Extras", {{"leame.txt", "x"}});
+    run.mirror.Publish();
+    run.mirror.server.On(run.mirror.PathOf(entry.path), entry.answer);
+    run.Start();
+    const auto before = run.GameFiles();
+    run.Play();
+    run.UntilStopped();
+    EXPECT_EQ(run.GameFiles(), before) << entry.what;
+    EXPECT_TRUE(run.Counter("Extras").empty() || run.Counter("Extras") == "0\r\n") << entry.what;
+    EXPECT_EQ(run.Shown(entry.shown), !entry.shown.empty()) << entry.what;
+    if (!entry.status.empty()) {
+      EXPECT_EQ(run.Status(), entry.status) << entry.what;
+    }
+    EXPECT_FALSE(run.folder.Has("x")) << entry.what;
+    EXPECT_FALSE(run.Launched().Life().Ending()) << entry.what;
+
+    // Put right, the next press of the play button installs everything.
+    run.mirror.server.On(run.mirror.PathOf("OldAct/Extras/Extras1.zip"), support::Text(zip));
+    run.mirror.Publish();
+    run.Play();
+    run.UntilEnded();
+    EXPECT_EQ(run.folder.Get(run.game + "/leame.txt"), "x") << entry.what;
+  }
+}
+
+TEST(UpdateCheck, RefusesACountBeyondSixteenBits) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.mirror.server.On(run.mirror.PathOf("OldAct/Update.ini"), support::Text("[INIT] Init=40000"));
+  run.Start();
+  run.Play();
+  run.UntilStopped();
+  EXPECT_TRUE(
+      run.Shown("Error: Error 6 (Overflow) en el procedimiento tmrUpdates_Timer del modulo Formulario "
+                "frmMain en la línea 60 "
+                "Tmp: InitReporta esto mediante el soporte WEB en http://soporte.example/"));
+  EXPECT_EQ(run.mirror.Asked(), std::vector<std::string>{"OldAct/Update.ini"});
+}
+
+// Transfers that fail: retried three times in silence, asked the fourth time.
+TEST(UpdateCheck, RetriesATransferThatDoesNotArrive) {
+  const std::string zip = MakeZip({{"leame.txt", std::string(5000, 'x')}});
+  const struct {
+    const char* what;
+    Answer answer;
+  } cases[] = {
+      {"cut short", support::CutShort(zip, 20)},
+      {"too long a Content-Length", {.body = zip, .announced = "99999"}},
+      {"another scheme", support::Redirect("ftp://127.0.0.1/x.zip")},
+      {"garbage", support::Garbage()},
+  };
+  for (const auto& entry : cases) {
+    LauncherRun run;
+    run.mirror.AddPatch("Extras", {{"leame.txt", std::string(5000, 'x')}});
+    run.mirror.Publish();
+    const std::string path = run.mirror.PathOf("OldAct/Extras/Extras1.zip");
+    run.mirror.server.On(path, entry.answer);
+    run.Start();
+    const auto before = run.GameFiles();
+    run.Play();
+    run.UntilStopped();
+    ASSERT_EQ(run.machine.dialogs.shown.size(), 1u) << entry.what;
+    EXPECT_EQ(run.machine.dialogs.shown[0].text,
+              "Error, tiempo de espera agotado. ¿Deseas reintentar la descarga?");
+    EXPECT_EQ(run.mirror.server.Count(path), 4u) << entry.what;
+    EXPECT_EQ(run.GameFiles(), before) << entry.what;
+    EXPECT_EQ(run.Counter("Extras"), "") << entry.what;
+  }
+}
+
+// Faults of the index: asked, and No goes on to the game with nothing deleted.
+TEST(UpdateCheck, ABadIndexDeletesNothingAndDoesNotKeepThePlayerFromPlaying) {
+  const std::string digest(32, '0');
+  const std::string good = MakePacked(MakeIndex({{digest, "\\Bin\\a"}}));
+  const struct {
+    const char* what;
+    Answer answer;
+    bool asked;
+  } cases[] = {
+      {"page", support::Page(404, "<!DOCTYPE html>"), true},
+      {"truncated", support::Text(good.substr(0, good.size() - 6)), true},
+      {"cut record", support::Text(MakePacked(MakeIndex({{digest, "\\Bin\\a"}}).substr(0, 40))), true},
+      {"lying count", support::Text(MakePacked(MakeIndex({{digest, "\\Bin\\a"}}, 1'000'000))), true},
+      {"empty index", support::Text(MakePacked(MakeIndex({}))), false},
+  };
+  for (const auto& entry : cases) {
+    LauncherRun run;
+    run.mirror.Publish();
+    run.mirror.server.On(run.mirror.PathOf("NewAct2/Info.kvn"), entry.answer);
+    run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "cliente");
+    run.Start();
+    run.Play();
+    run.UntilEnded();
+    EXPECT_EQ(run.Shown(kBadIndex), entry.asked) << entry.what;
+    EXPECT_EQ(run.GameFiles(), (std::map<std::string, std::string>{{"Bin/KVN-DX8.exe", "cliente"}}))
+        << entry.what;
+    EXPECT_EQ(run.machine.processes.started.size(), 2u) << entry.what;
+  }
+}
+
+TEST(UpdateCheck, AnIndexWritesNowhereButInBin) {
+  LauncherRun run;
+  run.mirror.AddBinFile("bueno.dll", "b");
+  for (const char* path :
+       {"\\Bin\\..\\launcher.exe", "\\..\\x", "\\Bin\\...kvn\\Deployment.ini", "\\Bin\\CON"}) {
+    run.mirror.AddIndexRecord({std::string(32, '0'), path});
+  }
+  run.mirror.Publish();
+  run.mirror.server.Otherwise([](const support::SeenRequest&) { return support::Text(MakePacked("malo")); });
+  run.Start();
+  const std::string deployment = run.folder.Get(run.game + "/Deployment.ini");
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  EXPECT_EQ(run.folder.Get(run.game + "/Deployment.ini"), deployment);
+  EXPECT_NE(run.folder.Get("Errores.log").find("\\Bin\\..\\launcher.exe"), std::string::npos);
+}
+
+TEST(UpdateCheck, UpdateOnlyModeEndsByItself) {
+  {
+    LauncherRun run;
+    PublishGame(run.mirror);
+    run.Start("x/UPDATESy");
+    run.UntilEnded();
+    EXPECT_EQ(run.Launched().Life().ExitStatus(), 0);
+    EXPECT_EQ(run.Counter("Extras"), "1\r\n");
+    EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("NewAct2/Info.kvn")), 0u);
+    EXPECT_EQ(run.screen.Count("frmMain.Visible: True"), 0);
+  }
+  LauncherRun run;
+  run.mirror.AddPatch("Extras", {{"../x", "x"}});
+  run.mirror.Publish();
+  run.Start("/UPDATES");
+  run.UntilEnded();
+  EXPECT_EQ(run.Launched().Life().ExitStatus(), 1);
+}
+
+TEST(UpdateCheck, ClosingDuringADownloadEndsItAndLeavesNoPiece) {
+  LauncherRun run;
+  run.mirror.AddPatch("Extras", {{"leame.txt", "x"}});
+  run.mirror.Publish();
+  Answer slow = support::Text(std::string(10'000'000, 'x'));
+  slow.paceBytes = 1000;
+  const std::string path = run.mirror.PathOf("OldAct/Extras/Extras1.zip");
+  run.mirror.server.On(path, slow);
+  run.Start();
+  const auto before = run.GameFiles();
+  // The player looks at the window from inside the download: events are handled while it runs.
+  bool pressed = false;
+  const auto id = run.machine.events->Timers().Start(10, [&] {
+    if (pressed || run.mirror.server.Count(path) == 0) return;
+    pressed = true;
+    run.Launched().MainWindow().KeyDown(controls::kKeyEscape);
+  });
+  run.machine.clock.stepOnRead = 5;
+  run.Play();
+  run.UntilEnded();
+  run.machine.events->Timers().Stop(id);
+  EXPECT_TRUE(pressed);
+  EXPECT_EQ(run.GameFiles(), before);
+}
+
+TEST(Repair, ForgetsEverythingAndFetchesItAgain) {
+  LauncherRun run;
+  PublishGame(run.mirror);
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  const std::string client = run.folder / (run.game + "/Bin/KVN-DX8.exe");
+
+  run.Start();
+  run.Launched().MainWindow().cmdReiniciarUpdates.Click();  // answered No
+  EXPECT_EQ(run.Counter("Mapas"), "2\r\n");
+  EXPECT_FALSE(run.Launched().MainWindow().tmrUpdates.On());
+  EXPECT_EQ(run.machine.dialogs.shown.back().title, "¡ATENCIÓN! Lea con cuidado.");
+
+  run.mirror.server.Forget();
+  run.folder.Put(run.game + "/RECURSOS/MAPAS1/1.map", "roto");
+  run.folder.Put(run.game + "/Bin/foreign.dll", "x");
+  run.folder.Put(run.game + "/RECURSOS/INIT/WavSilenced.ini", "[INIT]\r\nWAV12=1\r\n");
+  run.machine.dialogs.answers = {DialogAnswer::Yes};
+  run.Launched().MainWindow().cmdReiniciarUpdates.Click();
+  for (const char* category : update::kCategories) EXPECT_EQ(run.Counter(category), "0\r\n");
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/MD5Update.ini"), " \r\n");
+  EXPECT_FALSE(run.Launched().MainWindow().NewsTimer.On());
+  run.UntilEnded();
+  auto expected = run.mirror.Expected();
+  expected["RECURSOS/INIT/WavSilenced.ini"] = "[INIT]\r\nWAV12=1\r\n";
+  EXPECT_EQ(run.GameFiles(), expected);
+  EXPECT_EQ(run.mirror.Asked().size(), 6u);  // the list, four patches, the index
+}
+
+TEST(Launch, RegistersTheLibrariesOncePerSet) {
+  LauncherRun run;
+  run.mirror.AddBinFile("KVN-DX8.exe", "cliente");
+  run.mirror.Publish();
+  run.machine.settings->Set(startup::keys::kLibraries, startup::keys::kVersion, startup::keys::kV, "0.4.0");
+  run.Start();
+  run.machine.processes.started.clear();
+  run.Play();
+  run.UntilEnded();
+  const auto& started = run.machine.processes.started;
+  ASSERT_EQ(started.size(), 12u);
+  EXPECT_EQ(started[0].commandLine, "regsvr32 \"" + run.folder / (run.game + "/Bin") + "COMCTL32.OCX\" /s");
+  EXPECT_EQ(started[0].style, platform::WindowStyle::Minimised);
+  EXPECT_EQ(started[9].commandLine,
+            "regsvr32 \"" + run.folder / (run.game + "/Bin") + "VBALPROGBAR6.OCX\" /s");
+  EXPECT_EQ(started[10].commandLine, "regsvr32 \"DX8VB.DLL\" /s");
+  EXPECT_TRUE(run.Shown("Se han registrado las librerias correctamente."));
+  EXPECT_EQ(run.machine.settings->Get(startup::keys::kLibraries, startup::keys::kVersion, startup::keys::kV),
+            "0.4.1");
+  EXPECT_NE(run.machine.settings->Get(startup::keys::kOpen, startup::keys::kF, startup::keys::kA), "");
+}
+
+TEST(Launch, StartsTheSecondClientOnYes) {
+  const struct {
+    DialogAnswer answer;
+    const char* client;
+  } cases[] = {{DialogAnswer::Yes, "KVN-DX8G.exe"},
+               {DialogAnswer::No, "KVN-DX8.exe"},
+               {DialogAnswer::Cancel, nullptr}};
+  for (const auto& entry : cases) {
+    LauncherRun run;
+    run.mirror.AddBinFile("KVN-DX8.exe", "cliente");
+    run.mirror.AddBinFile("KVN-DX8G.exe", "otro");
+    run.mirror.Publish();
+    run.machine.settings->Set("LauncherTestStaff", startup::keys::kStaff, startup::keys::kStaff, "si");
+    run.machine.dialogs.answers = {entry.answer};
+    run.Start();
+    run.machine.processes.started.clear();
+    run.Play();
+    run.UntilEnded();
+    ASSERT_EQ(run.machine.processes.started.size(), entry.client ? 1u : 0u);
+    if (entry.client) {
+      EXPECT_EQ(platform::FileNameOf(run.machine.processes.started[0].program), entry.client);
+    }
+  }
+}
+
+}  // namespace

@@ -1,0 +1,314 @@
+// The formats that a mirror sends: archives, packed files, the index; and the launcher's own small files.
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/archives.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "update/counter_store.hpp"
+#include "update/digest_record.hpp"
+#include "update/index_file.hpp"
+#include "update/modCompression.hpp"
+#include "update/packed_file.hpp"
+#include "update/patch_installation.hpp"
+#include "update/zip_archive.hpp"
+#include "util/clsFastString.hpp"
+#include "util/clsHashing.hpp"
+#include "util/runtime_error.hpp"
+
+namespace {
+
+using support::IndexItem;
+using support::MakeIndex;
+using support::MakePacked;
+using support::MakeZip;
+using support::ZipItem;
+
+std::string Noise(std::size_t size) {
+  std::string bytes(size, '\0');
+  std::uint32_t state = 1;
+  for (char& c : bytes) c = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
+  return bytes;
+}
+
+std::string UnicodePathField(const std::string& name) {
+  std::string body = std::string(5, '\x01') + name;
+  return std::string("\x75\x70") + static_cast<char>(body.size()) + '\0' + body;
+}
+
+// The description of what is wrong with an archive; empty when it is proved.
+std::string Verdict(const support::TempFolder& folder, const std::string& bytes) {
+  folder.Put("a.zip", bytes);
+  try {
+    update::ZipArchive(folder / "a.zip").Prove();
+    return {};
+  } catch (const util::RuntimeError& error) {
+    return error.Description();
+  }
+}
+
+TEST(ZipArchive, ProvesGoodArchives) {
+  const support::TempFolder folder;
+  const std::string big = Noise(300'000) + std::string(1'000'000, 'x');
+  EXPECT_EQ(Verdict(folder, MakeZip({{"RECURSOS/", ""}, {"RECURSOS/a.map", "hola"}, {"vacío.txt", ""}})), "");
+  EXPECT_EQ(Verdict(folder, MakeZip({{"grande", big}, {"guardado", big, true}})), "");
+  EXPECT_EQ(Verdict(folder, MakeZip({})), "");
+}
+
+TEST(ZipArchive, RefusesWhatMustNotBeUnpacked) {
+  const support::TempFolder folder;
+  const std::string good = MakeZip({{"a", Noise(5000)}, {"b", "b"}});
+  const struct {
+    std::string bytes, why;
+  } cases[] = {
+      {"<!DOCTYPE html><h1>404</h1>", "It is no ZIP archive"},
+      {"", "It is no ZIP archive"},
+      {good.substr(0, good.size() / 2), "It is no ZIP archive"},
+      {good.substr(200), "The archive is cut short"},
+      {MakeZip({{"x", "x"}, {"../evil.dll", "x"}}), "climbs"},
+      {MakeZip({{"a/..\\..\\evil.dll", "x"}}), "climbs"},
+      {MakeZip({{"/etc/evil", "x"}}), "absolute"},
+      {MakeZip({{"\\\\host\\share\\evil", "x"}}), "absolute"},
+      {MakeZip({{"C:evil", "x"}}), "drive or stream"},
+      {MakeZip({{"COM1.dat", "x"}}), "device"},
+      {MakeZip({{"ok", "x", false, 1 << 11, 8, 0100644, 0, "", UnicodePathField("../evil")}}), "climbs"},
+      {MakeZip({{"link", "/etc", true, 1 << 11, 0, 0120777}}), "is a link"},
+      {MakeZip({{"secret", "x", false, 1 << 11 | 1}}), "is encrypted"},
+      {MakeZip({{"odd", "x", false, 1 << 11, 9}}), "unknown method"},
+      {MakeZip({{"bad", Noise(9000), false, 1 << 11, 8, 0100644, 1}}), "\"bad\" is damaged"},
+      {MakeZip({{"short", "abc", false, 1 << 11, 8, 0100644, 0, "", "", 5}}), "\"short\" is damaged"},
+      {MakeZip({{"long", Noise(9000), false, 1 << 11, 8, 0100644, 0, "", "", -5}}), "\"long\" is damaged"},
+      {MakeZip({{"one", "x", false, 1 << 11, 8, 0100644, 0, "two"}}), "differs from the directory"},
+  };
+  for (const auto& entry : cases) {
+    const std::string verdict = Verdict(folder, entry.bytes);
+    EXPECT_NE(verdict.find(entry.why), std::string::npos) << entry.why << " / " << verdict;
+  }
+}
+
+TEST(ZipArchive, RefusesOverlappingEntries) {
+  const support::TempFolder folder;
+  std::string bomb = MakeZip({{"a", Noise(500)}, {"b", Noise(500)}});
+  const std::size_t second = bomb.rfind("PK\x01\x02");
+  bomb.replace(second + 42, 4, std::string(4, '\0'));  // the second entry points at the first one's bytes
+  EXPECT_EQ(Verdict(folder, bomb), "Entries of the archive overlap");
+}
+
+// What becomes of an old destination "viejo"; the number of the error raised, 0 for none.
+struct Expanded {
+  int error;
+  std::string content;
+};
+
+Expanded Expand(const std::string& packed) {
+  const support::TempFolder folder;
+  folder.Put("f.kvn", packed);
+  folder.Put("f", "viejo");
+  int error = 0;
+  try {
+    update::ExpandPackedFile(folder / "f.kvn", folder / "f", {});
+  } catch (const util::RuntimeError& raised) {
+    error = raised.Number();
+  }
+  return {error, folder.Get("f")};
+}
+
+TEST(PackedFile, ExpandsAndRefuses) {
+  constexpr int kBad = static_cast<int>(util::ErrorNumber::InvalidFileFormat);
+  const std::string bytes = Noise(700'000), good = MakePacked(bytes);
+  std::string flipped = good;
+  flipped[flipped.size() / 2] = static_cast<char>(flipped[flipped.size() / 2] ^ 1);
+  std::string badChecksum = good;
+  badChecksum.back() = static_cast<char>(badChecksum.back() ^ 1);
+  const struct {
+    const char* what;
+    std::string packed;
+    int error;
+    std::string content;
+  } cases[] = {
+      {"whole", good, 0, bytes},
+      {"highly packed", MakePacked(std::string(3'000'000, 'a')), 0, std::string(3'000'000, 'a')},
+      {"size below the true one", MakePacked(bytes, 1000), 0, bytes.substr(0, 1000)},
+      {"size above the true one", MakePacked(bytes, 800'000), 0, bytes},
+      {"flipped", flipped, kBad, "viejo"},
+      {"checksum", badChecksum, kBad, "viejo"},
+      {"cut", good.substr(0, good.size() - 10), kBad, "viejo"},
+      {"page", "<!DOCTYPE html>", kBad, "viejo"},
+      {"size beyond any ratio", MakePacked("abc", 0x7FFFFFFF), kBad, "viejo"},
+      {"size 0", MakePacked("abc", 0), kBad, "viejo"},
+      {"negative size", MakePacked("abc", -4), kBad, "viejo"},
+      {"three bytes", "abc", kBad, "viejo"},
+  };
+  for (const auto& entry : cases) {
+    const Expanded expanded = Expand(entry.packed);
+    EXPECT_EQ(expanded.error, entry.error) << entry.what;
+    EXPECT_TRUE(expanded.content == entry.content) << entry.what;
+  }
+}
+
+TEST(PackedFile, TellsThePlayerWhatFailed) {
+  const support::TempFolder folder;
+  support::TestHost machine;
+  const startup::Folders folders(folder / "game");
+  startup::Lifetime lifetime(*machine.events);
+  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
+  update::modCompression compression(machine.host, recorder, lifetime);
+  folder.Put("game/small.kvn", std::string("\0\0\0\0x", 5));
+  folder.Put("game/cut.kvn", MakePacked(Noise(5000)).substr(0, 3000));
+  const std::string small = folder / "game/small.kvn", cut = folder / "game/cut.kvn",
+                    to = folder / "game/sub/to";
+
+  EXPECT_FALSE(compression.Descomprimir(small, to));
+  EXPECT_FALSE(compression.Descomprimir(cut, to));
+  EXPECT_FALSE(folder.Has("game/sub/to"));
+  ASSERT_EQ(machine.dialogs.shown.size(), 2u);
+  EXPECT_EQ(machine.dialogs.shown[0].text, "Error al descomprimir " + small + ". El archivo pesaba 0 kb.");
+  EXPECT_EQ(
+      machine.dialogs.shown[1].text,
+      "Error: Error 321 (Invalid file format) in procedure Descomprimir of Módulo modCompression in line "
+      "40Parametro 1: " +
+          cut + "Parametro 2: " + to);
+}
+
+TEST(IndexFile, ReadsRecordsAndJudgesTheirNames) {
+  const support::TempFolder folder;
+  const std::string digest(32, 'A');
+  folder.Put("i", MakeIndex({{digest, "\\Bin\\a.dll"},
+                             {digest, "\\bin\\Sub\\\xF1.d\r\nat"},
+                             {"NOT FOUND" + std::string(23, ' '), "\\Bin\\b"},
+                             {digest, "\\Bin\\..\\launcher.exe"},
+                             {digest, "\\RECURSOS\\x"},
+                             {digest, "Bin\\x"},
+                             {digest, "\\Bin\\NUL.txt"},
+                             {digest, "\\Bin\\a:stream"},
+                             {digest, "\\Bin\\x. "},
+                             {digest, "\\Bin\\"},
+                             {digest, ""}}));
+  update::IndexFile index;
+  index.Read(folder / "i");
+  ASSERT_EQ(index.Records().size(), 11u);
+  EXPECT_TRUE(index.ReadWholly());
+  EXPECT_EQ(index.Records()[0].inBin, "a.dll");
+  EXPECT_EQ(index.Records()[0].digest, std::string(32, 'a'));
+  EXPECT_EQ(index.Records()[1].inBin, "Sub/ñ.dat");
+  EXPECT_FALSE(index.Records()[2].HasDigest());
+  for (std::size_t i = 3; i < 11; ++i) EXPECT_NE(index.Records()[i].refusal, "") << index.Records()[i].path;
+}
+
+TEST(IndexFile, RaisesWhenItIsCutOrLies) {
+  const support::TempFolder folder;
+  const std::string good =
+      MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}, {std::string(32, 'b'), "\\Bin\\b"}});
+  const struct {
+    const char* what;
+    std::string bytes;
+    std::size_t read;
+  } cases[] = {
+      {"empty", "", 0},
+      {"cut in a record", good.substr(0, good.size() - 1), 1},
+      {"count too large", MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}}, 0x7FFFFFFF), 0},
+      {"negative count", MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}}, 0xFFFFFFFF), 0},
+      {"page", "<!DOCTYPE html><html><body>no hay nada que ver por este lado</body></html>", 0},
+  };
+  for (const auto& entry : cases) {
+    folder.Put("i", entry.bytes);
+    update::IndexFile index;
+    EXPECT_THROW(index.Read(folder / "i"), util::RuntimeError) << entry.what;
+    EXPECT_EQ(index.Records().size(), entry.read) << entry.what;
+    EXPECT_FALSE(index.ReadWholly());
+  }
+}
+
+TEST(PatchInstallation, TakesTheSuffixOutEverywhereButNeverClimbs) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"a.dll.kvn", "a.dll"}, {"x.kvn/y.dll.kvn", "x/y.dll"},
+      {"plain", "plain"},     {"...kvn/evil.dll.kvn", ""},  // what remains would be ".."
+      {"CON.kvn", ""},        {".kvn", ""},
+  };
+  for (const auto& [from, to] : cases) EXPECT_EQ(update::InstalledName(from), to) << from;
+}
+
+TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
+  const support::TempFolder folder;
+  support::TestHost machine;
+  const startup::Folders folders(folder / "game");
+  startup::Lifetime lifetime(*machine.events);
+  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
+  startup::Deployment deployment;
+  deployment.support = "http://soporte/";
+  update::CounterStore counters(folders, deployment, recorder);
+  EXPECT_EQ(counters.Read("Mapas"), 0);
+  const std::pair<const char*, int> cases[] = {{"12\r\n", 12}, {"12", 12}, {"", 0},
+                                               {"x", 0},       {"-3", 0},  {"7 \n9", 7}};
+  for (const auto& [text, number] : cases) {
+    folder.Put("game/RECURSOS/INIT/AUMapas.ini", text);
+    EXPECT_EQ(counters.Read("Mapas"), number) << text;
+  }
+  EXPECT_TRUE(machine.dialogs.shown.empty());
+  folder.Put("game/RECURSOS/INIT/AUMapas.ini", "99999");
+  EXPECT_EQ(counters.Read("Mapas"), 0);
+  ASSERT_EQ(machine.dialogs.shown.size(), 1u);
+  EXPECT_EQ(machine.dialogs.shown[0].text,
+            "Error: Error en la linea N30 del procedimiento 8, descripción: OverflowReporta esto mediante el "
+            "soporte "
+            "WEB en http://soporte/");
+  EXPECT_TRUE(counters.Write("Mapas", 13));
+  EXPECT_EQ(folder.Get("game/RECURSOS/INIT/AUMapas.ini"), "13\r\n");
+  EXPECT_FALSE(update::CounterStore(startup::Folders(folder / "none"), deployment, recorder).Write("AU", 1));
+}
+
+TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
+  const support::TempFolder folder;
+  const std::string file = folder / "MD5Update.ini", digest(32, 'a');
+  const platform::FileStamp stamp{10, 20};
+  const auto noError = [](const std::string& text) { ADD_FAILURE() << text; };
+  update::DigestRecord record(file);
+  record.Remember("Sub/ñandú x.dat", stamp, digest);
+  record.Remember("b", {1, 2}, digest);
+  record.Save(noError);
+  const std::string saved = folder.Get("MD5Update.ini");
+
+  record.Load();
+  EXPECT_EQ(record.Find("Sub/ñandú x.dat", stamp), digest);
+  EXPECT_EQ(record.Find("Sub/ñandú x.dat", {10, 21}), std::nullopt);
+  EXPECT_EQ(record.Find("Sub/ñandú x.dat", {11, 20}), std::nullopt);
+  EXPECT_EQ(record.Find("c", stamp), std::nullopt);
+
+  for (const std::string& torn : {std::string(" \r\n"), std::string(), saved.substr(0, saved.size() - 5),
+                                  saved.substr(0, saved.size() / 2), saved + "x", "[INIT]\r\n" + saved,
+                                  saved.substr(0, 70) + '\0' + saved.substr(71)}) {
+    folder.Put("MD5Update.ini", torn);
+    record.Load();
+    EXPECT_EQ(record.Find("b", {1, 2}), std::nullopt) << torn;
+  }
+}
+
+TEST(Digests, AreTheStandardOnes) {
+  const util::clsHashing hashing;
+  const support::TempFolder folder;
+  folder.Put("ñ.bin", std::string(1'000'000, 'a'));
+  EXPECT_EQ(hashing.MD5String(""), "d41d8cd98f00b204e9800998ecf8427e");
+  EXPECT_EQ(hashing.MD5String("ñ"), "edb907361219fb8d50279eabab0b83b1");  // of the one narrow byte F1
+  EXPECT_EQ(hashing.MD5File(folder / "ñ.bin"), "7707d6ae4e027c70eea2a935c2296f21");
+  EXPECT_EQ(hashing.SHA1(""), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
+  EXPECT_EQ(hashing.SHA1("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
+  EXPECT_THROW(hashing.MD5File(folder / "none"), util::RuntimeError);
+}
+
+TEST(FastString, GrowsBySteps) {
+  util::clsFastString text([](const std::string&) {});
+  text.Append("");
+  EXPECT_EQ(text.Capacity(), 0);
+  text.Append("abc");
+  EXPECT_EQ(text.Capacity(), 50'003);
+  text.Append(std::string(50'000, 'x'));  // fills the buffer exactly
+  EXPECT_EQ(text.Capacity(), 50'003);
+  text.Append("y");
+  EXPECT_EQ(text.Capacity(), 100'004);
+  EXPECT_EQ(text.Value(), "abc" + std::string(50'000, 'x') + "y");
+  text.Clear();
+  EXPECT_EQ(text.Value(), "");
+  EXPECT_EQ(text.Capacity(), 100'004);
+}
+
+}  // namespace
