@@ -127,6 +127,7 @@ TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
       nested = lines.size() == 2;
     }
     lines.push_back(line);
+    return true;
   });
   const std::string text = "outer\ninner\r\n\nlast";
   ASSERT_EQ(write(output.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
