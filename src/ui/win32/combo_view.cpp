@@ -46,7 +46,7 @@ class ComboView : public View {
       combo_.Change();
     }
     if (notification == CBN_EDITCHANGE) {
-      const std::string typed = Narrow(TextOf(Handle()));
+      const std::string typed = platform::Narrow(TextOf(Handle()));
       combo_.ListIndex = combo_.IndexOf(typed);
       combo_.Text = typed;
       combo_.KeyUp();
@@ -76,7 +76,7 @@ class ComboView : public View {
   void FillList() {
     SendMessageW(Handle(), CB_RESETCONTENT, 0, 0);
     for (const std::string& entry : combo_.Entries()) {
-      SendMessageW(Handle(), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Widen(entry).c_str()));
+      SendMessageW(Handle(), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(platform::Wide(entry).c_str()));
     }
     ShowChoice();
   }
@@ -86,7 +86,7 @@ class ComboView : public View {
     if (SendMessageW(Handle(), CB_GETCURSEL, 0, 0) != index) {
       SendMessageW(Handle(), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
     }
-    if (editable_ && TextOf(Handle()) != Widen(combo_.Text.Get())) SetText(combo_.Text);
+    if (editable_ && TextOf(Handle()) != platform::Wide(combo_.Text.Get())) SetText(combo_.Text);
     Invalidate();
   }
 
@@ -105,7 +105,8 @@ class ComboView : public View {
       text.left += form_.Scaled(7);
       text.right = arrow.left;
       const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
-      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single, Widen(combo_.Text.Get()));
+      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
+                      platform::Wide(combo_.Text.Get()));
     }
     if (Focused() || (info.hwndItem && GetFocus() == info.hwndItem)) {
       Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
