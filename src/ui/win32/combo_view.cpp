@@ -32,6 +32,11 @@ class ComboView : public View {
     SendMessageW(Handle(), CB_SETITEMHEIGHT, 0, line);
     SetWindowPos(Handle(), nullptr, box.left, box.top, Width(box), Height(box) + line * kLinesDropped,
                  SWP_NOZORDER | SWP_NOACTIVATE);
+    if (const HWND edit = Edit()) {
+      const int side = form_.Scaled(6);
+      SetWindowPos(edit, nullptr, side, (Height(box) - line) / 2, Width(box) - Height(box) - side, line,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+    }
     ShowChoice();
   }
 
@@ -90,10 +95,14 @@ class ComboView : public View {
     Invalidate();
   }
 
-  void Paint() {
+  // The part that is typed into; null for a list that is only chosen from.
+  HWND Edit() const {
     COMBOBOXINFO info{};
     info.cbSize = sizeof info;
-    GetComboBoxInfo(Handle(), &info);
+    return editable_ && GetComboBoxInfo(Handle(), &info) ? info.hwndItem : nullptr;
+  }
+
+  void Paint() {
     const BufferedPaint paint(Handle());
     const RECT box = paint.Client();
     skin::DrawBox(paint.Dc(), box, form_.Scaled(1));
@@ -108,7 +117,7 @@ class ComboView : public View {
       skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
                       platform::Wide(combo_.Text.Get()));
     }
-    if (Focused() || (info.hwndItem && GetFocus() == info.hwndItem)) {
+    if (Focused() || (editable_ && GetFocus() == Edit())) {
       Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
     }
   }
