@@ -148,6 +148,20 @@ void CloneFile(const std::string& from, const std::string& to) {
   target.Commit();
 }
 
+void ShareFile(const std::string& from, const std::string& to) {
+  const std::string neighbour = NeighbourOf(to);
+  if (!CreateHardLinkW(SystemPath(neighbour).c_str(), SystemPath(from).c_str(), nullptr)) {
+    return CloneFile(from, to);
+  }
+  try {
+    ReplaceFileWith(neighbour, to);
+  } catch (const util::RuntimeError&) {
+    TryRemoveFile(neighbour);
+    throw;
+  }
+  TryRemoveFile(neighbour);  // still there when both names were the same file already
+}
+
 std::string ReadWhole(const std::string& path, std::uint64_t limit) {
   InputFile file(path);
   const std::uint64_t size = file.Size();

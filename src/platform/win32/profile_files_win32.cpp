@@ -10,7 +10,8 @@
 namespace platform {
 namespace {
 
-constexpr DWORD kBufferSize = 3000;  // characters, the ending NUL included
+constexpr DWORD kBufferSize = 3000;                       // characters, the ending NUL included
+constexpr std::uint64_t kLargestFile = 16 * 1024 * 1024;  // bytes; more is no settings file
 constexpr wchar_t kMissing[] = L"\x01";
 
 // The calls look for a file without a folder in the system's own one.
@@ -48,9 +49,11 @@ class WorkingCopy {
                                       Wide(entry.second).c_str(), FileArgument(path_).c_str()) != 0;
   }
 
+  // Does nothing when no byte has changed.
   void TakePlace() {
     // All arguments missing: what the system still holds of the file in memory is written.
     WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(path_).c_str());
+    if (IsFile(original_) && ReadWhole(original_, kLargestFile) == ReadWhole(path_, kLargestFile)) return;
     FlushFile(path_);
     ReplaceFileWith(path_, original_);
   }
