@@ -47,6 +47,8 @@ add_library(infozip STATIC ${infozip_files}
 set_target_properties(infozip PROPERTIES C_STANDARD 99 C_EXTENSIONS ON)
 target_include_directories(infozip PRIVATE ${INFOZIP_SOURCE_DIR})
 target_include_directories(infozip SYSTEM INTERFACE ${INFOZIP_SOURCE_DIR})
-target_compile_definitions(infozip PRIVATE WIN32 FORCE_WIN32_OVER_UNIX DLL WINDLL UNZIPLIB)
+# It brings functions that are named as zlib's, which the same program links.
+target_compile_definitions(infozip PRIVATE WIN32 FORCE_WIN32_OVER_UNIX DLL WINDLL UNZIPLIB
+  inflate=infozip_inflate crc32=infozip_crc32 get_crc_table=infozip_get_crc_table)
 # Written long before today's warnings; -fwrapv and -fno-strict-aliasing are the promises its era's compilers made.
 target_compile_options(infozip PRIVATE -w -fwrapv -fno-strict-aliasing)

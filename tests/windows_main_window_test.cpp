@@ -313,8 +313,8 @@ TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
 
 TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
   const ui::win32::Pixels source{
-      4, 2, {0x000000, 0x0000FF, 0x204060, 0x204060, 0x0000FF, 0x0000FE, 0x204060, 0x204060}};
-  EXPECT_EQ(ui::win32::Resampled(source, 2, 1).data, (std::vector<std::uint32_t>{0x0000BF, 0x204060}));
+      4, 2, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060}};
+  EXPECT_EQ(ui::win32::Resampled(source, 2, 1).data, (std::vector<std::uint32_t>{0x000040, 0x204060}));
   const ui::win32::Pixels larger = ui::win32::Resampled({2, 1, {0x000000, 0x640000}}, 4, 1);
   EXPECT_EQ(larger.data, (std::vector<std::uint32_t>{0x000000, 0x190000, 0x4B0000, 0x640000}));
 }

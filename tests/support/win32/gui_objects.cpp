@@ -2,8 +2,6 @@
 
 #include <windows.h>
 
-#include <winternl.h>
-
 #include <cstddef>
 
 namespace support {
@@ -23,7 +21,11 @@ constexpr std::size_t kTableInBlock = sizeof(void*) == 8 ? 0xF8 : 0x94;  // of t
 
 // Wine does not answer the system's own question for this number.
 unsigned CountInTable() {
-  const auto* block = reinterpret_cast<const std::byte*>(NtCurrentTeb()->ProcessEnvironmentBlock);
+  using Block = const std::byte*(NTAPI*)();
+  const auto currentBlock = reinterpret_cast<Block>(
+      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "RtlGetCurrentPeb")));
+  if (!currentBlock) return 0;
+  const std::byte* const block = currentBlock();
   const auto* table = *reinterpret_cast<const TableEntry* const*>(block + kTableInBlock);
   unsigned count = 0;
   for (std::size_t i = 0; table && i < kTableSize; ++i) count += table[i].type != 0;
