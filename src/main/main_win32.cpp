@@ -1,6 +1,6 @@
 #include <windows.h>
-
-#include <string>
+// after windows.h, which it builds on
+#include <shlwapi.h>
 
 #include "launcher.hpp"
 #include "platform/files.hpp"
@@ -11,21 +11,22 @@
 #include "ui/win32/win32_dialogs.hpp"
 #include "ui/win32/win32_screen.hpp"
 
-int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR commandLine, int) {
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   platform::HardenProcess();
   const auto clock = platform::MakeClock();
   platform::Win32EventLoop events(*clock);
-  ui::win32::Win32Screen screen;
   ui::win32::Win32Dialogs dialogs;
-  dialogs.SetScreen(&screen);
-  events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
   const auto processes = platform::MakeProcesses({});
   const auto shell = platform::MakeShell({});
   const auto settings = platform::MakeSettingsStore();
   const auto profiles = platform::MakeProfileFiles();
   const auto http = platform::MakeHttpClient();
+  ui::win32::Win32Screen screen;
+  events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
+  dialogs.SetScreen(&screen);
   const platform::Host host{*clock, events, dialogs, *processes, *shell, *settings, *profiles, *http};
-  Launcher launcher(host, screen, {platform::ExecutablePath(), platform::Narrow(commandLine)});
+  Launcher launcher(host, screen,
+                    {platform::ExecutablePath(), platform::Narrow(PathGetArgsW(GetCommandLineW()))});
   launcher.Main();
   return launcher.RunEvents();
 }
