@@ -102,8 +102,7 @@ void Launcher::CloseLauncher() {
   lifetime_.End(0);
 }
 
-int Launcher::Run() {
-  Main();
+int Launcher::RunEvents() {
   while (!lifetime_.Ending()) host_.events.WaitEvents(kIdleMs);
   return lifetime_.ExitStatus();
 }

@@ -40,8 +40,8 @@ class Launcher {
   // Start-up: from the folders to the running timers. Returns early when the program ends meanwhile.
   void Main();
 
-  // Main, then events until the program ends; the exit status.
-  int Run();
+  // Handles events until the program ends; the exit status.
+  int RunEvents();
 
   // Unloads every window; the program ends then.
   void CloseLauncher();

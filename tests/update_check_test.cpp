@@ -148,7 +148,9 @@ TEST(UpdateCheck, ABadPatchStageLeavesTheFolderAsItWas) {
     EXPECT_EQ(run.GameFiles(), before) << entry.what;
     EXPECT_TRUE(run.Counter("Extras").empty() || run.Counter("Extras") == "0\r\n") << entry.what;
     EXPECT_EQ(run.Shown(entry.shown), !entry.shown.empty()) << entry.what;
-    if (!entry.status.empty()) EXPECT_EQ(run.Status(), entry.status) << entry.what;
+    if (!entry.status.empty()) {
+      EXPECT_EQ(run.Status(), entry.status) << entry.what;
+    }
     EXPECT_FALSE(run.folder.Has("x")) << entry.what;
     EXPECT_FALSE(run.Launched().Life().Ending()) << entry.what;
 

@@ -29,7 +29,7 @@ PosixEventLoop::PosixEventLoop(Clock& clock) : timers_(clock), wake_(eventfd(0, 
   if (!wake_) RaiseErrno(errno);
 }
 
-void PosixEventLoop::ReadLines(int input, std::function<void(const std::string&)> onLine) {
+void PosixEventLoop::ReadLines(int input, std::function<bool(const std::string&)> onLine) {
   input_ = input;
   onLine_ = std::move(onLine);
 }
@@ -40,7 +40,7 @@ void PosixEventLoop::DoEvents() {
   for (std::size_t pending = lines_.size(); pending > 0 && !lines_.empty(); --pending) {
     const std::string line = std::move(lines_.front());
     lines_.pop_front();
-    onLine_(line);
+    if (!onLine_(line)) break;
   }
   timers_.FireDue();
 }
@@ -82,6 +82,11 @@ void PosixEventLoop::TakeLines() {
   if (unfinished_.size() < kLongestLine) return;
   lines_.push_back(std::move(unfinished_));
   unfinished_.clear();
+}
+
+void PosixEventLoop::GiveBack(std::deque<std::string> lines) {
+  lines_.insert(lines_.begin(), lines.begin(), lines.end());
+  Wake();
 }
 
 std::unique_ptr<EventLoop> MakeEventLoop(Clock& clock) { return std::make_unique<PosixEventLoop>(clock); }

@@ -21,8 +21,12 @@ class PosixEventLoop : public EventLoop {
 
   // From now on hands every line of `input` (a descriptor that stays the caller's; its line end cut off) to
   // `onLine`, one at a time, from DoEvents and WaitEvents. A line that comes while a handler runs is handed
-  // over by the events that the handler lets run. The end of input is no event.
-  void ReadLines(int input, std::function<void(const std::string&)> onLine);
+  // over by the events that the handler lets run. The handler returns whether it takes another line in the
+  // same round of events. The end of input is no event.
+  void ReadLines(int input, std::function<bool(const std::string&)> onLine);
+
+  // Hands these lines over again, before any other.
+  void GiveBack(std::deque<std::string> lines);
 
   // Whether there is no input, or it has ended and its last line was handed over.
   bool InputEnded() const { return input_ < 0 && lines_.empty(); }
@@ -34,7 +38,7 @@ class PosixEventLoop : public EventLoop {
   TimerQueue timers_;
   UniqueFd wake_;
   int input_ = -1;
-  std::function<void(const std::string&)> onLine_;
+  std::function<bool(const std::string&)> onLine_;
   std::string unfinished_;
   std::deque<std::string> lines_;
 };

@@ -25,7 +25,7 @@ unique_internet OpenSession() {
     WinHttpSetOption(session.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
   }
   constexpr DWORD kNotices = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
-                             WINHTTP_CALLBACK_FLAG_HANDLES;
+                             WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES;
   WinHttpSetStatusCallback(session.Get(), WinHttpExchange::OnStatus, kNotices, 0);
   return session;
 }

@@ -1,0 +1,55 @@
+#include "ui/terminal/player_line.hpp"
+
+#include <charconv>
+
+#include "util/text.hpp"
+
+namespace ui {
+namespace {
+
+std::optional<PlayerLine> ReadTrayMessage(std::string_view value) {
+  PlayerLine read{PlayerAct::Tray, {}, {}, {}, 0};
+  const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), read.number);
+  if (error != std::errc{} || end != value.data() + value.size()) return std::nullopt;
+  return read;
+}
+
+}  // namespace
+
+std::optional<PlayerLine> ReadPlayerLine(std::string_view line) {
+  PlayerLine read;
+  std::string_view target = line;
+  if (const std::size_t equals = line.find('='); equals != std::string_view::npos) {
+    target = util::Trim(line.substr(0, equals));
+    read.act = PlayerAct::Enter;
+    read.value = line.substr(equals + 1);
+    if (target == "tray") return ReadTrayMessage(util::Trim(read.value));
+  } else {
+    target = util::Trim(target);
+    if (target.ends_with('~')) {
+      read.act = PlayerAct::Point;
+      target.remove_suffix(1);
+    }
+  }
+  const std::size_t dot = target.find('.');
+  read.window = target.substr(0, dot);
+  if (dot != std::string_view::npos) read.control = target.substr(dot + 1);
+  if (read.window.empty()) return std::nullopt;
+  const bool bareWindow = dot == std::string_view::npos && read.act == PlayerAct::Point;
+  if (read.control.empty() && !bareWindow) return std::nullopt;
+  if (read.act == PlayerAct::Click && read.control == "Esc") read.act = PlayerAct::Escape;
+  if (read.act == PlayerAct::Click && read.control == "close") read.act = PlayerAct::Close;
+  return read;
+}
+
+std::optional<platform::DialogAnswer> ReadAnswer(std::string_view line, platform::DialogButtons buttons) {
+  line = util::Trim(line);
+  if (util::EqualIgnoringCase(line, "Yes")) return platform::DialogAnswer::Yes;
+  if (util::EqualIgnoringCase(line, "No")) return platform::DialogAnswer::No;
+  if (util::EqualIgnoringCase(line, "Cancel") && buttons == platform::DialogButtons::YesNoCancel) {
+    return platform::DialogAnswer::Cancel;
+  }
+  return std::nullopt;
+}
+
+}  // namespace ui

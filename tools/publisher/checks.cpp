@@ -1,0 +1,218 @@
+#include "publisher/checks.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "publisher/failure.hpp"
+#include "publisher/packed_file.hpp"
+#include "publisher/parallel.hpp"
+#include "publisher/source_files.hpp"
+#include "publisher/update_list.hpp"
+#include "update/counter_store.hpp"
+#include "update/index_file.hpp"
+#include "update/packed_file.hpp"
+#include "update/zip_archive.hpp"
+#include "util/numeric.hpp"
+#include "util/text.hpp"
+
+namespace publisher {
+namespace {
+
+constexpr std::uint64_t kLargestAnswer = 16u << 20;  // launchers take no more
+
+// A folder outside the publication for what has to be unpacked to be read.
+class ScratchFolder {
+ public:
+  ScratchFolder() : path_(std::filesystem::temp_directory_path() / "publisher-XXXXXX") {
+    if (mkdtemp(path_.data()) == nullptr) throw Failure(path_ + ": cannot be made");
+  }
+  ~ScratchFolder() {
+    std::error_code ignored;
+    std::filesystem::remove_all(path_, ignored);
+  }
+  ScratchFolder(const ScratchFolder&) = delete;
+  std::string operator/(const char* name) const { return path_ + "/" + name; }
+
+ private:
+  std::string path_;
+};
+
+std::uint64_t SizeOf(const std::string& path) {
+  const auto stamp = platform::StampOf(path);
+  return stamp ? stamp->size : 0;
+}
+
+// The tests of launchers, made on the body of an answer.
+bool GoodProbe(const std::string& body) {
+  const std::string upper = util::Upper(body);
+  return util::NumberText(util::Val(body)) == "1" && !util::Contains(upper, "DOCTYPE") &&
+         !util::Contains(upper, "ERROR");
+}
+
+bool GoodServers(const std::string& body) {
+  constexpr std::size_t kFields = 8;
+  const auto records = util::Split(body, '|');
+  return records.size() > 1 && util::Split(records[0], '@').size() >= kFields;
+}
+
+bool GoodNews(const std::string& body) {
+  constexpr std::size_t kFields = 4;
+  const auto pieces = util::Split(body, '@');
+  return pieces.size() > 1 && util::Split(pieces[0], '|').size() >= kFields;
+}
+
+bool GoodDateAndAddress(const std::string& body) {
+  const auto fields = util::Split(body, '-');
+  const bool date = fields[0] == "{date}" || util::Split(fields[0], '/').size() == 3;
+  return fields.size() > 1 && date && !util::Trim(fields[1]).empty();
+}
+
+struct AnswerRule {
+  std::string path;
+  bool (*good)(const std::string& body);
+  const char* wanted;
+};
+
+// The counts as launchers read them: every blank of the list is a line end to them.
+std::vector<int> ReadCounts(const Layout& layout) {
+  const std::string text = platform::ReadWhole(layout.UpdateList(), kLargestAnswer);
+  const ScratchFolder scratch;
+  const Layout asRead(scratch / "list");
+  platform::MakeFolders(asRead.Patches());
+  platform::WriteWhole(asRead.UpdateList(), util::Replaced(text, " ", "\r\n"));
+  std::vector<int> counts;
+  for (const char* category : update::kCategories) {
+    try {
+      counts.push_back(NewestPatch(asRead, category));
+    } catch (const Failure&) {
+      throw Failure(layout.UpdateList() + ": it gives no number of patches for " + category);
+    }
+  }
+  return counts;
+}
+
+void ProveArchive(const std::string& path) {
+  update::ZipArchive archive(path);
+  if (archive.Entries().empty()) throw Failure(path + ": it is empty");
+  for (const auto& entry : archive.Entries()) {
+    if (const std::string why = WhyUnpublishable(entry.name); !why.empty()) {
+      throw Failure(path + ": entry \"" + entry.name + "\": " + why);
+    }
+  }
+  archive.Prove();
+}
+
+void CheckRecord(const Layout& layout, const update::IndexRecord& record, Findings& findings,
+                 Progress& progress) {
+  if (!record.refusal.empty()) {
+    return findings.Problem(layout.Index() + ": launchers refuse \"" + record.path + "\": " + record.refusal);
+  }
+  if (!record.HasDigest()) return;
+  const std::string packed = layout.Packed(record.inBin);
+  if (!findings.Expect(packed)) return;
+  findings.Judge(packed, [&] {
+    if (ContentOfPacked(packed).digest != record.digest) throw Failure("it is not the file of the index");
+  });
+  progress.Add(SizeOf(packed));
+}
+
+}  // namespace
+
+bool Findings::Expect(const std::string& path) {
+  {
+    const std::lock_guard lock(mutex_);
+    expected_.insert(path);
+  }
+  if (platform::IsFile(path)) return true;
+  Problem(path + ": it is missing");
+  return false;
+}
+
+void Findings::Problem(const std::string& text) {
+  const std::lock_guard lock(mutex_);
+  problems_.insert(text);
+}
+
+void Findings::Warning(const std::string& text) {
+  const std::lock_guard lock(mutex_);
+  warnings_.insert(text);
+}
+
+void Findings::WarnOfStrayFiles() {
+  for (const platform::FoundFile& found : platform::ListTree(layout_.Root())) {
+    const std::string path = layout_.Root() + "/" + found.path;
+    if (!expected_.contains(path)) Warning(path + ": no launcher asks for it");
+  }
+}
+
+void CheckAnswers(const Layout& layout, Findings& findings) {
+  const AnswerRule rules[] = {
+      {layout.Online(), GoodProbe, "the number 1 and neither \"doctype\" nor \"error\""},
+      {layout.WebScript("info.php"), GoodServers, "records of eight fields (\"@\") with \"|\" between them"},
+      {layout.WebScript("noticiasbase.php"), GoodNews, "number|...|title|text@"},
+      {layout.WebScript("ipdate.php"), GoodDateAndAddress, "day/month/year-address"},
+  };
+  for (const AnswerRule& rule : rules) {
+    if (!findings.Expect(rule.path)) continue;
+    findings.Judge(rule.path, [&] {
+      if (!rule.good(platform::ReadWhole(rule.path, kLargestAnswer))) {
+        throw Failure(std::string("launchers want ") + rule.wanted);
+      }
+    });
+  }
+}
+
+void CheckPatches(const Layout& layout, Findings& findings, Console& console) {
+  std::vector<std::string> archives;
+  std::uint64_t total = 0;
+  if (!findings.Expect(layout.UpdateList())) return;
+  findings.Judge(layout.UpdateList(), [&] {
+    const std::vector<int> counts = ReadCounts(layout);
+    for (std::size_t i = 0; i < counts.size(); ++i) {
+      for (int n = 1; n <= counts[i]; ++n) {
+        archives.push_back(layout.Patch(update::kCategories[i], n));
+        total += SizeOf(archives.back());
+      }
+    }
+  });
+  Progress progress(console, "checking patches", total);
+  ForEachParallel(archives.size(), [&](std::size_t i) {
+    if (findings.Expect(archives[i])) findings.Judge(archives[i], [&] { ProveArchive(archives[i]); });
+    progress.Add(SizeOf(archives[i]));
+  });
+}
+
+void CheckIndex(const Layout& layout, Findings& findings, Console& console) {
+  if (!findings.Expect(layout.Index())) return;
+  const ScratchFolder scratch;
+  const std::string unpacked = scratch / "index";
+  update::IndexFile index;
+  findings.Judge(layout.Index(), [&] {
+    ContentOfPacked(layout.Index());
+    update::ExpandPackedFile(layout.Index(), unpacked, {});
+    index.Read(unpacked);
+  });
+  std::set<std::string> seen;
+  std::uint64_t total = 0;
+  for (const update::IndexRecord& record : index.Records()) {
+    if (!seen.insert(util::Upper(record.path)).second) {
+      findings.Problem(layout.Index() + ": it names \"" + record.path + "\" twice");
+    }
+    total += SizeOf(layout.Packed(record.inBin));
+  }
+  Progress progress(console, "checking Bin", total);
+  ForEachParallel(index.Records().size(),
+                  [&](std::size_t i) { CheckRecord(layout, index.Records()[i], findings, progress); });
+}
+
+void CheckClient(const Layout& layout, Findings& findings) {
+  if (!platform::IsFile(layout.Client())) {
+    return findings.Warning(layout.Client() + ": there is no full client (\"publisher client\" makes it)");
+  }
+  findings.Expect(layout.Client());
+  findings.Judge(layout.Client(), [&] { ProveArchive(layout.Client()); });
+}
+
+}  // namespace publisher

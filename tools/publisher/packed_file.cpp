@@ -1,0 +1,110 @@
+#include "publisher/packed_file.hpp"
+
+#include <algorithm>
+#include <vector>
+
+#include "platform/digest.hpp"
+#include "platform/files.hpp"
+#include "publisher/deflater.hpp"
+#include "publisher/failure.hpp"
+#include "publisher/little_endian.hpp"
+#include "update/inflater.hpp"
+#include "update/packed_file.hpp"
+
+namespace publisher {
+namespace {
+
+constexpr std::size_t kPiece = 128 * 1024;
+constexpr std::size_t kHeaderSize = 4;
+
+std::string Header(std::uint64_t size) {
+  std::string header;
+  AppendLittleEndian(header, size, kHeaderSize);
+  return header;
+}
+
+template <class Take>
+Content ReadThrough(const std::string& path, Progress& progress, Take take) {
+  return Naming(path, [&] {
+    platform::InputFile file(path);
+    platform::Digest digest(platform::DigestKind::Md5);
+    std::vector<std::byte> piece(kPiece);
+    Content content;
+    while (const std::size_t count = file.Read(piece)) {
+      const auto bytes = std::span(piece).first(count);
+      digest.Update(bytes);
+      take(bytes);
+      content.size += count;
+      progress.Add(count);
+    }
+    content.digest = digest.Hex();
+    return content;
+  });
+}
+
+}  // namespace
+
+Content ContentOf(const std::string& path, Progress& progress) {
+  return ReadThrough(path, progress, [](std::span<const std::byte>) {});
+}
+
+Content PackFile(const std::string& source, const std::string& target, Progress& progress) {
+  const std::uint64_t size = Naming(source, [&] { return platform::InputFile(source).Size(); });
+  if (size == 0) throw Failure(source + ": an empty file cannot be packed");
+  if (size > kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
+  platform::OutputFile file = Naming(target, [&] { return platform::OutputFile(target); });
+  const auto write = [&](std::span<const std::byte> bytes) { Naming(target, [&] { file.Write(bytes); }); };
+  Naming(target, [&] { file.Write(Header(size)); });
+  Deflater deflater(Deflater::Format::Zlib);
+  const Content content =
+      ReadThrough(source, progress, [&](std::span<const std::byte> bytes) { deflater.Feed(bytes, write); });
+  deflater.Finish(write);
+  if (content.size != size) throw Failure(source + ": it changed while it was being packed");
+  Naming(target, [&] { file.Commit(); });
+  return content;
+}
+
+void PackText(std::string_view bytes, const std::string& target) {
+  std::string packed = Header(bytes.size());
+  const auto append = [&](std::span<const std::byte> piece) {
+    packed.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+  };
+  Deflater deflater(Deflater::Format::Zlib);
+  deflater.Feed(std::as_bytes(std::span(bytes)), append);
+  deflater.Finish(append);
+  Naming(target, [&] { platform::WriteWhole(target, packed); });
+}
+
+Content ContentOfPacked(const std::string& path) {
+  return Naming(path, [&] {
+    const std::int32_t claimed = update::ClaimedSize(path);
+    if (claimed < 1) throw Failure(path + ": its size field is below 1");
+    platform::InputFile file(path);
+    file.Seek(kHeaderSize);
+    std::vector<std::byte> input(kPiece), output(kPiece);
+    platform::Digest digest(platform::DigestKind::Md5);
+    update::Inflater inflater(update::Inflater::Format::Zlib);
+    Content content;
+    auto status = update::Inflater::Status::More;
+    for (std::size_t produced = 0; status == update::Inflater::Status::More;) {
+      if (inflater.NeedsInput() && produced < output.size()) {
+        const std::size_t count = file.Read(input);
+        if (count == 0) throw Failure(path + ": it is cut short");
+        inflater.Feed(std::span(input).first(count));
+      }
+      status = inflater.Expand(output, produced);
+      digest.Update(std::span(output).first(produced));
+      content.size += produced;
+    }
+    if (status == update::Inflater::Status::Corrupt) throw Failure(path + ": it is damaged");
+    if (!inflater.NeedsInput() || file.Read(input) != 0) throw Failure(path + ": it goes on after its end");
+    if (content.size != static_cast<std::uint64_t>(claimed)) {
+      throw Failure(path + ": its size field says " + std::to_string(claimed) + " bytes, but it holds " +
+                    std::to_string(content.size));
+    }
+    content.digest = digest.Hex();
+    return content;
+  });
+}
+
+}  // namespace publisher
