@@ -10,7 +10,6 @@ target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB CURL::libcurl OpenSSL::Cry
 add_executable(launcher ${CMAKE_SOURCE_DIR}/src/main/main_posix.cpp)
 target_link_libraries(launcher PRIVATE launcher_core)
 
-if(EXISTS ${CMAKE_SOURCE_DIR}/tools/publisher/main.cpp)
 file(GLOB publisher_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/publisher/*.cpp)
 list(FILTER publisher_sources EXCLUDE REGEX "/main\\.cpp$")
 add_library(publisher_core STATIC ${publisher_sources})
@@ -18,4 +17,3 @@ target_include_directories(publisher_core PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(publisher_core PUBLIC launcher_core PRIVATE PkgConfig::HTTPLIB)
 add_executable(publisher ${CMAKE_SOURCE_DIR}/tools/publisher/main.cpp)
 target_link_libraries(publisher PRIVATE publisher_core)
-endif()
