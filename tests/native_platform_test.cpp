@@ -112,6 +112,15 @@ TEST(NativeShell, OpensWebPagesOnly) {
   EXPECT_EQ(told, std::vector<std::string>{"Open https://127.0.0.1:8251/chat"});
 }
 
+TEST(NativeSettings, AreAPlainFileOfTheUser) {
+  const TempFolder folder;
+  const std::string before = std::getenv("XDG_CONFIG_HOME");
+  setenv("XDG_CONFIG_HOME", (folder / "new/config").c_str(), 1);
+  MakeSettingsStore()->Set("KVN_UPDATER", "CONFIG", "SHOW", "1");
+  setenv("XDG_CONFIG_HOME", before.c_str(), 1);
+  EXPECT_EQ(folder.Get("new/config/KVN_UPDATER.ini"), "[CONFIG]\r\nSHOW=1\r\n");
+}
+
 TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

@@ -42,6 +42,7 @@ class NativeTerminal : public testing::Test {
     screen.emplace(events, input_.Get(), out, errors);
     screen->Attach(window);
     window.Visible = true;
+    screen->StartUpDone();
     Printed();
   }
   ~NativeTerminal() override { screen->Detach(window); }
@@ -96,6 +97,20 @@ TEST_F(NativeTerminal, EveryChangeIsOneLine) {
             "frmMain.tmr.Enabled: True\n"
             "frmMain.Caption: ¡Cambios!\n"
             "frmMain.WindowState: 1\n");
+}
+
+TEST_F(NativeTerminal, WhatIsEnteredDuringStartUpWaitsForItsEnd) {
+  std::string log;
+  window.image.Click += [&log] { log += "click "; };
+  window.KeyDown += [&log](int) { log += "key "; };
+  screen.emplace(events, input_.Get(), out, errors);
+  screen->Attach(window);
+  Type("frmMain.cmdIniciar\nfrmMain.Esc\nfrmMain.cmdIniciar");
+  EXPECT_EQ(log, "key ");
+  screen->StartUpDone();
+  events.DoEvents();
+  EXPECT_EQ(log, "key click click ");
+  EXPECT_EQ(Complaints(), "");
 }
 
 TEST_F(NativeTerminal, ALineActsAsThePlayer) {

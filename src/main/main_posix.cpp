@@ -12,10 +12,13 @@ namespace {
 
 constexpr const char* kUsage =
     "Usage: launcher [/UPDATES]\n"
-    "Installs, updates and starts the game of the folder that holds this program. /UPDATES applies the missing\n"
+    "Installs, updates and starts the game of the folder that holds this program. /UPDATES applies the "
+    "missing\n"
     "patches and ends: status 0 when all are applied, 1 when not.\n"
-    "Standard input acts as the player, a line each: frmMain.cmdIniciar clicks a control, frmOpciones.cmbFPS=500\n"
-    "enters a value, frmMain.Esc presses a key, frmMain.cmdReportar~ points at a control, frmMain.close closes.\n";
+    "Standard input acts as the player, a line each: frmMain.cmdIniciar clicks a control, "
+    "frmOpciones.cmbFPS=500\n"
+    "enters a value, frmMain.Esc presses a key, frmMain.cmdReportar~ points at a control, frmMain.close "
+    "closes.\n";
 
 std::string Joined(int argc, char** argv) {
   std::string line;

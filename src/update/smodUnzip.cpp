@@ -1,5 +1,6 @@
 #include "update/smodUnzip.hpp"
 
+#include <random>
 #include <vector>
 
 #include "platform/files.hpp"
@@ -16,8 +17,18 @@ namespace {
   throw util::RuntimeError(util::ErrorNumber::InvalidFileFormat, why);
 }
 
+// A folder of its own for each archive: an unpacker that outlived a killed launcher may still write into an
+// old one.
+std::string FreshStaging(const std::string& root) {
+  try {
+    platform::RemoveTree(root);
+  } catch (const util::RuntimeError&) {  // what is left of it goes the next time
+  }
+  std::random_device random;
+  return root + platform::kSeparator + std::to_string(random());
+}
+
 void ExtractTo(const std::string& archive, const std::string& staging) {
-  platform::RemoveTree(staging);
   platform::MakeFolders(staging);
   const int code = platform::UnzipArchive(archive, staging);
   if (code == platform::kUnzipProgramMissing)
@@ -54,13 +65,14 @@ void MoveInto(const std::vector<platform::FoundFile>& files, const std::string& 
   }
 }
 
-void Install(const std::string& archive, const std::string& staging, const std::string& directory,
+void Install(const std::string& archive, const std::string& root, const std::string& directory,
              std::stop_token stop) {
   ZipArchive zip(archive);
   zip.Prove(stop);
   if (stop.stop_requested()) return;
   std::size_t expected = 0;
   for (const ZipArchive::Entry& entry : zip.Entries()) expected += entry.folder ? 0 : 1;
+  const std::string staging = FreshStaging(root);
   ExtractTo(archive, staging);
   const std::vector<platform::FoundFile> files = platform::ListTree(staging);
   if (files.size() != expected) Refuse("The archive holds the same name twice");
@@ -70,16 +82,16 @@ void Install(const std::string& archive, const std::string& staging, const std::
   for (const ZipArchive::Entry& entry : zip.Entries()) {
     if (entry.folder) platform::MakeFolders(directory + platform::NativePath(entry.name));
   }
-  platform::RemoveTree(staging);
+  platform::RemoveTree(root);
 }
 
 }  // namespace
 
 bool smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
-  const std::string staging = folders_.Scratch("Unzip");
+  const std::string root = folders_.Scratch("Unzip");
   try {
     web::RunBlocking(host_.events, lifetime_,
-                     [&](std::stop_token stop) { Install(archive, staging, directory, stop); });
+                     [&](std::stop_token stop) { Install(archive, root, directory, stop); });
     return !lifetime_.Ending();
   } catch (const util::RuntimeError& error) {
     if (error.Is(util::ErrorNumber::InterfaceNotSupported)) throw;

@@ -100,10 +100,16 @@ void HostSelection::ComenzarActualizacion() {
     }
     if (lifetime_.Ending()) return;
     hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
-    host_.settings.Set(keys::kApplication, keys::kLastUrl, keys::kUrl, hosts_.CurrentUpdateURL);
-    host_.settings.Set(keys::kApplication, keys::kUrlWeb, keys::kUrl, hosts_.WebBaseURL);
+    Persist(keys::kLastUrl, hosts_.CurrentUpdateURL);
+    Persist(keys::kUrlWeb, hosts_.WebBaseURL);
   };
   startup::Guarded(recorder_, body, WordsOf("ComenzarActualizacion"));
+}
+
+// The news timer comes by every two seconds; the disk is spared what it holds already.
+void HostSelection::Persist(const char* section, const std::string& url) {
+  if (host_.settings.Get(keys::kApplication, section, keys::kUrl) == url) return;
+  host_.settings.Set(keys::kApplication, section, keys::kUrl, url);
 }
 
 // The news timer confirms the mirror every two seconds; a mirror that marks its answer as fresh is spared

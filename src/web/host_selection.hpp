@@ -51,6 +51,7 @@ class HostSelection {
  private:
   bool Passable(const std::string& baseURL) const;
   std::string NextMirror();
+  void Persist(const char* section, const std::string& url);
   std::string AddressQueryUrl() const;
   bool TakeAddress(const std::string& body);
 

@@ -37,7 +37,8 @@ void LauncherRun::Start(const std::string& commandLine) {
   launcher_ = std::make_unique<Launcher>(machine.host, screen,
                                          ::Start{folder / (game + "/launcher.exe"), commandLine});
   launcher_->Main();
-  if (!Launched().Life().Ending()) machine.dialogs.shown.clear();  // the game has no pictures, which was reported
+  if (!Launched().Life().Ending())
+    machine.dialogs.shown.clear();  // the game has no pictures, which was reported
 }
 
 void LauncherRun::Until(const std::function<bool()>& condition, const char* what) {

@@ -84,6 +84,11 @@ void PosixEventLoop::TakeLines() {
   unfinished_.clear();
 }
 
+void PosixEventLoop::GiveBack(std::deque<std::string> lines) {
+  lines_.insert(lines_.begin(), lines.begin(), lines.end());
+  Wake();
+}
+
 std::unique_ptr<EventLoop> MakeEventLoop(Clock& clock) { return std::make_unique<PosixEventLoop>(clock); }
 
 }  // namespace platform

@@ -25,6 +25,9 @@ class PosixEventLoop : public EventLoop {
   // same round of events. The end of input is no event.
   void ReadLines(int input, std::function<bool(const std::string&)> onLine);
 
+  // Hands these lines over again, before any other.
+  void GiveBack(std::deque<std::string> lines);
+
   // Whether there is no input, or it has ended and its last line was handed over.
   bool InputEnded() const { return input_ < 0 && lines_.empty(); }
 

@@ -59,8 +59,9 @@ class PosixSettingsStore : public SettingsStore {
     const UniqueFd folder(open(FolderOf(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder) flock(folder.Get(), LOCK_EX);
     std::string text = IsFile(file) ? ReadWhole(file, kLargestFile) : std::string{};
-    // Quoted, so that blanks and quotes of its own survive the reading.
-    SetIniValue(text, section, key, "\"" + value + "\"");
+    SetIniValue(text, section, key, value);
+    // Quotes keep those blanks and quotes that are the value's own.
+    if (IniValue(text, section, key) != value) SetIniValue(text, section, key, "\"" + value + "\"");
     WriteWhole(file, text);
   }
 };

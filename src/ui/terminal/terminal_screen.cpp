@@ -1,6 +1,7 @@
 #include "ui/terminal/terminal_screen.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/files.hpp"
 #include "ui/terminal/player.hpp"
@@ -129,7 +130,11 @@ bool TerminalScreen::OnLine(const std::string& line) {
   if (answering) {
     complaint = Answer(line);
   } else if (const auto read = ReadPlayerLine(line)) {
-    complaint = Obey(*read);
+    if (MustWait(*read)) {
+      kept_.push_back(line);
+    } else {
+      complaint = Obey(*read);
+    }
   } else if (!util::Trim(line).empty()) {
     complaint = "not understood";
   }
@@ -144,6 +149,18 @@ std::string TerminalScreen::Answer(const std::string& line) {
   if (question.answer) return {};
   const bool three = question.buttons == platform::DialogButtons::YesNoCancel;
   return three ? "answer Yes, No or Cancel" : "answer Yes or No";
+}
+
+bool TerminalScreen::MustWait(const PlayerLine& line) const {
+  if (startUpDone_) return false;
+  const bool closes = line.act == PlayerAct::Close || line.act == PlayerAct::Escape;
+  const controls::Window* window = FindWindow(line.window);
+  return !(closes && window && window->Visible);
+}
+
+void TerminalScreen::StartUpDone() {
+  startUpDone_ = true;
+  events_.GiveBack(std::exchange(kept_, {}));
 }
 
 std::string TerminalScreen::Obey(const PlayerLine& line) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -27,6 +28,10 @@ class TerminalScreen : public Screen, public controls::Face, public platform::Di
  public:
   // The descriptor `input` and the streams stay the caller's; -1: no input.
   TerminalScreen(platform::PosixEventLoop& events, int input, std::ostream& out, std::ostream& errors);
+
+  // Until start-up is done its buttons are not there yet: what the player enters meanwhile is kept, in order,
+  // for afterwards. Only closing the window and answering a question are obeyed at once.
+  void StartUpDone();
 
   // Prints a line of the program's own, such as "Run ..." or "Open ...".
   void Tell(const std::string& line);
@@ -64,6 +69,7 @@ class TerminalScreen : public Screen, public controls::Face, public platform::Di
 
   bool OnLine(const std::string& line);
   std::string Answer(const std::string& line);
+  bool MustWait(const PlayerLine& line) const;
   std::string Obey(const PlayerLine& line);
   std::string ObeyWindow(const PlayerLine& line, controls::Window& window);
   std::string ChooseEntry(const std::string& name);
@@ -73,6 +79,8 @@ class TerminalScreen : public Screen, public controls::Face, public platform::Di
   std::ostream& out_;
   std::ostream& errors_;
   std::map<const controls::Window*, Placed> windows_;
+  bool startUpDone_ = false;
+  std::deque<std::string> kept_;
   std::vector<Question*> questions_;  // the innermost last
   controls::Menu* menu_ = nullptr;    // the open one
   bool trayIcon_ = false;

@@ -1,0 +1,79 @@
+#include <windows.h>
+// after windows.h, which it builds on
+#include <bcrypt.h>
+
+#include <algorithm>
+#include <array>
+#include <limits>
+
+#include "platform/digest.hpp"
+#include "platform/win32/handles.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+struct AlgorithmTraits {
+  using Type = BCRYPT_ALG_HANDLE;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type handle) { BCryptCloseAlgorithmProvider(handle, 0); }
+};
+struct HashTraits {
+  using Type = BCRYPT_HASH_HANDLE;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type handle) { BCryptDestroyHash(handle); }
+};
+
+struct KindEntry {
+  const wchar_t* algorithm;
+  std::size_t length;  // bytes
+};
+constexpr KindEntry kKinds[] = {{BCRYPT_MD5_ALGORITHM, 16}, {BCRYPT_SHA1_ALGORITHM, 20}};
+constexpr std::size_t kLongestDigest = 20;
+
+void Require(NTSTATUS status) {
+  if (!BCRYPT_SUCCESS(status)) throw util::RuntimeError(util::ErrorNumber::DeviceIoError);
+}
+
+}  // namespace
+
+struct Digest::State {
+  UniqueHandle<AlgorithmTraits> algorithm;
+  UniqueHandle<HashTraits> hash;  // destroyed before its algorithm
+  std::size_t length = 0;
+};
+
+Digest::Digest(DigestKind kind) : state_(std::make_unique<State>()) {
+  const KindEntry& entry = kKinds[static_cast<int>(kind)];
+  state_->length = entry.length;
+  Require(BCryptOpenAlgorithmProvider(state_->algorithm.Receive(), entry.algorithm, nullptr, 0));
+  Require(BCryptCreateHash(state_->algorithm.Get(), state_->hash.Receive(), nullptr, 0, nullptr, 0, 0));
+}
+
+Digest::~Digest() = default;
+Digest::Digest(Digest&&) noexcept = default;
+
+void Digest::Update(std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const auto piece =
+        static_cast<ULONG>(std::min<std::size_t>(bytes.size(), std::numeric_limits<ULONG>::max()));
+    // The call takes a pointer to plain bytes but only reads them.
+    auto* data = reinterpret_cast<UCHAR*>(const_cast<std::byte*>(bytes.data()));
+    Require(BCryptHashData(state_->hash.Get(), data, piece, 0));
+    bytes = bytes.subspan(piece);
+  }
+}
+
+std::string Digest::Hex() {
+  static constexpr char kDigits[] = "0123456789abcdef";
+  std::array<UCHAR, kLongestDigest> digest;
+  Require(BCryptFinishHash(state_->hash.Get(), digest.data(), static_cast<ULONG>(state_->length), 0));
+  std::string text;
+  for (std::size_t i = 0; i < state_->length; ++i) {
+    text += kDigits[digest[i] >> 4];
+    text += kDigits[digest[i] & 15];
+  }
+  return text;
+}
+
+}  // namespace platform

@@ -1,0 +1,190 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <atomic>
+
+#include "platform/files.hpp"
+#include "platform/win32/handles.hpp"
+#include "platform/win32/system_error.hpp"
+#include "platform/win32/wide.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::size_t kMostPerCall = 16 * 1024 * 1024;
+
+unique_file Open(const std::string& path, DWORD access, DWORD disposition, DWORD flags = 0) {
+  unique_file file(
+      CreateFileW(SystemPath(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
+  if (!file) RaiseSystemError(GetLastError(), path);
+  return file;
+}
+
+void WriteAll(const unique_file& file, std::span<const std::byte> bytes) {
+  while (!bytes.empty()) {
+    const auto piece = static_cast<DWORD>(std::min(bytes.size(), kMostPerCall));
+    DWORD written = 0;
+    if (!WriteFile(file.Get(), bytes.data(), piece, &written, nullptr)) RaiseSystemError(GetLastError());
+    bytes = bytes.subspan(written);
+  }
+}
+
+void Flush(const unique_file& file) {
+  if (!FlushFileBuffers(file.Get())) RaiseSystemError(GetLastError());
+}
+
+// While marked, the file goes when its last handle is closed, so that a killed process leaves nothing. Not
+// every file system can do that, and nothing depends on it.
+void MarkForRemoval(const unique_file& file, bool remove) {
+  FILE_DISPOSITION_INFO disposition{};
+  disposition.DeleteFile = remove;
+  SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
+}
+
+std::string NeighbourOf(const std::string& path) {
+  static std::atomic<unsigned> count{0};
+  return path + "." + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count) + ".tmp";
+}
+
+}  // namespace
+
+struct InputFile::Handle {
+  unique_file file;
+};
+
+InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>()) {
+  handle_->file = Open(path, GENERIC_READ, OPEN_EXISTING, FILE_FLAG_SEQUENTIAL_SCAN);
+}
+
+InputFile::~InputFile() = default;
+InputFile::InputFile(InputFile&&) noexcept = default;
+
+std::uint64_t InputFile::Size() const {
+  LARGE_INTEGER size;
+  if (!GetFileSizeEx(handle_->file.Get(), &size)) RaiseSystemError(GetLastError());
+  return static_cast<std::uint64_t>(size.QuadPart);
+}
+
+std::size_t InputFile::Read(std::span<std::byte> into) {
+  const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
+  DWORD count = 0;
+  if (!ReadFile(handle_->file.Get(), into.data(), piece, &count, nullptr)) RaiseSystemError(GetLastError());
+  return count;
+}
+
+void InputFile::Seek(std::uint64_t offset) {
+  LARGE_INTEGER position;
+  position.QuadPart = static_cast<LONGLONG>(offset);
+  if (!SetFilePointerEx(handle_->file.Get(), position, nullptr, FILE_BEGIN)) RaiseSystemError(GetLastError());
+}
+
+struct OutputFile::Handle {
+  std::string path;
+  std::string neighbour;
+  Existing existing;
+  unique_file file;
+  bool committed = false;
+
+  Handle(const std::string& name, Existing whenTaken)
+      : path(name),
+        neighbour(NeighbourOf(name)),
+        existing(whenTaken),
+        file(Open(neighbour, GENERIC_WRITE | DELETE, CREATE_NEW)) {
+    MarkForRemoval(file, true);
+  }
+  ~Handle() {
+    file.Reset();
+    if (!committed) DeleteFileW(SystemPath(neighbour).c_str());
+  }
+};
+
+OutputFile::OutputFile(const std::string& path, Existing existing)
+    : handle_(std::make_unique<Handle>(path, existing)) {}
+
+OutputFile::~OutputFile() = default;
+OutputFile::OutputFile(OutputFile&&) noexcept = default;
+
+void OutputFile::Write(std::span<const std::byte> bytes) { WriteAll(handle_->file, bytes); }
+void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(text))); }
+
+void OutputFile::Commit() {
+  Handle& output = *handle_;
+  Flush(output.file);
+  MarkForRemoval(output.file, false);
+  output.file.Reset();
+  if (output.existing == Existing::Replace) {
+    ReplaceFileWith(output.neighbour, output.path);
+  } else {
+    const std::wstring from = SystemPath(output.neighbour), to = SystemPath(output.path);
+    const DWORD code =
+        WithPatience([&] { return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_WRITE_THROUGH) != 0; });
+    if (code != ERROR_SUCCESS) RaiseSystemError(code);
+  }
+  output.committed = true;
+}
+
+void FlushFile(const std::string& path) {
+  const std::wstring name = SystemPath(path);
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  const bool readOnly = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
+  // Only a handle that may write can be flushed; the attribute is asked for when the handle is made.
+  if (readOnly) SetFileAttributesW(name.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  const unique_file file(
+      CreateFileW(name.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
+  const DWORD code = file ? DWORD{ERROR_SUCCESS} : GetLastError();
+  if (readOnly) SetFileAttributesW(name.c_str(), attributes);
+  if (!file) RaiseSystemError(code, path);
+  Flush(file);
+}
+
+void CloneFile(const std::string& from, const std::string& to) {
+  InputFile source(from);
+  OutputFile target(to);
+  std::vector<std::byte> piece(kPiece);
+  while (const std::size_t count = source.Read(piece)) target.Write(std::span(piece).first(count));
+  target.Commit();
+}
+
+void ShareFile(const std::string& from, const std::string& to) {
+  const std::string neighbour = NeighbourOf(to);
+  if (!CreateHardLinkW(SystemPath(neighbour).c_str(), SystemPath(from).c_str(), nullptr)) {
+    return CloneFile(from, to);
+  }
+  try {
+    ReplaceFileWith(neighbour, to);
+  } catch (const util::RuntimeError&) {
+    TryRemoveFile(neighbour);
+    throw;
+  }
+  TryRemoveFile(neighbour);  // still there when both names were the same file already
+}
+
+std::string ReadWhole(const std::string& path, std::uint64_t limit) {
+  InputFile file(path);
+  const std::uint64_t size = file.Size();
+  if (size > limit) throw util::RuntimeError(util::ErrorNumber::OutOfMemory);
+  std::string bytes(static_cast<std::size_t>(size), '\0');
+  std::size_t filled = 0;
+  while (filled < bytes.size()) {
+    const std::size_t count = file.Read(std::as_writable_bytes(std::span(bytes)).subspan(filled));
+    if (count == 0) break;
+    filled += count;
+  }
+  bytes.resize(filled);
+  return bytes;
+}
+
+void WriteWhole(const std::string& path, std::string_view bytes) {
+  OutputFile file(path);
+  file.Write(bytes);
+  file.Commit();
+}
+
+void AppendTo(const std::string& path, std::string_view bytes) {
+  WriteAll(Open(path, FILE_APPEND_DATA, OPEN_ALWAYS), std::as_bytes(std::span(bytes)));
+}
+
+}  // namespace platform

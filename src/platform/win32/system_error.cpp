@@ -1,0 +1,63 @@
+#include "platform/win32/system_error.hpp"
+
+#include "platform/files.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+using util::ErrorNumber;
+
+// winerror.h of some toolchains lacks these names.
+constexpr DWORD kVirusInfected = 225;
+constexpr DWORD kDiskQuotaExceeded = 1295;
+
+struct Translation {
+  DWORD code;
+  ErrorNumber number;
+};
+
+constexpr Translation kTranslations[] = {
+    {ERROR_FILE_NOT_FOUND, ErrorNumber::FileNotFound},
+    {ERROR_PATH_NOT_FOUND, ErrorNumber::PathNotFound},
+    {ERROR_INVALID_DRIVE, ErrorNumber::PathNotFound},
+    {ERROR_DIRECTORY, ErrorNumber::PathNotFound},
+    {ERROR_BAD_NETPATH, ErrorNumber::PathNotFound},
+    {ERROR_BAD_NET_NAME, ErrorNumber::PathNotFound},
+    {ERROR_ACCESS_DENIED, ErrorNumber::PermissionDenied},
+    {ERROR_SHARING_VIOLATION, ErrorNumber::PermissionDenied},
+    {ERROR_LOCK_VIOLATION, ErrorNumber::PermissionDenied},
+    {ERROR_USER_MAPPED_FILE, ErrorNumber::PermissionDenied},
+    {ERROR_DELETE_PENDING, ErrorNumber::PermissionDenied},
+    {ERROR_WRITE_PROTECT, ErrorNumber::PermissionDenied},
+    {kVirusInfected, ErrorNumber::PermissionDenied},
+    {ERROR_FILE_EXISTS, ErrorNumber::FileAlreadyExists},
+    {ERROR_ALREADY_EXISTS, ErrorNumber::FileAlreadyExists},
+    {ERROR_DIR_NOT_EMPTY, ErrorNumber::PathFileAccessError},
+    {ERROR_INVALID_NAME, ErrorNumber::PathFileAccessError},
+    {ERROR_BAD_PATHNAME, ErrorNumber::PathFileAccessError},
+    {ERROR_FILENAME_EXCED_RANGE, ErrorNumber::PathFileAccessError},
+    {ERROR_CANT_RESOLVE_FILENAME, ErrorNumber::PathFileAccessError},
+    {ERROR_NOT_SAME_DEVICE, ErrorNumber::PathFileAccessError},
+    {ERROR_DISK_FULL, ErrorNumber::DiskFull},
+    {ERROR_HANDLE_DISK_FULL, ErrorNumber::DiskFull},
+    {kDiskQuotaExceeded, ErrorNumber::DiskFull},
+    {ERROR_FILE_TOO_LARGE, ErrorNumber::DiskFull},
+    {ERROR_NOT_READY, ErrorNumber::DiskNotReady},
+    {ERROR_NOT_ENOUGH_MEMORY, ErrorNumber::OutOfMemory},
+    {ERROR_OUTOFMEMORY, ErrorNumber::OutOfMemory},
+};
+
+}  // namespace
+
+void RaiseSystemError(DWORD code, const std::string& path) {
+  if (code == ERROR_ACCESS_DENIED && !path.empty() && IsFolder(path)) {
+    throw util::RuntimeError(ErrorNumber::PathFileAccessError);
+  }
+  for (const Translation& entry : kTranslations) {
+    if (entry.code == code) throw util::RuntimeError(entry.number);
+  }
+  throw util::RuntimeError(ErrorNumber::DeviceIoError);
+}
+
+}  // namespace platform

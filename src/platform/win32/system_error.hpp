@@ -1,0 +1,28 @@
+#pragma once
+
+#include <windows.h>
+
+#include <string>
+
+namespace platform {
+
+// Raises the classic number that belongs to a system error code. `path` (empty: none) tells a folder in the
+// place of a file from a file that may not be touched.
+[[noreturn]] void RaiseSystemError(DWORD code, const std::string& path = {});
+
+// Repeats `attempt` for about half a second while another program, such as a virus scanner, holds the file it
+// is about; returns ERROR_SUCCESS or the last error. attempt() is true when it succeeded.
+template <class Attempt>
+DWORD WithPatience(Attempt&& attempt) {
+  for (DWORD pause = 8;; pause *= 2) {
+    if (attempt()) return ERROR_SUCCESS;
+    const DWORD code = GetLastError();
+    const bool mayPass = code == ERROR_SHARING_VIOLATION || code == ERROR_ACCESS_DENIED ||
+                         code == ERROR_LOCK_VIOLATION || code == ERROR_USER_MAPPED_FILE ||
+                         code == ERROR_DELETE_PENDING || code == ERROR_DIR_NOT_EMPTY;
+    if (!mayPass || pause > 256) return code;
+    Sleep(pause);
+  }
+}
+
+}  // namespace platform

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+#include <string>
+
+#include "platform/http_client.hpp"
+#include "platform/win32/handles.hpp"
+
+namespace platform {
+
+struct Mailbox;
+
+// When an answer has become too slow: fewer than one byte a second over the limit.
+class SpeedWatch {
+ public:
+  explicit SpeedWatch(std::uint32_t limitMs)
+      : limitMs_(limitMs), enough_(limitMs < 1000 ? 1 : limitMs / 1000), start_(GetTickCount64()) {}
+  void Restart() {
+    start_ = GetTickCount64();
+    bytes_ = 0;
+  }
+  void Count(std::uint64_t bytes) {
+    bytes_ += bytes;
+    if (bytes_ >= enough_) Restart();
+  }
+  std::uint64_t Deadline() const { return start_ + limitMs_; }
+
+ private:
+  std::uint32_t limitMs_;
+  std::uint64_t enough_;  // bytes that buy another full limit
+  std::uint64_t start_;
+  std::uint64_t bytes_ = 0;
+};
+
+// The limits of one HttpRequest over all its hops, and the thread's one place to sleep in.
+class TransferLimits {
+ public:
+  TransferLimits(const HttpRequest& request, std::stop_token stop);
+
+  void BeginHop();   // connecting starts
+  void Connected();  // the request is on its way
+  bool IsConnected() const { return connected_; }
+  void Count(std::uint64_t bytes) { speed_.Count(bytes); }
+
+  // Sleeps until `event` is set; None then, else the limit that was reached.
+  HttpError Sleep(const unique_event& event);
+
+ private:
+  void Wake() { SetEvent(stopped_.Get()); }
+
+  const HttpRequest& request_;
+  unique_event stopped_;
+  SpeedWatch speed_;
+  std::uint64_t wholeDeadline_;
+  std::uint64_t connectDeadline_ = 0;
+  bool connected_ = false;
+  std::stop_token stop_;
+  std::stop_callback<std::function<void()>> onStop_;  // last: the event outlives it
+};
+
+// One request over one hop, run by WinHTTP's threads, waited for by the caller's.
+class WinHttpExchange {
+ public:
+  WinHttpExchange(HINTERNET session, const HttpRequest& request, TransferLimits& limits);
+  ~WinHttpExchange();
+  WinHttpExchange(const WinHttpExchange&) = delete;
+
+  HttpError Send(const std::string& url);
+  const HttpHead& Head() const { return head_; }
+  HttpError ReadBody(HttpSink& sink);
+
+  static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void* information,
+                                DWORD size);
+
+ private:
+  bool Open(const std::string& url);
+  void SetOptions();
+  HttpError AddHeaders();
+  HttpError Finish(BOOL started, DWORD& value);
+  HttpError ErrorOf(DWORD code) const;
+  void TakeHead();
+  bool IsChunked() const { return !head_.Header("transfer-encoding").empty(); }
+
+  HINTERNET session_;
+  const HttpRequest& request_;
+  TransferLimits& limits_;
+  std::shared_ptr<Mailbox> mailbox_;
+  unique_internet server_;
+  unique_internet exchange_;  // closed before the server it talks to
+  HttpHead head_;
+  bool headDone_ = false;
+};
+
+}  // namespace platform

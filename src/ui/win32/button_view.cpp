@@ -1,0 +1,144 @@
+#include "ui/win32/form.hpp"
+#include "ui/win32/skin.hpp"
+#include "ui/win32/view.hpp"
+
+namespace ui::win32 {
+namespace {
+
+using controls::MouseButton;
+
+// A push button of the system that draws a picture, or a plain button where there is none.
+class ButtonView : public View {
+ public:
+  ButtonView(Form& form, controls::Control& control, const LayoutRow& row, const std::string& text)
+      : View(form, control, row) {
+    const bool leadsSomewhere = control.Click.HasHandlers();
+    Create(L"BUTTON", Widen(text), BS_OWNERDRAW | WS_GROUP | (leadsSomewhere ? WS_TABSTOP : 0u));
+  }
+
+  void Command(int notification) override {
+    if (notification == BN_CLICKED) control_.Click();
+  }
+
+  bool Press() override {
+    if (!control_.Enabled) return false;
+    control_.Click();
+    return true;
+  }
+
+  bool TakesPointer() const override { return true; }
+
+  void Draw(const DRAWITEMSTRUCT& item) override {
+    const RECT& box = item.rcItem;
+    const Canvas canvas(item.hDC, Width(box), Height(box));
+    const HBITMAP picture = Picture(Width(box), Height(box));
+    if (picture) {
+      const UniqueDc source(CreateCompatibleDC(item.hDC));
+      const HGDIOBJ before = SelectObject(source.get(), picture);
+      BitBlt(canvas.Dc(), 0, 0, Width(box), Height(box), source.get(), 0, 0, SRCCOPY);
+      SelectObject(source.get(), before);
+    } else {
+      DrawPlain(canvas.Dc(), box, (item.itemState & ODS_SELECTED) != 0);
+    }
+    if (Focused() && form_.ShowsFocus()) Outline(canvas.Dc(), box, form_.Scaled(2), skin::kFocus);
+    BitBlt(item.hDC, 0, 0, Width(box), Height(box), canvas.Dc(), 0, 0, SRCCOPY);
+  }
+
+ protected:
+  virtual HBITMAP Picture(int, int) const { return nullptr; }
+  virtual HCURSOR Pointer() const { return nullptr; }
+
+  LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
+    switch (message) {
+      case WM_MOUSEMOVE:
+        form_.PointerOver(this, Handle(), wParam, lParam);
+        break;
+      case WM_MOUSELEAVE:
+        form_.PointerLeft();
+        break;
+      case WM_LBUTTONDBLCLK:
+      case WM_LBUTTONDOWN:  // the second press of a quick pair counts as one more press
+        form_.UsedPointer();
+        control_.MouseDown(MouseButton::Left);
+        return Default(WM_LBUTTONDOWN, wParam, lParam);
+      case WM_LBUTTONUP:
+        control_.MouseUp(MouseButton::Left);
+        break;
+      case WM_RBUTTONDOWN:
+        control_.MouseDown(MouseButton::Right);
+        break;
+      case WM_RBUTTONUP:
+        control_.MouseUp(MouseButton::Right);
+        break;
+      case WM_SETCURSOR:
+        if (const HCURSOR pointer = Pointer()) {
+          SetCursor(pointer);
+          return TRUE;
+        }
+        break;
+    }
+    return View::Message(message, wParam, lParam);
+  }
+
+ private:
+  void DrawPlain(HDC dc, const RECT& box, bool pressed) const {
+    PaintBackground(dc);
+    skin::DrawButton(dc, box, form_.Scaled(1), pressed);
+    const COLORREF colour = control_.Enabled ? skin::kBoxText : skin::kDimmed;
+    skin::DrawLabel(dc, box, form_.Font(row_.face, row_.points, false), colour, Align::Center, Lines::Single,
+                    TextOf(Handle()));
+  }
+};
+
+class ImageView : public ButtonView {
+ public:
+  ImageView(Form& form, controls::ImageControl& image, const LayoutRow& row)
+      : ButtonView(form, image, row, image.description), image_(image) {}
+
+  void Changed(std::string_view property) override {
+    if (property == "Picture") {
+      // What a screen reader reads is settled by the time the first picture is.
+      if (TextOf(Handle()) != Widen(image_.description)) SetText(image_.description);
+      Invalidate();
+      UpdateWindow(Handle());  // a press is seen even when its click starts long work
+    }
+    View::Changed(property);
+  }
+
+ protected:
+  HBITMAP Picture(int width, int height) const override {
+    return form_.Pictures().Picture(image_.Picture, width, height);
+  }
+  HCURSOR Pointer() const override {
+    return image_.MouseIcon.Get().empty() ? nullptr : form_.Pictures().Cursor(image_.MouseIcon, form_.Dpi());
+  }
+
+ private:
+  controls::ImageControl& image_;
+};
+
+class PlainButtonView : public ButtonView {
+ public:
+  PlainButtonView(Form& form, controls::Button& button, const LayoutRow& row)
+      : ButtonView(form, button, row, button.Caption), button_(button) {}
+
+  void Changed(std::string_view property) override {
+    if (property.empty()) SetText(button_.Caption);
+    View::Changed(property);
+  }
+
+ private:
+  controls::Button& button_;
+};
+
+}  // namespace
+
+std::unique_ptr<View> MakeImage(Form& form, controls::ImageControl& image, const LayoutRow& row) {
+  return std::make_unique<ImageView>(form, image, row);
+}
+
+std::unique_ptr<View> MakeButton(Form& form, controls::Button& button, const LayoutRow& row) {
+  return std::make_unique<PlainButtonView>(form, button, row);
+}
+
+}  // namespace ui::win32

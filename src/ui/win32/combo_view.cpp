@@ -1,0 +1,126 @@
+#include "ui/win32/form.hpp"
+#include "ui/win32/skin.hpp"
+#include "ui/win32/view.hpp"
+
+namespace ui::win32 {
+namespace {
+
+constexpr int kLinesDropped = 12;
+
+// A list to choose from; one whose typed text matters to somebody may be typed into.
+class ComboView : public View {
+ public:
+  ComboView(Form& form, controls::ComboBox& combo, const LayoutRow& row)
+      : View(form, combo, row), combo_(combo), editable_(combo.KeyUp.HasHandlers()) {
+    const DWORD kind = editable_ ? CBS_DROPDOWN | CBS_AUTOHSCROLL : CBS_DROPDOWNLIST;
+    Create(L"COMBOBOX", L"", kind | CBS_HASSTRINGS | WS_VSCROLL | WS_CLIPCHILDREN | WS_GROUP | WS_TABSTOP);
+    combo.Filled += [this, alive = std::weak_ptr(alive_)] {
+      if (!alive.expired()) FillList();
+    };
+    FillList();
+  }
+
+  void Place() override {
+    View::Place();
+    const RECT box = Box();
+    const int line = form_.LineHeight(Font());
+    // The part that shows the choice is as high as the row; what the system adds around it is measured.
+    SendMessageW(Handle(), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), line);
+    RECT whole{};
+    GetWindowRect(Handle(), &whole);
+    SendMessageW(Handle(), CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), line + Height(box) - Height(whole));
+    SendMessageW(Handle(), CB_SETITEMHEIGHT, 0, line);
+    SetWindowPos(Handle(), nullptr, box.left, box.top, Width(box), Height(box) + line * kLinesDropped,
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+    ShowChoice();
+  }
+
+  void Changed(std::string_view property) override {
+    if (property == "ListIndex" || property == "Text") ShowChoice();
+    View::Changed(property);
+  }
+
+  void Command(int notification) override {
+    if (notification == CBN_SELCHANGE) {
+      combo_.Select(static_cast<int>(SendMessageW(Handle(), CB_GETCURSEL, 0, 0)));
+      combo_.Change();
+    }
+    if (notification == CBN_EDITCHANGE) {
+      const std::string typed = Narrow(TextOf(Handle()));
+      combo_.ListIndex = combo_.IndexOf(typed);
+      combo_.Text = typed;
+      combo_.KeyUp();
+    }
+    // Both of the class's own drawing.
+    if (notification == CBN_CLOSEUP || notification == CBN_DROPDOWN) Invalidate();
+  }
+
+  bool TakesPointer() const override { return true; }
+
+ protected:
+  LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
+    if (message == WM_PAINT) {
+      Paint();
+      return 0;
+    }
+    if (message == WM_SETTEXT || message == WM_ERASEBKGND) return Default(message, wParam, lParam);
+    if (message == WM_MOUSEMOVE) form_.PointerOver(this, Handle(), wParam, lParam);
+    const LRESULT result = View::Message(message, wParam, lParam);
+    if (message == WM_LBUTTONDOWN || message == WM_COMMAND || message == WM_KEYDOWN || message == WM_ENABLE) {
+      Invalidate();
+    }
+    return result;
+  }
+
+ private:
+  void FillList() {
+    SendMessageW(Handle(), CB_RESETCONTENT, 0, 0);
+    for (const std::string& entry : combo_.Entries()) {
+      SendMessageW(Handle(), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Widen(entry).c_str()));
+    }
+    ShowChoice();
+  }
+
+  void ShowChoice() {
+    const auto index = static_cast<LRESULT>(combo_.ListIndex.Get());
+    if (SendMessageW(Handle(), CB_GETCURSEL, 0, 0) != index) {
+      SendMessageW(Handle(), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
+    }
+    if (editable_ && TextOf(Handle()) != Widen(combo_.Text.Get())) SetText(combo_.Text);
+    Invalidate();
+  }
+
+  void Paint() {
+    COMBOBOXINFO info{};
+    info.cbSize = sizeof info;
+    GetComboBoxInfo(Handle(), &info);
+    const BufferedPaint paint(Handle());
+    const RECT box = paint.Client();
+    skin::DrawBox(paint.Dc(), box, form_.Scaled(1));
+    RECT arrow = box;
+    arrow.left = arrow.right - Height(box);
+    skin::DrawArrow(paint.Dc(), arrow, skin::kCaption);
+    if (!editable_) {
+      RECT text = box;
+      text.left += form_.Scaled(7);
+      text.right = arrow.left;
+      const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
+      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single, Widen(combo_.Text.Get()));
+    }
+    if (Focused() || (info.hwndItem && GetFocus() == info.hwndItem)) {
+      Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
+    }
+  }
+
+  controls::ComboBox& combo_;
+  bool editable_;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // the list outlives what shows it
+};
+
+}  // namespace
+
+std::unique_ptr<View> MakeCombo(Form& form, controls::ComboBox& combo, const LayoutRow& row) {
+  return std::make_unique<ComboView>(form, combo, row);
+}
+
+}  // namespace ui::win32

@@ -1,0 +1,120 @@
+#include "ui/win32/tray_icon.hpp"
+
+#include <windows.h>
+
+#include <shellapi.h>
+
+#include <algorithm>
+#include <vector>
+
+#include "ui/win32/dpi.hpp"
+
+namespace ui::win32 {
+namespace {
+
+constexpr const wchar_t* kClass = L"LauncherTray";
+constexpr UINT kIconId = 1;
+// The shell reports each mouse message on the icon as a move whose x coordinate is the message's number.
+constexpr UINT kCallback = WM_MOUSEMOVE;
+
+}  // namespace
+
+TrayIcon::TrayIcon(PictureCache& pictures, std::function<void(int)> mouse)
+    : pictures_(pictures),
+      mouse_(std::move(mouse)),
+      taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")) {
+  WNDCLASSEXW info{};
+  info.cbSize = sizeof info;
+  info.lpfnWndProc = &TrayIcon::Procedure;
+  info.hInstance = GetModuleHandleW(nullptr);
+  info.lpszClassName = kClass;
+  RegisterClassExW(&info);
+  // A top-level window, since the shell's broadcast does not reach others.
+  handle_.reset(CreateWindowExW(WS_EX_TOOLWINDOW, kClass, L"Form1", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                                info.hInstance, nullptr));
+  SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+TrayIcon::~TrayIcon() {
+  if (wanted_) Tell(NIM_DELETE);
+  SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, 0);
+}
+
+LRESULT CALLBACK TrayIcon::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  auto* icon = reinterpret_cast<TrayIcon*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  return icon ? icon->Message(message, wParam, lParam) : DefWindowProcW(window, message, wParam, lParam);
+}
+
+LRESULT TrayIcon::Message(UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == kCallback) {
+    mouse_(LOWORD(lParam));
+    return 0;
+  }
+  if (message == taskbarCreated_ && wanted_) Tell(NIM_ADD);  // the shell started over
+  return DefWindowProcW(handle_.get(), message, wParam, lParam);
+}
+
+void TrayIcon::LoadIconImage() {
+  if (icon_ && loadedFile_ == file_) return;
+  const int size = SystemMetricAt(SM_CXSMICON, DpiOf(handle_.get()));
+  if (!file_.empty()) icon_ = pictures_.Icon(file_, size);
+  if (file_.empty() || !icon_) {
+    icon_.reset(static_cast<HICON>(
+        LoadImageW(GetModuleHandleW(nullptr), L"AAA", IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
+  }
+  loadedFile_ = file_;
+}
+
+bool TrayIcon::Tell(DWORD action) {
+  LoadIconImage();
+  NOTIFYICONDATAW data{};
+  data.cbSize = NOTIFYICONDATAW_V1_SIZE;  // the layout whose tip is a field of 64 characters
+  data.hWnd = handle_.get();
+  data.uID = kIconId;
+  data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
+  data.uCallbackMessage = kCallback;
+  data.hIcon = icon_.get();
+  const std::size_t length = std::min<std::size_t>(tip_.size(), 63);
+  std::copy_n(tip_.begin(), length, data.szTip);
+  return Shell_NotifyIconW(action, &data) != FALSE;
+}
+
+void TrayIcon::Notify(TrayAction action, const std::string& tip) {
+  tip_ = Widen(tip);
+  wanted_ = action != TrayAction::Remove;
+  switch (action) {
+    case TrayAction::Add:
+      Tell(NIM_ADD);
+      break;
+    case TrayAction::Modify:
+      if (!Tell(NIM_MODIFY)) Tell(NIM_ADD);
+      break;
+    case TrayAction::Remove:
+      Tell(NIM_DELETE);
+      break;
+  }
+}
+
+void TrayIcon::Popup(controls::Menu& menu) {
+  const UniqueMenu shown(CreatePopupMenu());
+  UINT id = 0;
+  for (const controls::MenuEntry& entry : menu.entries) {
+    ++id;
+    if (entry.caption == "-") {
+      AppendMenuW(shown.get(), MF_SEPARATOR, id, nullptr);
+    } else {
+      AppendMenuW(shown.get(), entry.enabled ? MF_STRING : MF_STRING | MF_GRAYED, id,
+                  Widen(entry.caption).c_str());
+    }
+  }
+  POINT at{};
+  GetCursorPos(&at);
+  SetForegroundWindow(handle_.get());  // else the menu would stay when the player clicks elsewhere
+  const int chosen =
+      TrackPopupMenu(shown.get(), TPM_RETURNCMD | TPM_RIGHTBUTTON | TPM_RIGHTALIGN | TPM_BOTTOMALIGN, at.x,
+                     at.y, 0, handle_.get(), nullptr);
+  PostMessageW(handle_.get(), WM_NULL, 0, 0);
+  if (chosen > 0) menu.entries[static_cast<std::size_t>(chosen) - 1].Click();
+}
+
+}  // namespace ui::win32

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <windows.h>
+
+#include <functional>
+#include <string>
+
+#include "ui/screen.hpp"
+#include "ui/win32/gdi.hpp"
+#include "ui/win32/picture_cache.hpp"
+
+namespace ui::win32 {
+
+// The program's icon in the notification area, and the invisible window that its mouse messages go to.
+class TrayIcon {
+ public:
+  // `mouse` gets the number of each mouse message on the icon.
+  TrayIcon(PictureCache& pictures, std::function<void(int)> mouse);
+  ~TrayIcon();
+  TrayIcon(const TrayIcon&) = delete;
+
+  void Notify(TrayAction action, const std::string& tip);
+  void SetPicture(const std::string& file) { file_ = file; }  // icon or picture; empty: the program's own
+  // Shows the menu at the pointer and runs what was chosen.
+  void Popup(controls::Menu& menu);
+
+ private:
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam);
+  bool Tell(DWORD action);
+  void LoadIconImage();
+
+  PictureCache& pictures_;
+  std::function<void(int)> mouse_;
+  UniqueWindow handle_;
+  UINT taskbarCreated_;
+  UniqueIcon icon_;
+  std::string file_, loadedFile_;
+  std::wstring tip_;
+  bool wanted_ = false;
+};
+
+}  // namespace ui::win32

@@ -1,0 +1,37 @@
+#include "ui/win32/win32_dialogs.hpp"
+
+namespace ui::win32 {
+
+using platform::DialogAnswer;
+using platform::DialogButtons;
+
+DialogAnswer Win32Dialogs::Show(const std::string& text, DialogButtons buttons, const std::string& title) {
+  UINT kind = MB_SETFOREGROUND;
+  DialogAnswer closed = DialogAnswer::Ok;
+  switch (buttons) {
+    case DialogButtons::Ok:
+      kind |= MB_OK;
+      break;
+    case DialogButtons::YesNo:
+      kind |= MB_YESNO;
+      closed = DialogAnswer::No;
+      break;
+    case DialogButtons::YesNoCancel:
+      kind |= MB_YESNOCANCEL;
+      closed = DialogAnswer::Cancel;
+      break;
+  }
+  const HWND owner = screen_ ? screen_->DialogOwner() : nullptr;
+  switch (MessageBoxW(owner, Widen(text).c_str(), Widen(title).c_str(), kind)) {
+    case IDYES:
+      return DialogAnswer::Yes;
+    case IDNO:
+      return DialogAnswer::No;
+    case IDOK:
+      return DialogAnswer::Ok;
+    default:
+      return closed;
+  }
+}
+
+}  // namespace ui::win32

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/dialogs.hpp"
+#include "ui/win32/win32_screen.hpp"
+
+namespace ui::win32 {
+
+// The system's message boxes, owned by the window that the player is looking at.
+class Win32Dialogs : public platform::Dialogs {
+ public:
+  // Boxes shown before a screen is known have no owner.
+  void SetScreen(const Win32Screen* screen) { screen_ = screen; }  // not owned
+
+  platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
+                              const std::string& title) override;
+
+ private:
+  const Win32Screen* screen_ = nullptr;
+};
+
+}  // namespace ui::win32

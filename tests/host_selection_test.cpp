@@ -1,0 +1,219 @@
+#include <gtest/gtest.h>
+
+#include "startup/launcher_settings.hpp"
+#include "support/web_world.hpp"
+
+namespace {
+
+namespace keys = startup::keys;
+using support::Answer;
+using support::FaultyServer;
+using support::WebWorld;
+
+const std::string kPath = "/update/kvn2011/";
+const std::string kProbe = kPath + "Online.txt";
+
+class HostSelectionTest : public testing::Test {
+ protected:
+  std::string Stored(const char* section) {
+    return world.host.settings->Get(keys::kApplication, section, keys::kUrl);
+  }
+  void Store(const std::string& last, const std::string& web) {
+    world.host.settings->Set(keys::kApplication, keys::kLastUrl, keys::kUrl, last);
+    world.host.settings->Set(keys::kApplication, keys::kUrlWeb, keys::kUrl, web);
+    world.selection.RestoreHosts();
+  }
+  // Seven mirrors of one server under paths of their own; those listed in `up` answer their probe.
+  void Ring(const std::vector<int>& up) {
+    for (int i = 1; i <= 7; ++i) {
+      world.Mirror(i, Entry(i));
+      const bool answers = std::find(up.begin(), up.end(), i) != up.end();
+      server.On("/" + std::to_string(i) + kProbe, answers ? support::Text("1") : support::Page(404, "no"));
+    }
+  }
+  std::string Entry(int i) { return server.Url("/" + std::to_string(i) + kPath); }
+  // The mirrors asked, each attempt a digit.
+  std::string Asked() {
+    std::string asked;
+    for (const std::string& target : server.Targets()) asked += target[1];
+    return asked;
+  }
+
+  FaultyServer server{"127.0.0.7"};
+  WebWorld world;
+};
+
+TEST_F(HostSelectionTest, AProbeIsGoodOnlyWithTheNumberOne) {
+  world.Mirror(1, server.Url(kPath));
+  const struct {
+    Answer answer;
+    bool good;
+  } cases[] = {
+      {support::Text("1"), true},
+      {support::Text(" 1"), true},
+      {support::Text("1.0"), true},
+      {support::Text("1abc"), true},
+      {support::Text("01x\r\n"), true},
+      {support::Text("\xEF\xBB\xBF"
+                     "1"),
+       true},
+      {support::Text("2"), false},
+      {support::Text("11"), false},
+      {support::Text("1.5"), false},
+      {support::Text(""), false},
+      {support::Text("yes"), false},
+      {support::Text("1 error"), false},
+      {support::Text("1 <!doctype html>"), false},
+      {support::Text("<!DOCTYPE html><p>1"), false},
+      {support::Page(404, "<p>no"), false},
+      {support::CutShort("1 and more", 1), false},
+      {support::Garbage(), false},
+      {support::Redirect("ftp://127.0.0.1/Online.txt"), false},
+      {support::Silent(), false},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.answer.body);
+    server.Forget();
+    server.On(kProbe, test.answer);
+    EXPECT_EQ(world.selection.CheckOnline(server.Url(kPath), "Online.txt"), test.good);
+    EXPECT_EQ(server.Seen().size(), test.good ? 1u : 3u);
+  }
+  int requests = 0;
+  server.On(kProbe, [&](const support::SeenRequest&) { return support::Text(++requests < 3 ? "0" : "1"); });
+  EXPECT_TRUE(world.selection.CheckOnline(server.Url(kPath), "Online.txt")) << "the third attempt counts";
+  const support::ClosedPort closed("127.0.0.6");
+  EXPECT_FALSE(world.selection.CheckOnline(closed.Url(kPath), "Online.txt"));
+}
+
+struct WalkCase {
+  const char* name;
+  int last, web;        // stored ring entries; 0 empty, 9 an address outside the ring
+  std::vector<int> up;  // mirrors that answer
+  std::string asked;    // every attempt
+};
+
+TEST_F(HostSelectionTest, WalksTheRingInItsOrder) {
+  server.On("/9" + kProbe, support::Page(404, "no"));
+  const WalkCase cases[] = {
+      {"remembered", 4, 4, {4, 5}, "4"},
+      {"after the last comes the first", 7, 7, {1, 2}, "7771"},
+      {"the web base is tested, the walk goes on from the other", 3, 6, {4}, "6664"},
+      {"unknown address", 9, 9, {1}, "9991"},
+      {"no web base", 2, 0, {3}, "3"},
+      {"all the way round", 2, 2, {1}, "2223334445556667771"},
+  };
+  const auto address = [&](int entry) { return entry == 0 ? std::string{} : Entry(entry); };
+  for (const WalkCase& test : cases) {
+    SCOPED_TRACE(test.name);
+    Ring(test.up);
+    Store(address(test.last), address(test.web));
+    server.Forget();
+    world.selection.ComenzarActualizacion();
+    EXPECT_EQ(Asked(), test.asked);
+    const std::string found = Entry(test.asked.back() - '0');
+    EXPECT_EQ(world.hosts.CurrentUpdateURL, found);
+    EXPECT_EQ(world.hosts.WebBaseURL, found);
+    EXPECT_EQ(Stored(keys::kLastUrl), found);
+    EXPECT_EQ(Stored(keys::kUrlWeb), found);
+  }
+  EXPECT_TRUE(world.host.dialogs.shown.empty());
+}
+
+TEST_F(HostSelectionTest, UnusableEntriesAreNeverAsked) {
+  Ring({1, 2, 3, 4, 5});
+  for (const int entry : {2, 3}) world.deployment.usable[static_cast<std::size_t>(entry - 1)] = false;
+  Store(Entry(1), Entry(3));
+  world.selection.ComenzarActualizacion();
+  EXPECT_EQ(Asked(), "4") << "a remembered one is passed over too";
+  world.deployment.usable.fill(false);
+  world.Use("");
+  world.selection.SwitchURL();
+  EXPECT_EQ(world.hosts.WebBaseURL, "") << "nowhere to go";
+}
+
+TEST_F(HostSelectionTest, ADoubledEntryDoesNotTrapTheWalk) {
+  Ring({6});
+  world.Mirror(4, Entry(3));
+  Store(Entry(3), Entry(3));
+  world.selection.ComenzarActualizacion();
+  EXPECT_EQ(Asked(), "3333335556");
+}
+
+TEST_F(HostSelectionTest, SwitchingSaysSo) {
+  Ring({});
+  world.Use("");
+  const auto before = world.host.clock.Milliseconds();
+  world.selection.SwitchURL();
+  EXPECT_EQ(world.hosts.CurrentUpdateURL, Entry(1));
+  EXPECT_EQ(world.frmMain.lblEstado.Caption.Get(), "Web inalcanzable, buscando web alternativa...");
+  EXPECT_EQ(world.host.clock.Milliseconds() - before, 100u);
+}
+
+TEST_F(HostSelectionTest, WithoutAnyMirrorItGoesOnUntilTheProgramEnds) {
+  Ring({});
+  Store("", "");
+  world.When([this] { return server.Seen().size() > 30; }, [this] { world.lifetime.End(0); });
+  world.selection.ComenzarActualizacion();
+  EXPECT_GT(server.Seen().size(), 21u) << "more than one round";
+  EXPECT_EQ(Stored(keys::kLastUrl), "");
+  EXPECT_TRUE(world.host.dialogs.shown.empty());
+}
+
+TEST_F(HostSelectionTest, AMirrorMayVouchForItself) {
+  server.On(kProbe, support::Text("1", {{"Cache-Control", "max-age=30"}}));
+  world.Use(server.Url(kPath));
+  for (int i = 0; i < 10; ++i) {
+    world.selection.ComenzarActualizacion();
+    world.host.clock.Step(6'000);
+  }
+  EXPECT_EQ(server.Seen().size(), 2u);
+  server.Forget();
+  world.host.clock.Step(60'000);
+  server.On(kProbe, support::Text("0", {{"Cache-Control", "max-age=30"}}));
+  EXPECT_FALSE(world.selection.CheckOnline(server.Url(kPath), "Online.txt"));
+  EXPECT_FALSE(world.selection.CheckOnline(server.Url(kPath), "Online.txt"));
+  EXPECT_EQ(server.Seen().size(), 6u) << "a bad answer is never used again";
+}
+
+TEST_F(HostSelectionTest, AddressQuery) {
+  const std::string script = "/web/include/ipdate.php";
+  const struct {
+    const char *answer, *result;
+    std::size_t asked;
+  } cases[] = {
+      {"21/11/2026-10.0.0.7", "21/11/2026-10.0.0.7", 1},
+      {"21/11/2026-10.0.0.7-more", "21/11/2026-10.0.0.7", 1},
+      {"yesterday-10.0.0.7", "-10.0.0.7", 1},
+      {"21/11-10.0.0.7", "-10.0.0.7", 1},
+      {"21/11/2026-2001:db8::1", "21/11/2026-2001:db8::1", 100},
+      {"21/11/2026-Null", "21/11/2026-Null", 100},
+      {"yesterday-Null", "-", 100},
+      {"21/11/2026-Null No AU", "", 100},
+      {"<!DOCTYPE html>", "", 100},
+      {"", "", 100},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.answer);
+    WebWorld fresh;
+    fresh.Use(server.Url(kPath));
+    server.Forget();
+    server.On(script, support::Text(test.answer));
+    EXPECT_EQ(fresh.selection.ClientAddressQuery(), test.result);
+    EXPECT_EQ(server.Count(script), test.asked);
+  }
+}
+
+TEST_F(HostSelectionTest, AddressQueryAsksTheSecondHostsApiAndOnlyOnce) {
+  FaultyServer api("127.0.0.8");
+  api.On("/web/include/ipdate.php", support::Text("1/2/2026-1.2.3.4"));
+  world.deployment.api = api.Url("");
+  Ring({});
+  for (const int entry : {2, 5}) {
+    world.Use(Entry(entry));
+    EXPECT_EQ(world.selection.ClientAddressQuery(), "1/2/2026-1.2.3.4");
+  }
+  EXPECT_EQ(api.Seen().size(), 1u);
+  EXPECT_TRUE(server.Seen().empty());
+}
+
+}  // namespace

@@ -1,0 +1,240 @@
+#include "platform/http_client.hpp"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <thread>
+
+#include "platform/machine.hpp"
+#include "support/faulty_server.hpp"
+
+namespace {
+
+using platform::HttpError;
+using support::Answer;
+using support::FaultyServer;
+using Clock = std::chrono::steady_clock;
+
+struct RecordingSink : platform::HttpSink {
+  void Begin(const platform::HttpHead& answer) override {
+    ++begun;
+    head = answer;
+  }
+  bool Write(std::span<const std::byte> bytes) override {
+    body.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (onWrite) onWrite();
+    return body.size() <= limit;
+  }
+  int begun = 0;
+  platform::HttpHead head;
+  std::string body;
+  std::size_t limit = SIZE_MAX;
+  std::function<void()> onWrite;
+};
+
+std::string Pattern(std::size_t size) {
+  std::string text(size, ' ');
+  for (std::size_t i = 0; i < size; ++i) text[i] = static_cast<char>(i * 7 + i / 251);
+  return text;
+}
+
+class HttpClientTest : public testing::Test {
+ protected:
+  platform::HttpOutcome Get(const std::string& url) {
+    request.url = url;
+    return client->Get(request, sink, stop.get_token());
+  }
+  // Whether a transfer that can only end by a limit ended soon after it.
+  void ExpectPrompt(Clock::time_point start) { EXPECT_LT(Clock::now() - start, std::chrono::seconds(5)); }
+
+  std::unique_ptr<platform::HttpClient> client = platform::MakeHttpClient();
+  FaultyServer server{"127.0.0.2"};
+  platform::HttpRequest request;
+  RecordingSink sink;
+  std::stop_source stop;
+};
+
+struct AnswerCase {
+  const char* name;
+  Answer answer;
+  HttpError error;
+  int status;
+  std::string body;  // what has reached the sink, unless the transfer failed
+};
+
+TEST_F(HttpClientTest, EveryAnswerIsToldForWhatItIs) {
+  const std::string big = Pattern(300'000);
+  const std::vector<AnswerCase> cases = {
+      {"honest", support::Text("hello"), HttpError::None, 200, "hello"},
+      {"empty", support::Text(""), HttpError::None, 200, ""},
+      {"big", support::Text(big), HttpError::None, 200, big},
+      {"chunked", {.body = big, .framing = Answer::Framing::Chunked}, HttpError::None, 200, big},
+      {"until close", {.body = big, .framing = Answer::Framing::UntilClose}, HttpError::None, 200, big},
+      {"slow", {.body = "slowly", .paceBytes = 1, .paceMs = 5}, HttpError::None, 200, "slowly"},
+      {"late", {.body = "late", .waitMs = 50}, HttpError::None, 200, "late"},
+      {"not found", support::Page(404, "<p>no"), HttpError::None, 404, "<p>no"},
+      {"broken script", support::Page(500, "<p>oh"), HttpError::None, 500, "<p>oh"},
+      {"not modified", {.status = 304}, HttpError::None, 304, ""},
+      {"cut", support::CutShort(big, 100'000), HttpError::CutShort, 200, ""},
+      {"cut at once", support::CutShort("hello", 0), HttpError::CutShort, 200, ""},
+      {"reset", support::CutShort(big, 100'000, Answer::Cut::Reset), HttpError::CutShort, 200, ""},
+      {"announces more", {.body = "hello", .announced = "50"}, HttpError::CutShort, 200, ""},
+      {"chunks cut",
+       {.body = big, .framing = Answer::Framing::Chunked, .cutAfter = 100},
+       HttpError::CutShort,
+       200,
+       ""},
+      {"silent", support::Silent(), HttpError::Stalled, 0, ""},
+      {"silent later", support::CutShort("hello", 2, Answer::Cut::Silence), HttpError::Stalled, 200, ""},
+  };
+  request.stallLimitMs = 400;
+  for (const AnswerCase& test : cases) {
+    SCOPED_TRACE(test.name);
+    server.On("/file", test.answer);
+    sink = {};
+    const auto start = Clock::now();
+    const auto outcome = Get(server.Url("/file"));
+    ExpectPrompt(start);
+    EXPECT_EQ(static_cast<int>(outcome.error), static_cast<int>(test.error));
+    EXPECT_EQ(outcome.status, test.status);
+    EXPECT_EQ(sink.begun, test.status == 0 ? 0 : 1);
+    EXPECT_TRUE(test.error != HttpError::None || sink.body == test.body);
+  }
+}
+
+TEST_F(HttpClientTest, NoNonsenseCountsAsAnAnswer) {
+  request.connectLimitMs = 400;
+  server.On("/garbage", support::Garbage());
+  EXPECT_NE(Get(server.Url("/garbage")).error, HttpError::None);
+  EXPECT_NE(Get(server.Url("/", "https")).error, HttpError::None)
+      << "a plain server asked for a secure channel";
+  EXPECT_EQ(sink.begun, 0);
+  for (const char* url :
+       {"", "Online.txt", "ftp://127.0.0.1/x", "http://", "file:///etc/passwd", "http:///x"}) {
+    EXPECT_EQ(Get(url).error, HttpError::BadUrl) << url;
+  }
+}
+
+TEST_F(HttpClientTest, AWrongLengthNeverAddsBytes) {
+  server.On("/less", {.body = "hello", .announced = "2"});
+  const auto less = Get(server.Url("/less"));
+  EXPECT_TRUE(less.error == HttpError::CutShort || sink.body == "he") << sink.body;
+  for (const char* announced : {"abc", "-5", "99999999999999999999999"}) {
+    server.On("/nonsense", {.body = "hello", .announced = announced});
+    sink = {};
+    const auto outcome = Get(server.Url("/nonsense"));
+    EXPECT_TRUE(outcome.error != HttpError::None || sink.body == "hello") << announced;
+    EXPECT_FALSE(sink.head.contentLength.has_value()) << announced;
+  }
+}
+
+TEST_F(HttpClientTest, TellsTheHead) {
+  server.On("/head", {.headers = {{"X-Mirror", "a b"}, {"ETag", "\"1\""}}, .body = "12345"});
+  ASSERT_TRUE(Get(server.Url("/head")).Complete());
+  EXPECT_EQ(sink.head.contentLength, 5u);
+  EXPECT_EQ(sink.head.Header("x-mirror"), "a b");
+  EXPECT_EQ(sink.head.Header("etag"), "\"1\"");
+}
+
+TEST_F(HttpClientTest, SendsWhatItIsToldAndResolvesDots) {
+  request.headers = {{"If-None-Match", "\"7\""}};
+  Get(server.Url("/update/kvn2011/../../web/./a b.php?op=complete#top"));
+  const auto seen = server.Seen();
+  ASSERT_EQ(seen.size(), 1u);
+  EXPECT_EQ(seen[0].method, "GET");
+  EXPECT_EQ(seen[0].target, "/web/a%20b.php?op=complete");
+  EXPECT_EQ(seen[0].Header("if-none-match"), "\"7\"");
+  EXPECT_EQ("http://" + seen[0].Header("host") + "/", server.Url("/"));
+}
+
+TEST_F(HttpClientTest, FollowsOnlyHonestRedirects) {
+  FaultyServer other("127.0.0.3");
+  other.On("/there", support::Text("arrived"));
+  server.On("/file", support::Text("here"));
+  server.On("/loop", support::Redirect("/loop"));
+  const struct {
+    std::string to;
+    HttpError error;
+    std::string body;
+  } cases[] = {
+      {other.Url("/there"), HttpError::None, "arrived"},
+      {"/x/../file", HttpError::None, "here"},
+      {"ftp://127.0.0.1/file", HttpError::RefusedRedirect, ""},
+      {"file:///etc/passwd", HttpError::RefusedRedirect, ""},
+      {"javascript:alert(1)", HttpError::RefusedRedirect, ""},
+      {"/loop", HttpError::RefusedRedirect, ""},
+  };
+  for (const int status : {301, 302, 307}) {
+    for (const auto& test : cases) {
+      SCOPED_TRACE(test.to);
+      server.On("/from", support::Redirect(test.to, status));
+      sink = {};
+      EXPECT_EQ(static_cast<int>(Get(server.Url("/from")).error), static_cast<int>(test.error));
+      EXPECT_EQ(sink.body, test.body);
+    }
+  }
+  EXPECT_LE(server.Count("/loop"), 3 * 11u);
+  EXPECT_FALSE(platform::RedirectAllowed("https://a/", "http://a/"));
+}
+
+TEST_F(HttpClientTest, GivesUpWhereNobodyListens) {
+  const support::ClosedPort closed("127.0.0.4");
+  EXPECT_EQ(Get(closed.Url()).error, HttpError::CannotConnect);
+  const support::DeafPort deaf("127.0.0.4");
+  request.connectLimitMs = 400;
+  const auto start = Clock::now();
+  EXPECT_EQ(Get(deaf.Url()).error, HttpError::CannotConnect);
+  ExpectPrompt(start);
+  EXPECT_EQ(sink.begun, 0);
+}
+
+TEST_F(HttpClientTest, TheWholeLimitEndsATrickle) {
+  server.On("/trickle", {.body = Pattern(100'000), .paceBytes = 5, .paceMs = 20});
+  request.wholeLimitMs = 300;
+  const auto start = Clock::now();
+  EXPECT_EQ(Get(server.Url("/trickle")).error, HttpError::Stalled);
+  ExpectPrompt(start);
+}
+
+TEST_F(HttpClientTest, StopsWhenToldAndWhenTheSinkIsFull) {
+  server.On("/silent", support::Silent());
+  server.On("/hold", support::CutShort("hello", 2, Answer::Cut::Silence));
+  const auto start = Clock::now();
+  {
+    std::jthread later([this] {
+      while (server.Count("/silent") == 0) std::this_thread::yield();
+      stop.request_stop();
+    });
+    EXPECT_EQ(Get(server.Url("/silent")).error, HttpError::Cancelled);
+  }
+  EXPECT_EQ(Get(server.Url("/hold")).error, HttpError::Cancelled) << "stopped before it began";
+  stop = std::stop_source();
+  sink.onWrite = [this] { stop.request_stop(); };
+  EXPECT_EQ(Get(server.Url("/hold")).error, HttpError::Cancelled) << "stopped while the body came";
+  ExpectPrompt(start);
+  stop = std::stop_source();
+  server.On("/big", support::Text(Pattern(1'000'000)));
+  sink = {};
+  sink.limit = 1000;
+  EXPECT_EQ(Get(server.Url("/big")).error, HttpError::Refused);
+}
+
+TEST_F(HttpClientTest, UsesAConnectionAgainAndManyAtOnce) {
+  server.On("/file", support::Text("x"));
+  for (int i = 0; i < 20; ++i) ASSERT_TRUE(Get(server.Url("/file")).Complete());
+  EXPECT_EQ(server.Connections(), 1u);
+  server.On("/slow", {.body = Pattern(50'000), .waitMs = 20});
+  std::vector<std::jthread> threads;
+  std::atomic<int> complete = 0;
+  for (int i = 0; i < 8; ++i) {
+    threads.emplace_back([&] {
+      RecordingSink own;
+      const auto outcome = client->Get({.url = server.Url("/slow")}, own, {});
+      if (outcome.Complete() && own.body == Pattern(50'000)) ++complete;
+    });
+  }
+  threads.clear();
+  EXPECT_EQ(complete, 8);
+}
+
+}  // namespace

@@ -1,0 +1,380 @@
+#include <gtest/gtest.h>
+
+#include "support/web_world.hpp"
+#include "web/answer_cache.hpp"
+#include "web/blocking.hpp"
+#include "web/body_text.hpp"
+
+namespace {
+
+using support::Answer;
+using support::FaultyServer;
+using support::WebWorld;
+using Clock = std::chrono::steady_clock;
+
+class TransferTest : public testing::Test {
+ protected:
+  std::string Scratch(const char* name) {
+    const std::string path = world.folders.Scratch(name);
+    return platform::IsFile(path) ? platform::ReadWhole(path, 1 << 30) : "(none)";
+  }
+  std::string Target() { return world.folder / "game/target.zip"; }
+  std::size_t FileCount() { return platform::ListTree(world.folder.Path()).size(); }
+  void Download(const std::string& path) {
+    world.state.Finished = true;
+    world.transfers.DownloadUrlToFile(server.Url(path), Target());
+  }
+
+  FaultyServer server{"127.0.0.5"};
+  WebWorld world;
+};
+
+TEST_F(TransferTest, TextsAreTakenWhateverTheirStatusButOnlyWhole) {
+  const struct {
+    const char* name;
+    Answer answer;
+    std::string text, copy;
+  } cases[] = {
+      {"honest", support::Text("noticias"), "noticias", "noticias"},
+      {"chunked", {.body = "abc", .framing = Answer::Framing::Chunked}, "abc", "abc"},
+      {"page", support::Page(404, "<p>no"), "<p>no", "(none)"},
+      {"cut", support::CutShort("1 whole answer", 1), "", "(none)"},
+      {"garbage", support::Garbage(), "", "(none)"},
+      {"huge", support::Text(std::string(16 * 1024 * 1024 + 1, 'x')), "", "(none)"},
+      {"largest", support::Text(std::string(16 * 1024 * 1024, 'x')), std::string(16 * 1024 * 1024, 'x'),
+       std::string(16 * 1024 * 1024, 'x')},
+      {"silent", support::Silent(), "", "(none)"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    platform::TryRemoveFile(world.folders.Scratch("Tmp.tmp"));
+    server.On("/text", test.answer);
+    const std::uint32_t limit = test.answer.silent ? 300 : 0;
+    EXPECT_TRUE(world.transfers.GetHttpText(server.Url("/text"), {.wholeLimitMs = limit}) == test.text);
+    EXPECT_TRUE(Scratch("Tmp.tmp") == test.copy);
+  }
+  EXPECT_EQ(server.Seen()[0].Header("content-type"), "application/x-www-form-urlencoded");
+}
+
+TEST_F(TransferTest, AnUnreachableHostIsNamed) {
+  const support::ClosedPort closed("127.0.0.6");
+  for (const char* path : {"/update/kvn2011/", "/files/update/kvn2011/"}) {
+    world.frmMain.lblName.Caption = "";
+    world.Use(closed.Url(path));
+    EXPECT_EQ(world.transfers.GetHttpText(closed.Url("/x")), "");
+    EXPECT_EQ(world.frmMain.lblName.Caption.Get(), "No se pudo acceder a " + closed.Url(""));
+  }
+  world.frmMain.lblName.Caption = "";
+  server.On("/cut", support::CutShort("hello", 1));
+  world.transfers.GetHttpText(server.Url("/cut"));
+  EXPECT_EQ(world.frmMain.lblName.Caption.Get(), "") << "a host that answers is no unreachable one";
+}
+
+TEST_F(TransferTest, BodiesAreDecoded) {
+  const struct {
+    const char *contentType, *bytes, *text;
+  } cases[] = {
+      {"text/plain", "a\xC3\xB1o", "año"},
+      {"text/plain", "a\xF1o", "año"},
+      {"text/html; charset=ISO-8859-1", "\xC3\xB1", "Ã±"},
+      {"text/html; Charset=\"windows-1252\"; x=y", "\xF1", "ñ"},
+      {"text/html; charset=iso-8859-15", "\xC3\xB1", "ñ"},
+      {"text/html; charset=utf-8",
+       "\xEF\xBB\xBF"
+       "1",
+       "1"},
+      {"text/html; charset=iso-8859-1", "\xEF\xBB\xBF\xC3\xB1", "ñ"},
+      {"", "\xF0\x9F\x90\x89 \xE2\x82\xAC", "\xF0\x9F\x90\x89 €"},
+      {"", "\xED\xA0\x80", "\xC3\xAD\xC2\xA0\xE2\x82\xAC"},  // half of a surrogate pair is no UTF-8
+      {"", "\xC0\xAF", "\xC3\x80\xC2\xAF"},                  // nor is a longer form than needed
+      {"", "x\xE2\x82", "x\xC3\xA2\xE2\x80\x9A"},            // nor a cut one
+  };
+  for (const auto& test : cases)
+    EXPECT_EQ(web::BodyText(test.contentType, test.bytes), test.text) << test.text;
+}
+
+TEST_F(TransferTest, DownloadsAreWholeOrNotAtAll) {
+  std::string big(3'000'000, 'b');
+  for (std::size_t i = 0; i < big.size(); i += 997) big[i] = static_cast<char>(i);
+  const struct {
+    const char* name;
+    Answer answer;
+    bool finished;
+    std::string copy;
+  } cases[] = {
+      {"archive", support::Text(big), true, big},
+      {"empty", support::Text(""), true, ""},
+      {"unknown length", {.body = big, .framing = Answer::Framing::UntilClose}, true, big},
+      {"error page", support::Page(404, "<p>no"), true, "(none)"},
+      {"cut", support::CutShort(big, 1'000'000), false, "(none)"},
+      {"reset", support::CutShort(big, 1'000'000, Answer::Cut::Reset), false, "(none)"},
+      {"announces more", {.body = "abc", .announced = "9"}, false, "(none)"},
+      {"garbage", support::Garbage(), false, "(none)"},
+      {"other scheme", support::Redirect("file:///etc/passwd"), false, "(none)"},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    platform::TryRemoveFile(Target());
+    platform::TryRemoveFile(world.folders.Scratch("tmp.tmp"));
+    server.On("/archive", test.answer);
+    Download("/archive");
+    EXPECT_EQ(world.state.Finished, test.finished);
+    EXPECT_EQ(platform::IsFile(Target()), test.finished);
+    EXPECT_TRUE(!test.finished || world.folder.Get("game/target.zip") == test.answer.body);
+    EXPECT_TRUE(Scratch("tmp.tmp") == test.copy);
+    EXPECT_EQ(FileCount(), (test.finished ? 1u : 0u) + (test.copy == "(none)" ? 0u : 1u)) << "a leftover";
+  }
+  EXPECT_TRUE(world.host.dialogs.shown.empty());
+}
+
+TEST_F(TransferTest, TheScratchCopyLivesAndDiesAlone) {
+  server.On("/archive", support::Text("first"));
+  Download("/archive");
+  world.folder.Put("game/target.zip", "mine");  // replaced as every file is
+  EXPECT_EQ(Scratch("tmp.tmp"), "first");
+  platform::RemoveFile(Target());
+  server.On("/archive", support::Text("second"));
+  Download("/archive");
+  EXPECT_EQ(Scratch("tmp.tmp"), "second");
+  platform::RemoveTree(platform::FolderOf(world.folders.Scratch("tmp.tmp")));
+  platform::RemoveFile(Target());
+  Download("/archive");
+  EXPECT_TRUE(world.state.Finished) << "a missing scratch folder is no reason to lose an archive";
+}
+
+TEST_F(TransferTest, AnExistingTargetIsNeitherTouchedNorAskedFor) {
+  world.folder.Put("game/target.zip", "old");
+  server.On("/archive", support::Text("new"));
+  Download("/archive");
+  EXPECT_FALSE(world.state.Finished);
+  EXPECT_EQ(world.folder.Get("game/target.zip"), "old");
+  EXPECT_TRUE(server.Seen().empty());
+}
+
+TEST_F(TransferTest, TheDownloadServiceTakesOnlySuccess) {
+  server.On("/file", support::Text("new"));
+  server.On("/cut", support::CutShort("newer", 2));
+  EXPECT_FALSE(world.transfers.DownloadFile(server.Url("/missing"), Target()));
+  EXPECT_FALSE(platform::IsFile(Target()));
+  world.folder.Put("game/target.zip", "old");
+  EXPECT_FALSE(world.transfers.DownloadFile(server.Url("/cut"), Target()));
+  EXPECT_EQ(world.folder.Get("game/target.zip"), "old");
+  EXPECT_TRUE(world.transfers.DownloadFile(server.Url("/file"), Target()));
+  EXPECT_EQ(world.folder.Get("game/target.zip"), "new");
+  EXPECT_FALSE(world.transfers.DownloadFile(server.Url("/file"), world.folder / "no such folder/x"));
+}
+
+TEST_F(TransferTest, ALongDownloadMovesAndTheWindowAnswers) {
+  server.On("/slow", {.body = std::string(300'000, 'x'), .paceBytes = 5'000, .paceMs = 10});
+  std::vector<double> bar;
+  std::vector<Clock::time_point> ticks;
+  world.When(
+      [&] {
+        ticks.push_back(Clock::now());
+        if (bar.empty() || bar.back() != world.frmMain.ProgressBar1.Value.Get()) {
+          bar.push_back(world.frmMain.ProgressBar1.Value.Get());
+        }
+        return false;
+      },
+      [] {});
+  Download("/slow");
+  EXPECT_TRUE(world.state.Finished);
+  EXPECT_GT(bar.size(), 5u);
+  EXPECT_TRUE(std::is_sorted(bar.begin(), bar.end()));
+  EXPECT_EQ(world.frmMain.ProgressBar1.Max.Get(), 293);
+  EXPECT_EQ(world.frmMain.ProgressBar1.Value.Get(), 293);
+  EXPECT_EQ(world.frmMain.lblsize.Caption.Get(), "293kb");
+  EXPECT_TRUE(world.frmMain.lblVelocity.Caption.Get().starts_with("293kb de 293kb a "))
+      << world.frmMain.lblVelocity.Caption.Get();
+  std::size_t late = 0;  // a busy machine may delay one or the other
+  for (std::size_t i = 1; i < ticks.size(); ++i)
+    late += ticks[i] - ticks[i - 1] > std::chrono::milliseconds(100);
+  EXPECT_GT(ticks.size(), 20u);
+  EXPECT_LE(late, 2u);
+}
+
+TEST_F(TransferTest, WhoeverLeavesDoesNotWait) {
+  server.On("/hold", support::CutShort(std::string(5000, 'x'), 2000, Answer::Cut::Silence));
+  const std::pair<const char*, std::function<void()>> leaving[] = {
+      {"cancel", [this] { world.state.CancelRequested = true; }},
+      {"end", [this] { world.lifetime.End(0); }},
+  };
+  for (const auto& [name, leave] : leaving) {
+    SCOPED_TRACE(name);
+    server.Forget();
+    world.When([this] { return server.Count("/hold") == 1; }, leave);
+    const auto start = Clock::now();
+    Download("/hold");
+    EXPECT_LT(Clock::now() - start, std::chrono::seconds(5));
+    EXPECT_FALSE(world.state.Finished);
+    EXPECT_EQ(FileCount(), 0u);
+    world.state.CancelRequested = false;
+  }
+  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "") << "nothing is asked for once the program ends";
+  EXPECT_EQ(server.Count("/hold"), 1u);
+}
+
+TEST_F(TransferTest, BlockingWorkHandsItsFailureOver) {
+  EXPECT_THROW(web::RunBlocking(*world.host.events, world.lifetime,
+                                [](std::stop_token) { throw std::runtime_error("lost"); }),
+               std::runtime_error);
+  int innerRuns = 0;
+  world.When(
+      [] { return true; },
+      [&] { web::RunBlocking(*world.host.events, world.lifetime, [&](std::stop_token) { ++innerRuns; }); });
+  web::RunBlocking(*world.host.events, world.lifetime, [&](std::stop_token) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));  // long enough for a round
+  });
+  EXPECT_EQ(innerRuns, 1) << "calls nest";
+}
+
+TEST_F(TransferTest, FreshAnswersAreUsedAgain) {
+  web::AnswerCache cache;
+  const auto ask = [&](bool viaInet) {
+    const web::TextOptions options{.cache = &cache};
+    const std::string url = server.Url("/news");
+    return viaInet ? world.inet.OpenURL(url, options) : world.transfers.GetHttpText(url, options);
+  };
+  const struct {
+    const char* name;
+    support::Headers headers;
+    bool tagged;
+    std::size_t asked;  // requests of three questions, 40 seconds apart
+    int conditional;    // how many of them may be answered 304
+  } cases[] = {
+      {"nothing said", {}, false, 3, 0},
+      {"for a minute", {{"Cache-Control", "public, max-age=60"}}, false, 2, 0},
+      {"old already", {{"Cache-Control", "max-age=60"}, {"Age", "30"}}, false, 3, 0},
+      {"tag", {}, true, 3, 2},
+      {"both", {{"Cache-Control", "max-age=60"}}, true, 2, 1},
+      {"must ask", {{"Cache-Control", "no-cache, max-age=60"}}, true, 3, 2},
+      {"must not keep", {{"Cache-Control", "no-store, max-age=60"}}, true, 3, 0},
+      {"nonsense", {{"Cache-Control", "max-age=soon"}}, false, 3, 0},
+      {"for ever", {{"Cache-Control", "max-age=99999999999999999999999"}}, false, 1, 0},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    cache.Forget(server.Url("/news"));
+    server.Forget();
+    if (test.tagged) {
+      server.On("/news", support::Tagged("noticia", "\"v1\"", test.headers));
+    } else {
+      server.On("/news", support::Text("noticia", test.headers));
+    }
+    for (int i = 0; i < 3; ++i) {
+      EXPECT_EQ(ask(i % 2 == 1), "noticia");
+      world.host.clock.Step(40'000);
+    }
+    const auto seen = server.Seen();
+    EXPECT_EQ(seen.size(), test.asked);
+    EXPECT_EQ(std::count_if(seen.begin(), seen.end(),
+                            [](const auto& request) { return !request.Header("if-none-match").empty(); }),
+              test.conditional);
+  }
+  server.On("/news", support::Page(500, "oh"));
+  world.host.clock.Step(100'000'000);
+  EXPECT_EQ(ask(false), "oh");
+}
+
+TEST_F(TransferTest, TheControlDeliversInChunks) {
+  std::string big(1'000'000, 'c');
+  for (std::size_t i = 0; i < big.size(); i += 991) big[i] = static_cast<char>(i);
+  server.On("/big", support::Text(big));
+  server.On("/cut", support::CutShort(big, 5000));
+  const support::ClosedPort closed("127.0.0.6");
+  std::vector<int> states;
+  std::string body;
+  world.inet.StateChanged += [&](int state) {
+    states.push_back(state);
+    if (state != web::kStateResponseCompleted) return;
+    for (auto chunk = world.inet.GetChunk(1024); !chunk.empty(); chunk = world.inet.GetChunk(1024)) {
+      EXPECT_LE(chunk.size(), 1024u);
+      body.append(reinterpret_cast<const char*>(chunk.data()), chunk.size());
+    }
+  };
+  const struct {
+    std::string url;
+    int state;
+    bool failed;
+    std::string body;
+  } cases[] = {
+      {server.Url("/big"), web::kStateResponseCompleted, false, big},
+      {server.Url("/cut"), web::kStateResponseCompleted, true, big.substr(0, 5000)},
+      {closed.Url("/big"), web::kStateError, true, ""},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.url);
+    states.clear();
+    body.clear();
+    world.inet.Execute(test.url);
+    EXPECT_TRUE(world.inet.StillExecuting());
+    EXPECT_EQ(world.inet.OpenURL(server.Url("/other")), "") << "one request at a time";
+    world.inet.Execute(server.Url("/other"));
+    ASSERT_TRUE(world.PumpUntil([&] { return !world.inet.StillExecuting(); }));
+    EXPECT_EQ(states, std::vector<int>{test.state});
+    EXPECT_TRUE(test.failed ? test.body.starts_with(body) : test.body == body);
+    EXPECT_EQ(world.inet.BodyFailed(), test.failed);
+    EXPECT_EQ(world.inet.GetHeader("Content-length"), test.state == web::kStateError ? "" : "1000000");
+  }
+  EXPECT_EQ(server.Count("/other"), 0u);
+}
+
+TEST_F(TransferTest, ACancelledControlIsFreeAtOnce) {
+  server.On("/hold", support::CutShort(std::string(9'000'000, 'x'), 8'000'000, Answer::Cut::Silence));
+  server.On("/text", support::Text("hello"));
+  int states = 0;
+  world.inet.StateChanged += [&](int) { ++states; };
+  const auto start = Clock::now();
+  for (int i = 0; i < 3; ++i) {
+    world.inet.Execute(server.Url("/hold"));
+    ASSERT_TRUE(world.PumpUntil([&] { return states == i + 1; }));
+    EXPECT_TRUE(world.inet.StillExecuting());
+    world.inet.Cancel();
+    EXPECT_EQ(world.inet.OpenURL(server.Url("/text")), "hello");
+  }
+  world.inet.SetRequestTimeout(1);
+  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "") << "the request time-out";
+  world.inet.Execute(server.Url("/hold"));  // and the end of the test does not wait for it either
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(8));
+}
+
+TEST(AddressChecks, AcceptAndRefuse) {
+  const std::string longList = "1:2:3:4:5:6:7:8:9:10:11:12:13:14:15:16:17:18:19:20:21:22:23:24:25:26";
+  const struct {
+    const char* name;
+    bool (*check)(std::string_view);
+    std::vector<std::string> good, bad;
+  } cases[] = {
+      {"token",
+       web::IsTextToken,
+       {"", "abc XYZ", "09az", "a:b", "\xC3\xBF"},
+       {"a-b", "1.2", "x\n", "{", "\xC3\xB1"}},
+      {"byte",
+       [](std::string_view text) { return web::IsInRange(text, 0); },
+       {"0", "255", "1.5"},
+       {"", "-1", "256", "x"}},
+      {"short",
+       [](std::string_view text) { return web::IsInRange(text, 1); },
+       {"-32768", "32767"},
+       {"-32769", "32768"}},
+      {"long",
+       [](std::string_view text) { return web::IsInRange(text, 2); },
+       {"-2147483648", "2147483647"},
+       {"2147483648", "1e99"}},
+      {"kind", [](std::string_view text) { return web::IsInRange(text, 3); }, {}, {"1"}},
+      {"dotted",
+       web::IsDottedAddress,
+       {"1.2.3.4", "255.255.255.255"},
+       {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "a.b.c.d", "1..2.3"}},
+      {"colons",
+       web::IsColonList,
+       {"2001:db8::1", "Null", longList},
+       {"", " ", "Null No AU", "a-b", longList + ":27"}},
+  };
+  for (const auto& test : cases) {
+    for (const std::string& text : test.good) EXPECT_TRUE(test.check(text)) << test.name << " " << text;
+    for (const std::string& text : test.bad) EXPECT_FALSE(test.check(text)) << test.name << " " << text;
+  }
+}
+
+}  // namespace
