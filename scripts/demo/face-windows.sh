@@ -6,7 +6,7 @@ layout=$PWD/src/ui/win32/layout_main.cpp
 main_window=
 pictures=0
 
-visible() { xdotool search --onlyvisible --name "$1" 2>/dev/null; }
+visible() { xdotool search --onlyvisible --name "$1" 2>/dev/null || true; }
 first_visible() { visible "$1" | head -n 1; }
 
 face_start() { # face_start NAME
@@ -15,10 +15,24 @@ face_start() { # face_start NAME
   launcher=$!
 }
 
-# The first news are asked for when the start is done and the buttons work.
+# The windows that bear the program's title: the main one is high, the others are message boxes.
+main_or_box() { # main_or_box main|box
+  local window height kind
+  for window in $(visible '^Launcher - Kelvarin$'); do
+    height=$(xdotool getwindowgeometry --shell "$window" 2>/dev/null | sed -n 's/^HEIGHT=//p') || true
+    [ -n "$height" ] || continue # closed meanwhile
+    if [ "$height" -gt 400 ]; then kind=main; else kind=box; fi
+    [ $kind != "$1" ] || { say "$window"; return; }
+  done
+}
+box() { main_or_box box; }
+is_box() { [ -n "$(box)" ]; }
+
+# The start is done when the first news have been shown: the mirror is confirmed right after that.
 face_ready() {
-  [ -n "$main_window" ] || main_window=$(first_visible '^Launcher - Kelvarin$') || return 1
-  [ -n "$main_window" ] && requests 'web/include/noticiasbase\.php' | grep -q .
+  main_window=$(main_or_box main)
+  [ -n "$main_window" ] &&
+    requests 'Online\.txt|web/include/noticiasbase\.php' | tr '\n' ' ' | grep -q 'php Online'
 }
 
 # At the middle of the control, as the layout places it.
@@ -30,15 +44,14 @@ face_press() { # face_press CONTROL
   xdotool click 1
 }
 
-face_picture() { # face_picture NAME [WINDOW]
+face_picture() { # face_picture NAME [WINDOW | game]
   local window=${2:-$main_window}
+  [ "$window" != game ] || window=$(first_visible '^KVN-DX8$')
   [ "${DEMO_WHOLE_SCREEN-no}" = no ] || window=root
-  import -window "$window" "$demo/$((++pictures))-$1.png" || fail "no picture of $1"
+  pictures=$((pictures + 1))
+  import -window "$window" "$demo/$(printf %02d $pictures)-$1.png" || fail "no picture of $1"
 }
 
-# A message box that says nothing else bears the main window's title.
-box() { visible '^Launcher - Kelvarin$' | grep -vx "$main_window" | head -n 1; }
-is_box() { [ -n "$(box)" ]; }
 question() { first_visible '^¡ATENCIÓN! Lea con cuidado\.$'; }
 is_question() { [ -n "$(question)" ]; }
 
@@ -63,6 +76,7 @@ face_confirm_repair() {
 no_question() { ! is_question; }
 
 face_game_started() { [ -n "$(first_visible '^KVN-DX8$')" ]; }
+face_command_line() { tr '\0' ' ' <"/proc/$(xdotool getwindowpid "$(first_visible '^KVN-DX8$')")/cmdline"; }
 face_end_game() {
   press_key "$(first_visible '^KVN-DX8$')" Escape
   wait_until 10 "the game's end" game_ended

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr const wchar_t* kTitle = L"KVN-DX8";
-constexpr int kWidth = 760, kHeight = 260, kMargin = 24;  // pixels at 96 DPI
+constexpr int kWidth = 860, kHeight = 260, kMargin = 24;  // pixels at 96 DPI
 
 std::wstring Shown() {
   std::wstring program(32768, L'\0');  // the longest path there is
