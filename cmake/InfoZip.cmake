@@ -47,6 +47,9 @@ add_library(infozip STATIC ${infozip_files}
 set_target_properties(infozip PROPERTIES C_STANDARD 99 C_EXTENSIONS ON)
 target_include_directories(infozip PRIVATE ${INFOZIP_SOURCE_DIR})
 target_include_directories(infozip SYSTEM INTERFACE ${INFOZIP_SOURCE_DIR})
-target_compile_definitions(infozip PRIVATE WIN32 FORCE_WIN32_OVER_UNIX DLL WINDLL UNZIPLIB)
+# Its own inflate and crc32 would bear the same names as zlib's in one program, so it works with zlib's.
+target_compile_definitions(infozip PRIVATE WIN32 FORCE_WIN32_OVER_UNIX DLL WINDLL UNZIPLIB USE_ZLIB)
+find_package(ZLIB REQUIRED)
+target_link_libraries(infozip PUBLIC ZLIB::ZLIB)
 # Written long before today's warnings; -fwrapv and -fno-strict-aliasing are the promises its era's compilers made.
 target_compile_options(infozip PRIVATE -w -fwrapv -fno-strict-aliasing)

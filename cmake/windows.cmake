@@ -7,8 +7,18 @@ find_package(ZLIB REQUIRED)
 target_link_libraries(launcher_core PUBLIC infozip ZLIB::ZLIB winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
                       ole32 uuid shell32 user32 advapi32)
 
+# Icon, version and manifest; the tests carry them too, so that their windows behave as the program's.
+enable_language(RC)
+set(resource_script ${CMAKE_SOURCE_DIR}/src/ui/win32/launcher.rc)
+string(REPLACE "." "," version_numbers ${PROJECT_VERSION},0)
+set_source_files_properties(${resource_script} PROPERTIES
+  COMPILE_DEFINITIONS "LAUNCHER_VERSION_NUMBERS=${version_numbers};LAUNCHER_VERSION=${PROJECT_VERSION}"
+  INCLUDE_DIRECTORIES ${CMAKE_SOURCE_DIR}/assets/skin
+  OBJECT_DEPENDS "${CMAKE_SOURCE_DIR}/src/ui/win32/launcher.manifest;${CMAKE_SOURCE_DIR}/assets/skin/AAA.ico")
+add_library(launcher_resources OBJECT ${resource_script})
+
 add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)
-target_link_libraries(launcher PRIVATE launcher_core)
+target_link_libraries(launcher PRIVATE launcher_core launcher_resources)
 target_link_options(launcher PRIVATE -s)
 
 # The demonstration's stand-in for the game client.

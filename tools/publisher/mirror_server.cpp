@@ -127,11 +127,13 @@ bool MirrorServer::State::Send(ServedFile& served, std::size_t offset, std::size
   }
   served.file.Seek(offset);
   const std::size_t count = served.file.Read(std::span(piece).first(wanted));
-  if (count == 0 || !sink.write(reinterpret_cast<const char*>(piece.data()), count)) return false;
   sent += count;
-  if (options.rate == 0) return WaitUntil({});
-  const std::chrono::duration<double> due(static_cast<double>(sent) / static_cast<double>(options.rate));
-  return WaitUntil(start + std::chrono::duration_cast<std::chrono::steady_clock::duration>(due));
+  const double seconds =
+      options.rate == 0 ? 0 : static_cast<double>(sent) / static_cast<double>(options.rate);
+  const auto due =
+      std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
+  return count != 0 && WaitUntil(start + due) &&
+         sink.write(reinterpret_cast<const char*>(piece.data()), count);
 } catch (const util::RuntimeError&) {
   return false;  // the client sees a body that is cut short
 }

@@ -13,7 +13,7 @@ class ButtonView : public View {
   ButtonView(Form& form, controls::Control& control, const LayoutRow& row, const std::string& text)
       : View(form, control, row) {
     const bool leadsSomewhere = control.Click.HasHandlers();
-    Create(L"BUTTON", Widen(text), BS_OWNERDRAW | WS_GROUP | (leadsSomewhere ? WS_TABSTOP : 0u));
+    Create(L"BUTTON", platform::Wide(text), BS_OWNERDRAW | WS_GROUP | (leadsSomewhere ? WS_TABSTOP : 0u));
   }
 
   void Command(int notification) override {
@@ -93,12 +93,11 @@ class ButtonView : public View {
 class ImageView : public ButtonView {
  public:
   ImageView(Form& form, controls::ImageControl& image, const LayoutRow& row)
-      : ButtonView(form, image, row, image.description), image_(image) {}
+      : ButtonView(form, image, row, Spoken(image)), image_(image) {}
 
   void Changed(std::string_view property) override {
+    if (TextOf(Handle()) != platform::Wide(Spoken(image_))) SetText(Spoken(image_));
     if (property == "Picture") {
-      // What a screen reader reads is settled by the time the first picture is.
-      if (TextOf(Handle()) != Widen(image_.description)) SetText(image_.description);
       Invalidate();
       UpdateWindow(Handle());  // a press is seen even when its click starts long work
     }
@@ -114,6 +113,11 @@ class ImageView : public ButtonView {
   }
 
  private:
+  // What a screen reader reads; complete by the time the image has its first picture.
+  static std::string Spoken(const controls::ImageControl& image) {
+    return image.Checked ? image.description + " (activado)" : image.description;
+  }
+
   controls::ImageControl& image_;
 };
 

@@ -32,6 +32,11 @@ class ComboView : public View {
     SendMessageW(Handle(), CB_SETITEMHEIGHT, 0, line);
     SetWindowPos(Handle(), nullptr, box.left, box.top, Width(box), Height(box) + line * kLinesDropped,
                  SWP_NOZORDER | SWP_NOACTIVATE);
+    if (const HWND edit = Edit()) {
+      const int side = form_.Scaled(6);
+      SetWindowPos(edit, nullptr, side, (Height(box) - line) / 2, Width(box) - Height(box) - side, line,
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+    }
     ShowChoice();
   }
 
@@ -46,7 +51,7 @@ class ComboView : public View {
       combo_.Change();
     }
     if (notification == CBN_EDITCHANGE) {
-      const std::string typed = Narrow(TextOf(Handle()));
+      const std::string typed = platform::Narrow(TextOf(Handle()));
       combo_.ListIndex = combo_.IndexOf(typed);
       combo_.Text = typed;
       combo_.KeyUp();
@@ -76,7 +81,7 @@ class ComboView : public View {
   void FillList() {
     SendMessageW(Handle(), CB_RESETCONTENT, 0, 0);
     for (const std::string& entry : combo_.Entries()) {
-      SendMessageW(Handle(), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(Widen(entry).c_str()));
+      SendMessageW(Handle(), CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(platform::Wide(entry).c_str()));
     }
     ShowChoice();
   }
@@ -86,14 +91,18 @@ class ComboView : public View {
     if (SendMessageW(Handle(), CB_GETCURSEL, 0, 0) != index) {
       SendMessageW(Handle(), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
     }
-    if (editable_ && TextOf(Handle()) != Widen(combo_.Text.Get())) SetText(combo_.Text);
+    if (editable_ && TextOf(Handle()) != platform::Wide(combo_.Text.Get())) SetText(combo_.Text);
     Invalidate();
   }
 
-  void Paint() {
+  // The part that is typed into; null for a list that is only chosen from.
+  HWND Edit() const {
     COMBOBOXINFO info{};
     info.cbSize = sizeof info;
-    GetComboBoxInfo(Handle(), &info);
+    return editable_ && GetComboBoxInfo(Handle(), &info) ? info.hwndItem : nullptr;
+  }
+
+  void Paint() {
     const BufferedPaint paint(Handle());
     const RECT box = paint.Client();
     skin::DrawBox(paint.Dc(), box, form_.Scaled(1));
@@ -105,9 +114,10 @@ class ComboView : public View {
       text.left += form_.Scaled(7);
       text.right = arrow.left;
       const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
-      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single, Widen(combo_.Text.Get()));
+      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
+                      platform::Wide(combo_.Text.Get()));
     }
-    if (Focused() || (info.hwndItem && GetFocus() == info.hwndItem)) {
+    if (Focused() || (editable_ && GetFocus() == Edit())) {
       Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
     }
   }

@@ -67,8 +67,9 @@ void Form::Create() {
   Register(&Form::Procedure);
   const Styles styles = StylesOf(layout_.chrome);
   // The window's address is bound by the first message that carries it, WM_NCCREATE.
-  handle_.reset(CreateWindowExW(styles.extended, kClass, Widen(window_.Caption.Get()).c_str(), styles.style,
-                                0, 0, 10, 10, nullptr, nullptr, GetModuleHandleW(nullptr), this));
+  handle_.reset(CreateWindowExW(styles.extended, kClass, platform::Wide(window_.Caption.Get()).c_str(),
+                                styles.style, 0, 0, 10, 10, nullptr, nullptr, GetModuleHandleW(nullptr),
+                                this));
 }
 
 void Form::MakeViews() {
@@ -162,7 +163,7 @@ void Form::Paint() {
 }
 
 void Form::Changed(std::string_view property) {
-  if (property == "Caption") SetWindowTextW(Handle(), Widen(window_.Caption.Get()).c_str());
+  if (property == "Caption") SetWindowTextW(Handle(), platform::Wide(window_.Caption.Get()).c_str());
   if (property == "Picture") PaintBackground();
   if (property == "Visible") ShowNow();
   if (property == "WindowState") {
@@ -254,8 +255,8 @@ void Form::LimitSize(MINMAXINFO& limits) const {
 }
 
 LRESULT Form::ColourOf(HDC dc, HWND child) const {
-  const View* view = ViewOf(child);
-  SetTextColor(dc, view && view->Control().Enabled ? skin::kBoxText : skin::kDimmed);
+  const View* view = ViewOf(child);  // none for a list that hangs below its combo
+  SetTextColor(dc, !view || view->Control().Enabled ? skin::kBoxText : skin::kDimmed);
   SetBkColor(dc, skin::kBox);
   return reinterpret_cast<LRESULT>(boxBrush_.get());
 }

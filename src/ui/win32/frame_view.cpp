@@ -14,7 +14,7 @@ class FrameView : public View {
   void PaintBehind(HDC dc) override {
     if (!frame_.Visible) return;
     RECT box = Box();
-    const std::wstring caption = Widen(frame_.Caption.Get());
+    const std::wstring caption = platform::Wide(frame_.Caption.Get());
     const HGDIOBJ before = SelectObject(dc, Font());
     SIZE size{};
     GetTextExtentPoint32W(dc, caption.c_str(), static_cast<int>(caption.size()), &size);

@@ -4,9 +4,9 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 #include <type_traits>
 
+#include "platform/win32/wide.hpp"
 #include "ui/screen.hpp"
 
 // Owners of what the drawing functions of the system hand out, and small helpers around them.
@@ -78,8 +78,6 @@ class BufferedPaint {
   Canvas canvas_;
 };
 
-std::wstring Widen(std::string_view utf8);
-std::string Narrow(std::wstring_view utf16);
 std::wstring TextOf(HWND window);
 
 inline COLORREF Rgb(std::uint32_t rrggbb) {

@@ -10,7 +10,7 @@ class LabelView : public View {
  public:
   LabelView(Form& form, controls::Label& label, const LayoutRow& row)
       : View(form, label, row), label_(label) {
-    Create(L"STATIC", Widen(label.Caption.Get()), SS_NOPREFIX | WS_GROUP);
+    Create(L"STATIC", platform::Wide(label.Caption.Get()), SS_NOPREFIX | WS_GROUP);
   }
 
   void Changed(std::string_view property) override {
@@ -26,7 +26,7 @@ class LabelView : public View {
     PaintBackground(paint.Dc());
     const COLORREF colour = label_.ForeColor == 0 ? Rgb(row_.colour) : COLORREF{label_.ForeColor};
     skin::DrawLabel(paint.Dc(), paint.Client(), Font(label_.Underline), colour, row_.align, row_.lines,
-                    Widen(label_.Caption.Get()));
+                    platform::Wide(label_.Caption.Get()));
     return 0;
   }
 

@@ -22,7 +22,7 @@ namespace {
 constexpr UINT kLargestSide = 8192;
 
 bool Decode(const std::string& path, Pixels& pixels) {
-  Gdiplus::Bitmap bitmap(Widen(path).c_str());
+  Gdiplus::Bitmap bitmap(platform::Wide(path).c_str());
   if (bitmap.GetLastStatus() != Gdiplus::Ok) return false;
   const UINT width = bitmap.GetWidth(), height = bitmap.GetHeight();
   if (width == 0 || height == 0 || width > kLargestSide || height > kLargestSide) return false;
@@ -80,13 +80,13 @@ HCURSOR PictureCache::Cursor(const std::string& path, int dpi) {
   if (isNew) {
     const int size = SystemMetricAt(SM_CXCURSOR, dpi);
     found->second.reset(static_cast<HCURSOR>(
-        LoadImageW(nullptr, Widen(path).c_str(), IMAGE_CURSOR, size, size, LR_LOADFROMFILE)));
+        LoadImageW(nullptr, platform::Wide(path).c_str(), IMAGE_CURSOR, size, size, LR_LOADFROMFILE)));
   }
   return found->second.get();
 }
 
 UniqueIcon PictureCache::Icon(const std::string& path, int size) {
-  const std::wstring file = Widen(path);
+  const std::wstring file = platform::Wide(path);
   UniqueIcon icon(
       static_cast<HICON>(LoadImageW(nullptr, file.c_str(), IMAGE_ICON, size, size, LR_LOADFROMFILE)));
   if (icon) return icon;

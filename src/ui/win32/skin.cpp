@@ -118,7 +118,12 @@ void DrawLabel(HDC dc, RECT rect, HFONT font, COLORREF colour, Align align, Line
   const HGDIOBJ before = SelectObject(dc, font);
   SetBkMode(dc, TRANSPARENT);
   SetTextColor(dc, colour);
-  DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &rect, Flags(align, lines));
+  UINT flags = Flags(align, lines);
+  if (align == Align::Right) {  // a drawn text may be a little wider than the system reckons
+    rect.right -= Height(rect) / 8;
+    flags |= DT_NOCLIP;
+  }
+  DrawTextW(dc, text.c_str(), static_cast<int>(text.size()), &rect, flags);
   SelectObject(dc, before);
 }
 

@@ -1,6 +1,5 @@
 #include "ui/win32/taskbar_progress.hpp"
 
-#include <objbase.h>
 #include <shobjidl.h>
 
 namespace ui::win32 {
@@ -12,14 +11,9 @@ struct TaskbarProgress::List {
   }
 };
 
-TaskbarProgress::TaskbarProgress() : created_(RegisterWindowMessageW(L"TaskbarButtonCreated")) {
-  CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE);
-}
+TaskbarProgress::TaskbarProgress() : created_(RegisterWindowMessageW(L"TaskbarButtonCreated")) {}
 
-TaskbarProgress::~TaskbarProgress() {
-  list_.reset();
-  CoUninitialize();
-}
+TaskbarProgress::~TaskbarProgress() = default;
 
 void TaskbarProgress::ButtonCreated() {
   auto list = std::make_unique<List>();

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+#include "platform/win32/com_apartment.hpp"
+
 namespace ui::win32 {
 
 // The green bar in a window's taskbar button; does nothing where the taskbar has none.
@@ -20,6 +22,7 @@ class TaskbarProgress {
 
  private:
   struct List;
+  platform::ComApartment apartment_;
   UINT created_;
   std::unique_ptr<List> list_;
   bool shown_ = false;

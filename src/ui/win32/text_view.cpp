@@ -11,7 +11,7 @@ class TextView : public View {
     const DWORD align = row.align == Align::Center  ? ES_CENTER
                         : row.align == Align::Right ? ES_RIGHT
                                                     : ES_LEFT;
-    Create(L"EDIT", Widen(text.Text.Get()), ES_AUTOHSCROLL | WS_GROUP | WS_TABSTOP | align);
+    Create(L"EDIT", platform::Wide(text.Text.Get()), ES_AUTOHSCROLL | WS_GROUP | WS_TABSTOP | align);
   }
 
   // The box is drawn by the form; the child holds one line in its middle.
@@ -30,12 +30,12 @@ class TextView : public View {
   }
 
   void Changed(std::string_view property) override {
-    if (property == "Text" && TextOf(Handle()) != Widen(text_.Text.Get())) SetText(text_.Text);
+    if (property == "Text" && TextOf(Handle()) != platform::Wide(text_.Text.Get())) SetText(text_.Text);
     View::Changed(property);
   }
 
   void Command(int notification) override {
-    if (notification == EN_CHANGE) text_.Text = Narrow(TextOf(Handle()));
+    if (notification == EN_CHANGE) text_.Text = platform::Narrow(TextOf(Handle()));
     if (notification == EN_KILLFOCUS) text_.LostFocus();
   }
 

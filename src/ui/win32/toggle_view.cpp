@@ -11,7 +11,7 @@ class ToggleView : public View {
  public:
   ToggleView(Form& form, Kind& kind, const LayoutRow& row, DWORD style)
       : View(form, kind, row), kind_(kind), radio_((style & BS_TYPEMASK) == BS_RADIOBUTTON) {
-    Create(L"BUTTON", Widen(kind.Caption.Get()), style | WS_TABSTOP);
+    Create(L"BUTTON", platform::Wide(kind.Caption.Get()), style | WS_TABSTOP);
     ShowValue();
   }
 
@@ -84,7 +84,8 @@ class ToggleView : public View {
     }
     text.left = mark.right + form_.Scaled(7);
     const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
-    skin::DrawLabel(paint.Dc(), text, Font(), colour, Align::Left, Lines::Single, Widen(kind_.Caption.Get()));
+    skin::DrawLabel(paint.Dc(), text, Font(), colour, Align::Left, Lines::Single,
+                    platform::Wide(kind_.Caption.Get()));
     if (Focused() && form_.ShowsFocus()) Outline(paint.Dc(), paint.Client(), form_.Scaled(1), skin::kFocus);
   }
 

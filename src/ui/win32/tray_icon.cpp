@@ -80,7 +80,7 @@ bool TrayIcon::Tell(DWORD action) {
 }
 
 void TrayIcon::Notify(TrayAction action, const std::string& tip) {
-  tip_ = Widen(tip);
+  tip_ = platform::Wide(tip);
   wanted_ = action != TrayAction::Remove;
   switch (action) {
     case TrayAction::Add:
@@ -104,7 +104,7 @@ void TrayIcon::Popup(controls::Menu& menu) {
       AppendMenuW(shown.get(), MF_SEPARATOR, id, nullptr);
     } else {
       AppendMenuW(shown.get(), entry.enabled ? MF_STRING : MF_STRING | MF_GRAYED, id,
-                  Widen(entry.caption).c_str());
+                  platform::Wide(entry.caption).c_str());
     }
   }
   POINT at{};

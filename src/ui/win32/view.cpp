@@ -99,7 +99,7 @@ void View::Changed(std::string_view property) {
   }
 }
 
-void View::SetText(const std::string& text) { SetWindowTextW(Handle(), Widen(text).c_str()); }
+void View::SetText(const std::string& text) { SetWindowTextW(Handle(), platform::Wide(text).c_str()); }
 
 HFONT View::Font(bool underline) const { return form_.Font(row_.face, row_.points, underline); }
 

@@ -22,7 +22,7 @@ DialogAnswer Win32Dialogs::Show(const std::string& text, DialogButtons buttons, 
       break;
   }
   const HWND owner = screen_ ? screen_->DialogOwner() : nullptr;
-  switch (MessageBoxW(owner, Widen(text).c_str(), Widen(title).c_str(), kind)) {
+  switch (MessageBoxW(owner, platform::Wide(text).c_str(), platform::Wide(title).c_str(), kind)) {
     case IDYES:
       return DialogAnswer::Yes;
     case IDNO:

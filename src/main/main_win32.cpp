@@ -1,0 +1,32 @@
+#include <windows.h>
+// after windows.h, which it builds on
+#include <shlwapi.h>
+
+#include "launcher.hpp"
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "platform/win32/event_loop_win32.hpp"
+#include "platform/win32/harden.hpp"
+#include "platform/win32/wide.hpp"
+#include "ui/win32/win32_dialogs.hpp"
+#include "ui/win32/win32_screen.hpp"
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+  platform::HardenProcess();
+  const auto clock = platform::MakeClock();
+  platform::Win32EventLoop events(*clock);
+  ui::win32::Win32Dialogs dialogs;
+  const auto processes = platform::MakeProcesses({});
+  const auto shell = platform::MakeShell({});
+  const auto settings = platform::MakeSettingsStore();
+  const auto profiles = platform::MakeProfileFiles();
+  const auto http = platform::MakeHttpClient();
+  ui::win32::Win32Screen screen;
+  events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
+  dialogs.SetScreen(&screen);
+  const platform::Host host{*clock, events, dialogs, *processes, *shell, *settings, *profiles, *http};
+  Launcher launcher(host, screen,
+                    {platform::ExecutablePath(), platform::Narrow(PathGetArgsW(GetCommandLineW()))});
+  launcher.Main();
+  return launcher.RunEvents();
+}

@@ -1,0 +1,309 @@
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "platform/files.hpp"
+#include "platform/unzip.hpp"
+#include "publisher/publication_lock.hpp"
+#include "publisher/source_files.hpp"
+#include "support/archives.hpp"
+#include "support/posix/publication.hpp"
+#include "update/zip_archive.hpp"
+
+namespace {
+
+using support::Noise;
+using support::TestPublication;
+
+std::string Unpacked(const std::string& packed, std::size_t size) {
+  std::string bytes(size, '\0');
+  uLongf length = size;
+  const int result = uncompress(reinterpret_cast<Bytef*>(bytes.data()), &length,
+                                reinterpret_cast<const Bytef*>(packed.data()) + 4, packed.size() - 4);
+  return result == Z_OK && length == size ? bytes : "not unpacked";
+}
+
+bool Holds(const std::string& text, const std::string& piece) {
+  return text.find(piece) != std::string::npos;
+}
+
+TEST(Publisher, AFreshPublicationIsCompleteAndASecondInitKeepsWhatIsThere) {
+  TestPublication pub;
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+  EXPECT_EQ(pub.Get("OldAct/Update.ini"),
+            "[INIT]\r\nInit=0\r\nMapas=0\r\nGraficos=0\r\nMidis=0\r\nWavs=0\r\nAU=0\r\nExtras=0\r\n");
+  EXPECT_EQ(Unpacked(pub.Get("NewAct2/Info.kvn"), 4), support::MakeIndex({}));
+  pub.Put("web/include/info.php", "mine");
+  EXPECT_EQ(pub.Init(), 0);
+  EXPECT_EQ(pub.Get("web/include/info.php"), "mine");
+}
+
+TEST(Publisher, ArchivesHoldEveryFileAndTheSameFilesGiveTheSameBytes) {
+  TestPublication pub;
+  const std::vector<std::pair<std::string, std::string>> files = {
+      {"Bin/KVN-DX8.exe", Noise(300'000, 1)},
+      {"Mapas/Mapa1.map", std::string(1'000'000, 'x')},
+      {"RECURSOS/Camión/ñandú.txt", "accents"},
+      {"empty", ""},
+  };
+  for (const auto& [name, bytes] : files) pub.game.Put(name, bytes);
+  ASSERT_EQ(pub.Run({"client", pub.Root(), pub.game.Path()}), 0) << pub.err;
+  const std::string first = pub.Get("Kelvarin.zip");
+  update::ZipArchive(pub.Root() + "/Kelvarin.zip").Prove();
+  ASSERT_EQ(platform::UnzipArchive(pub.Root() + "/Kelvarin.zip", pub.folder / "x"), 0);
+  for (const auto& [name, bytes] : files) {
+    EXPECT_TRUE(pub.folder.Has("x/" + name)) << name;
+    EXPECT_EQ(pub.folder.Get("x/" + name), bytes) << name;
+  }
+  // The same files made in another order and at another time, below a folder of another name.
+  support::TempFolder again;
+  for (auto file = files.rbegin(); file != files.rend(); ++file) again.Put(file->first, file->second);
+  std::filesystem::last_write_time(again / "empty", {});
+  ASSERT_EQ(pub.Run({"client", pub.Root(), again.Path() + "/"}), 0);
+  EXPECT_TRUE(pub.Get("Kelvarin.zip") == first);
+}
+
+TEST(Publisher, PatchesAreNumberedAndTheListKeepsWhatItDoesNotKnow) {
+  TestPublication pub;
+  pub.game.Put("Mapas/Mapa1.map", "one");
+  pub.Put("OldAct/Update.ini", pub.Get("OldAct/Update.ini") + "; mine\r\n");
+  const std::string before = pub.Get("OldAct/Update.ini");
+  EXPECT_EQ(pub.Patch("Mapas"), 0);
+  EXPECT_EQ(pub.Patch("Mapas"), 0);
+  EXPECT_EQ(pub.Patch("AU"), 0);
+  std::string expected = before;
+  expected.replace(expected.find("Mapas=0"), 7, "Mapas=2").replace(expected.find("AU=0"), 4, "AU=1");
+  EXPECT_EQ(pub.Get("OldAct/Update.ini"), expected);
+  EXPECT_EQ(update::ZipArchive(pub.Root() + "/OldAct/Mapas/Mapas2.zip").Entries().size(), 1u);
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+}
+
+TEST(Publisher, NamesThatLaunchersWouldRefuseAreRefusedHere) {
+  const struct {
+    std::string name;
+    bool good;
+  } cases[] = {
+      {"Mapas/Mapa1.map", true}, {"Gráficos/€.bmp", true}, {"a b/c.txt", true},
+      {"Mapas/日本.map", false}, {"bad\xFFname", false},   {"a\\b", false},
+      {"COM1.dat", false},       {"sub/aux", false},       {"trailing.", false},
+      {"blank ", false},         {"what?", false},         {"line\nend", false},
+      {"a:stream", false},       {"../up", false},         {std::string(241, 'x'), false},
+  };
+  for (const auto& [name, good] : cases) EXPECT_EQ(publisher::WhyUnpublishable(name).empty(), good) << name;
+
+  for (const std::string name : {"NUL.txt", "日本", "mapa1.MAP"}) {
+    TestPublication pub;
+    pub.game.Put("Mapa1.map", "good");
+    pub.game.Put(name, "bad");
+    const std::string list = pub.Get("OldAct/Update.ini");
+    EXPECT_EQ(pub.Patch("Mapas"), 1);
+    EXPECT_TRUE(Holds(pub.err, name)) << pub.err;
+    EXPECT_EQ(pub.Get("OldAct/Update.ini"), list);
+    EXPECT_FALSE(pub.folder.Has("pub/OldAct/Mapas/Mapas1.zip"));
+  }
+}
+
+TEST(Publisher, WhatCannotBePublishedIsSaidAndChangesNothing) {
+  TestPublication pub;
+  EXPECT_EQ(pub.Patch("Mapas"), 1);  // an empty folder
+  EXPECT_EQ(pub.Index(), 1);         // no Bin
+  pub.game.Put("Bin/huge", "");
+  std::filesystem::resize_file(pub.game / "Bin/huge", 0xFFFFFFFF);  // a hole of 4 GiB less a byte
+  EXPECT_EQ(pub.Patch("Mapas"), 1);
+  EXPECT_TRUE(Holds(pub.err, "Bin/huge: launchers take")) << pub.err;
+  std::filesystem::resize_file(pub.game / "Bin/huge", 0x80000000);
+  EXPECT_EQ(pub.Index(), 1);
+  EXPECT_TRUE(Holds(pub.err, "Bin/huge: a file of 2 GiB")) << pub.err;
+  platform::RemoveTree(pub.game / "Bin");
+  pub.game.Put("file", "x");
+  std::filesystem::create_symlink("/etc/passwd", pub.game / "link");
+  EXPECT_EQ(pub.Patch("mapas"), 2);  // categories are written as they stand
+  EXPECT_EQ(pub.Run({"patch", pub.folder.Path(), "Mapas", pub.game.Path()}), 1);
+  EXPECT_TRUE(Holds(pub.err, "not a publication"));
+  EXPECT_EQ(pub.Run({"patch", pub.Root(), "Mapas", pub.folder.Path()}), 1);
+  EXPECT_TRUE(Holds(pub.err, "holds the publication itself"));
+  {
+    const publisher::PublicationLock other(publisher::Layout(pub.Root()),
+                                           publisher::PublicationLock::Kind::Writing);
+    EXPECT_EQ(pub.Patch("Mapas"), 1);
+    EXPECT_TRUE(Holds(pub.err, "another publisher"));
+  }
+  pub.Put("OldAct/Update.ini", "[INIT]\r\nMapas=32767\r\nWavs=some\r\n");
+  EXPECT_EQ(pub.Patch("Mapas"), 1);
+  EXPECT_EQ(pub.Patch("Wavs"), 1);
+  EXPECT_EQ(pub.Get("OldAct/Update.ini"), "[INIT]\r\nMapas=32767\r\nWavs=some\r\n");
+  pub.Put("OldAct/Update.ini", "[INIT]\r\nMapas=0\r\n");
+  EXPECT_EQ(pub.Patch("Mapas"), 0);
+  EXPECT_TRUE(Holds(pub.err, "link: left out"));
+}
+
+TEST(Publisher, WordsThatMakeNoCommandGiveTwo) {
+  TestPublication pub;
+  const std::vector<std::vector<std::string>> wrong = {
+      {},
+      {"publish", "x"},
+      {"patch", "x"},
+      {"check", "x", "y"},
+      {"check", "x", "--port", "1"},
+      {"serve", "x", "--port"},
+      {"serve", "x", "--port", "65536"},
+      {"serve", "x", "--rate=0"},
+      {"serve", "x", "--rate", "fast"},
+      {"serve", "x", "--loud"},
+  };
+  for (const auto& words : wrong) {
+    EXPECT_EQ(pub.Run(words), 2) << testing::PrintToString(words);
+    EXPECT_TRUE(pub.out.empty());
+  }
+  for (const std::string command : {"init", "patch", "index", "client", "check", "serve"}) {
+    EXPECT_EQ(pub.Run({command, "--help"}), 0);
+    EXPECT_TRUE(pub.out.starts_with("Usage: publisher " + command + " PUBLICATION")) << pub.out;
+  }
+  EXPECT_EQ(pub.Run({"--version"}), 0);
+  EXPECT_EQ(pub.out, "publisher " LAUNCHER_VERSION "\n");
+}
+
+TEST(Publisher, TheIndexNamesEveryFileOfBinAndPacksOnlyWhatChanged) {
+  TestPublication pub;
+  pub.game.Put("Bin/KVN-DX8.exe", Noise(200'000, 2));
+  pub.game.Put("Bin/Sub/ñandú.dat", "data");
+  pub.game.Put("Bin/empty", "");
+  pub.game.Put("Bin/MD5Update.ini", "the launcher's own");
+  pub.game.Put("Mapas/not.map", "not in Bin");
+  ASSERT_EQ(pub.Index(), 0) << pub.err;
+  EXPECT_TRUE(Holds(pub.err, "empty: an empty file")) << pub.err;
+  const std::string index = support::MakeIndex({{support::Md5Of(Noise(200'000, 2)), "\\Bin\\KVN-DX8.exe"},
+                                                {support::Md5Of("data"),
+                                                 "\\Bin\\Sub\\\xF1"
+                                                 "and\xFA.dat"},
+                                                {"NOT FOUND" + std::string(23, ' '), "\\Bin\\empty"}});
+  EXPECT_EQ(Unpacked(pub.Get("NewAct2/Info.kvn"), index.size()), index);
+  EXPECT_EQ(pub.Get("NewAct2/Info.kvn").substr(0, 4),
+            std::string({static_cast<char>(index.size()), 0, 0, 0}));
+  EXPECT_EQ(Unpacked(pub.Get("NewAct2/Bin/Sub/ñandú.dat.kvn"), 4), "data");
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+
+  const std::string program = pub.Root() + "/NewAct2/Bin/KVN-DX8.exe.kvn";
+  const auto stamp = platform::StampOf(program);
+  pub.game.Put("Bin/Sub/ñandú.dat", "new!");
+  platform::RemoveFile(pub.game / "Bin/empty");
+  ASSERT_EQ(pub.Index(), 0);
+  EXPECT_EQ(platform::StampOf(program), stamp);
+  EXPECT_TRUE(Holds(pub.out, "2 files, 1 packed anew")) << pub.out;
+
+  // A packed file that has rotted is packed again; one that is no longer in the game goes.
+  std::string rotten = pub.Get("NewAct2/Bin/KVN-DX8.exe.kvn");
+  rotten[rotten.size() / 2] ^= 1;
+  pub.Put("NewAct2/Bin/KVN-DX8.exe.kvn", rotten);
+  EXPECT_EQ(pub.Check(), 1);
+  platform::RemoveTree(pub.game / "Bin/Sub");
+  ASSERT_EQ(pub.Index(), 0);
+  EXPECT_FALSE(pub.folder.Has("pub/NewAct2/Bin/Sub"));
+  EXPECT_FALSE(pub.folder.Has("pub/NewAct2.next"));
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+}
+
+TEST(Publisher, AFileThatLaunchersWouldInstallUnderAnotherNameEndsTheIndexing) {
+  TestPublication pub;
+  pub.game.Put("Bin/good", "x");
+  ASSERT_EQ(pub.Index(), 0);
+  const std::string before = pub.Get("NewAct2/Info.kvn");
+  pub.game.Put("Bin/LIST.kvn", "x");
+  EXPECT_EQ(pub.Index(), 1);
+  EXPECT_TRUE(Holds(pub.err, "LIST.kvn"));
+  EXPECT_EQ(pub.Get("NewAct2/Info.kvn"), before);
+}
+
+TEST(Publisher, CheckFindsEveryKindOfDamage) {
+  const struct {
+    std::string file, bytes;  // put there; no bytes: removed
+    std::string told;
+  } cases[] = {
+      {"Online.txt", "2", "Online.txt"},
+      {"Online.txt", "1 <!doctype html>", "Online.txt"},
+      {"Online.txt", "", "Online.txt: it is missing"},
+      {"OldAct/Update.ini", "", "Update.ini: it is missing"},
+      {"OldAct/Update.ini", "[INIT]\r\nInit=x\r\n", "no number of patches for Init"},
+      {"OldAct/Update.ini", "[INIT]\r\nInit = 0\r\n", "no number of patches for Init"},
+      {"OldAct/Mapas/Mapas1.zip", "", "Mapas1.zip: it is missing"},
+      {"OldAct/Mapas/Mapas1.zip", "no archive", "Mapas1.zip"},
+      {"OldAct/Mapas/Mapas1.zip", support::MakeZip({}), "Mapas1.zip: it is empty"},
+      {"OldAct/Mapas/Mapas1.zip", support::MakeZip({{.name = "a", .bytes = "x", .crcError = 1}}),
+       "Mapas1.zip"},
+      {"OldAct/Mapas/Mapas1.zip", support::MakeZip({{.name = "../a", .bytes = "x"}}), "Mapas1.zip"},
+      {"OldAct/Mapas/Mapas1.zip", support::MakeZip({{.name = "日本", .bytes = "x"}}), "Windows-1252"},
+      {"NewAct2/Info.kvn", "", "Info.kvn: it is missing"},
+      {"NewAct2/Info.kvn", "junk", "Info.kvn"},
+      {"NewAct2/Info.kvn", support::MakePacked(support::MakeIndex({}, 5)), "Info.kvn"},
+      {"NewAct2/Info.kvn", support::MakePacked(support::MakeIndex({{std::string(32, 'a'), "\\..\\x"}})),
+       "refuse"},
+      {"NewAct2/Bin/file.kvn", "", "file.kvn: it is missing"},
+      {"NewAct2/Bin/file.kvn", support::MakePacked("other"), "not the file of the index"},
+      {"NewAct2/Bin/file.kvn", support::MakePacked("content", 6), "size field"},
+      {"NewAct2/Bin/file.kvn", support::MakePacked("content") + "x", "after its end"},
+      {"NewAct2/Bin/file.kvn", support::MakePacked("content").substr(0, 9), "cut short"},
+      {"web/include/info.php", "no records", "info.php"},
+      {"Kelvarin.zip", "no archive", "Kelvarin.zip"},
+  };
+  TestPublication pub;
+  pub.game.Put("Bin/file", "content");
+  ASSERT_EQ(pub.Patch("Mapas"), 0);
+  ASSERT_EQ(pub.Index(), 0);
+  ASSERT_EQ(pub.Run({"client", pub.Root(), pub.game.Path()}), 0);
+  for (const auto& [file, bytes, told] : cases) {
+    const std::string good = pub.Get(file);
+    if (bytes.empty()) platform::RemoveFile(pub.Root() + "/" + file);
+    if (!bytes.empty()) pub.Put(file, bytes);
+    EXPECT_EQ(pub.Check(), 1) << file;
+    EXPECT_TRUE(Holds(pub.out, "problem: ") && Holds(pub.out, told)) << told << "\n" << pub.out;
+    pub.Put(file, good);
+  }
+  // On one line, as launchers take it too; and a file that nobody asks for is no problem.
+  pub.Put("OldAct/Update.ini", "[INIT] Init=0 Mapas=1 Graficos=0 Midis=0 Wavs=0 AU=0 Extras=0");
+  pub.Put("OldAct/stray", "x");
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+  EXPECT_TRUE(Holds(pub.out, "stray: no launcher asks for it"));
+}
+
+// Publishes the game in a process of its own, killed after `patience`; true when it came to its end before.
+bool PublishUntilKilled(TestPublication& pub, std::chrono::microseconds patience) {
+  const pid_t child = fork();
+  if (child == 0) _exit(pub.Index() == 0 && pub.Patch("Mapas") == 0 ? 0 : 9);
+  std::this_thread::sleep_for(patience);
+  kill(child, SIGKILL);
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0);
+  return !WIFSIGNALED(status);
+}
+
+TEST(Publisher, KilledAtAnyMomentItLeavesAPublicationThatChecks) {
+  TestPublication pub;
+  for (int i = 0; i < 12; ++i) pub.game.Put("Bin/file" + std::to_string(i), Noise(60'000, 100 + i));
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(pub.Index() + pub.Patch("Mapas"), 0) << pub.err;
+  const auto usual =
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+  std::minstd_rand random(7);
+  int killed = 0;
+  for (int round = 0; round < 25; ++round) {
+    for (int i = round % 3; i < 12; i += 3) {
+      pub.game.Put("Bin/file" + std::to_string(i), Noise(60'000, 1000 * round + i));
+    }
+    const auto patience = std::chrono::microseconds(random() % static_cast<unsigned>(usual.count() + 1));
+    if (!PublishUntilKilled(pub, patience)) ++killed;
+    ASSERT_EQ(pub.Check(), 0) << "round " << round << "\n" << pub.out;
+  }
+  EXPECT_GT(killed, 0);
+  EXPECT_EQ(pub.Index() + pub.Patch("Mapas"), 0) << pub.err;
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
+}
+
+}  // namespace

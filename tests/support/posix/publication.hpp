@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "support/temp_folder.hpp"
+
+namespace support {
+
+// A game folder and its publication, worked on by the publisher's commands in this process.
+class TestPublication {
+ public:
+  TestPublication();
+
+  // The exit status; `out` and `err` hold what was said by the last command.
+  int Run(const std::vector<std::string>& words);
+  int Init() { return Run({"init", Root()}); }
+  int Patch(const std::string& category) { return Run({"patch", Root(), category, game.Path()}); }
+  int Index() { return Run({"index", Root(), game.Path()}); }
+  int Check() { return Run({"check", Root()}); }
+
+  std::string Root() const { return folder / "pub"; }
+  std::string Get(const std::string& relative) const { return folder.Get("pub/" + relative); }
+  void Put(const std::string& relative, const std::string& bytes) const {
+    folder.Put("pub/" + relative, bytes);
+  }
+
+  TempFolder folder;
+  TempFolder game;
+  std::string out, err;
+};
+
+std::string Noise(std::size_t size, unsigned seed);  // bytes that do not compress
+
+}  // namespace support

@@ -1,0 +1,322 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <thread>
+
+#include "controls/main_window.hpp"
+#include "platform/win32/event_loop_win32.hpp"
+#include "platform/win32/wide.hpp"
+#include "startup/launcher_settings.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "support/win32/gui_objects.hpp"
+#include "ui/frmMain.hpp"
+#include "ui/frmNotify.hpp"
+#include "ui/win32/resample.hpp"
+#include "ui/win32/win32_dialogs.hpp"
+#include "ui/win32/win32_screen.hpp"
+
+namespace {
+
+constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "config", "reparar", "whatsapp"};
+constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
+
+// A picture of one colour in a format that needs no encoder.
+std::string OneColour(COLORREF colour) {
+  const auto byte = [](int value) { return static_cast<char>(value); };
+  std::string bytes("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x01\0\0\0\x01\0\0\0\x01\0\x18\0", 30);
+  bytes.resize(54);
+  return bytes + byte(GetBValue(colour)) + byte(GetGValue(colour)) + byte(GetRValue(colour)) + '\0';
+}
+
+// Real windows of the main window and the news pop-up, driven by real messages.
+struct WindowsMainWindowTest : testing::Test {
+  WindowsMainWindowTest() {
+    const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
+    for (const char* stem : kStems) {
+      for (const auto& [state, colour] : states) {
+        folder.Put(std::string("RECURSOS/GRAFICOS/") + stem + state + ".jpg", OneColour(colour));
+      }
+    }
+    folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", OneColour(RGB(9, 9, 9)));
+    Ask("0");
+    Loop().preTranslate = [this](MSG& message) { return screen.Translate(message); };
+    main.Form_Load(true);
+    main.btnIniciar.EnableButton(true);
+    main.btnConfig.EnableButton(true);
+    handle = screen.HandleOf(window);
+    SetForegroundWindow(handle);
+    host.events->DoEvents();
+  }
+
+  platform::Win32EventLoop& Loop() { return dynamic_cast<platform::Win32EventLoop&>(*host.events); }
+  void Ask(const char* show) {
+    host.settings->Set(startup::keys::kApplication, startup::keys::kConfig, startup::keys::kShow, show);
+  }
+  ui::frmMain::Actions Actions() {
+    ui::frmMain::Actions made;
+    made.LoadGameConfig = made.RestoreHosts = made.SwitchURL = made.ComenzarActualizacion = [] {};
+    made.GetServersList = made.UnloadOptions = made.ClearNotify = made.CloseLauncher = [] {};
+    made.ServerListEmpty = [] { return false; };
+    made.Iniciar = [this] { ++plays; };
+    made.ReiniciarUpdates = [this] { ++repairs; };
+    made.ShowOptions = [this] { ++options; };
+    made.DownloadFile = [](const std::string&, const std::string&) { return true; };
+    return made;
+  }
+
+  // Handles events until the condition holds; false when it does not in good time.
+  bool Until(const std::function<bool()>& condition) {
+    const auto end = GetTickCount64() + 10'000;
+    while (!condition()) {
+      if (GetTickCount64() > end) return false;
+      host.events->WaitEvents(10);
+    }
+    return true;
+  }
+
+  HWND Child(const controls::ImageControl& image) {
+    return FindWindowExW(handle, nullptr, L"BUTTON", platform::Wide(image.description).c_str());
+  }
+  COLORREF Shown(const controls::ImageControl& image) {
+    const HWND child = Child(image);
+    const HDC dc = GetDC(child);
+    const COLORREF colour = GetPixel(dc, 10, 10);
+    ReleaseDC(child, dc);
+    return colour;
+  }
+  bool Shows(const controls::ImageControl& image, COLORREF colour) {
+    return Until([&] { return Shown(image) == colour; });
+  }
+  void Send(HWND to, UINT message, WPARAM keys, int x, int y) {
+    SendMessageW(to, message, keys, MAKELPARAM(x, y));
+  }
+  void Point(const controls::ImageControl& image) { Send(Child(image), WM_MOUSEMOVE, 0, 12, 12); }
+  void Click(const controls::ImageControl& image) {
+    Point(image);
+    Send(Child(image), WM_LBUTTONDOWN, MK_LBUTTON, 12, 12);
+    Send(Child(image), WM_LBUTTONUP, 0, 12, 12);
+  }
+  void Key(int key) {
+    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYDOWN, static_cast<WPARAM>(key), 1);
+    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYUP, static_cast<WPARAM>(key), 0xC0000001);
+    host.events->DoEvents();
+  }
+  void TrayMouse(int number) { SendMessageW(FindWindowW(L"LauncherTray", nullptr), WM_MOUSEMOVE, 0, number); }
+
+  // Opens the tray's menu, looks at it while it is open, and closes it.
+  void WithMenu(const std::function<void(HMENU)>& look) {
+    bool looked = false;
+    std::thread looker([&] {
+      HWND menu = nullptr;
+      for (int i = 0; i < 500 && !(menu = FindWindowW(L"#32768", nullptr)); ++i) Sleep(20);
+      if (!menu) return;
+      look(reinterpret_cast<HMENU>(SendMessageW(menu, 0x01E1 /* MN_GETHMENU */, 0, 0)));
+      looked = true;
+      while (FindWindowW(L"#32768", nullptr) == menu) {
+        PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 1);
+        Sleep(20);
+      }
+    });
+    TrayMouse(WM_RBUTTONUP);
+    looker.join();
+    EXPECT_TRUE(looked);
+  }
+
+  support::TempFolder folder;
+  support::TestHost host;
+  startup::Folders folders{folder.Path()};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*host.events};
+  startup::ErrorRecorder recorder{host.host, folders, lifetime};
+  web::Hosts hosts;
+  ui::win32::Win32Screen screen;
+  controls::MainWindow window{host.events->Timers()};
+  int plays = 0, repairs = 0, options = 0;
+  ui::frmMain main{host.host, folders, deployment, recorder, lifetime, hosts, screen, window, Actions()};
+  HWND handle = nullptr;
+};
+
+TEST_F(WindowsMainWindowTest, PicturesFollowThePointer) {
+  EXPECT_TRUE(Shows(window.cmdIniciar, kNormal));
+  Point(window.cmdIniciar);
+  EXPECT_TRUE(Shows(window.cmdIniciar, kHover));
+  Point(window.cmdReiniciarUpdates);
+  EXPECT_TRUE(Shows(window.cmdIniciar, kNormal));
+  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kHover));
+  Send(Child(window.cmdReiniciarUpdates), WM_LBUTTONDOWN, MK_LBUTTON, 12, 12);
+  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kPressed));
+  EXPECT_EQ(repairs, 0);
+  Send(Child(window.cmdReiniciarUpdates), WM_LBUTTONUP, 0, 12, 12);
+  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kHover));
+  EXPECT_EQ(repairs, 1);
+  Send(handle, WM_MOUSEMOVE, 0, 5, 5);
+  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kNormal));
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "");
+}
+
+TEST_F(WindowsMainWindowTest, RestingPointerDoesNotClearTheStatus) {
+  Send(handle, WM_MOUSEMOVE, 0, 5, 5);
+  window.lblEstado.Caption = std::string("Descargando");
+  Send(handle, WM_MOUSEMOVE, 0, 5, 5);
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Descargando");
+  Send(handle, WM_MOUSEMOVE, 0, 6, 5);
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "");
+}
+
+int dragRequests = 0;
+WNDPROC formProcedure = nullptr;
+LRESULT CALLBACK CountDrags(HWND target, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCLBUTTONDOWN && wParam == HTCAPTION) {
+    ++dragRequests;
+    return 0;
+  }
+  return CallWindowProcW(formProcedure, target, message, wParam, lParam);
+}
+
+TEST_F(WindowsMainWindowTest, BarePartsAndLabelsAskTheSystemToMoveTheWindow) {
+  dragRequests = 0;
+  formProcedure = reinterpret_cast<WNDPROC>(
+      SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&CountDrags)));
+  Send(handle, WM_LBUTTONDOWN, MK_LBUTTON, 5, 5);
+  EXPECT_EQ(dragRequests, 1);
+  RECT label{};
+  GetWindowRect(
+      FindWindowExW(handle, nullptr, L"STATIC", platform::Wide(window.lblEstado.Caption.Get()).c_str()),
+      &label);
+  POINT at{label.left + 3, label.top + 3};
+  ScreenToClient(handle, &at);
+  Send(handle, WM_MOUSEMOVE, MK_LBUTTON, at.x, at.y);
+  EXPECT_EQ(dragRequests, 2);
+  Send(handle, WM_MOUSEMOVE, 0, at.x + 1, at.y);
+  EXPECT_EQ(dragRequests, 2);
+  SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(formProcedure));
+}
+
+TEST_F(WindowsMainWindowTest, CloseHidesAndADoubleClickOnTheIconRestores) {
+  Click(window.cmdClose);
+  EXPECT_FALSE(IsWindowVisible(handle));
+  EXPECT_FALSE(lifetime.Ending());
+  TrayMouse(WM_LBUTTONDBLCLK);
+  EXPECT_TRUE(IsWindowVisible(handle));
+  EXPECT_FALSE(IsIconic(handle));
+  EXPECT_TRUE(Shows(window.cmdReportar, kNormal));
+}
+
+TEST_F(WindowsMainWindowTest, ShowRequestBringsTheWindowBack) {
+  Click(window.cmdMinimize);
+  ASSERT_FALSE(IsWindowVisible(handle));
+  Ask("1");
+  host.clock.Step(1000);
+  EXPECT_TRUE(Until([&] { return IsWindowVisible(handle) && !IsIconic(handle); }));
+}
+
+TEST_F(WindowsMainWindowTest, MenuOffersRestoringOnlyWhileTheWindowIsAway) {
+  const auto greyed = [](HMENU menu) { return (GetMenuState(menu, 3, MF_BYPOSITION) & MF_GRAYED) != 0; };
+  WithMenu([&](HMENU menu) {
+    EXPECT_EQ(GetMenuItemCount(menu), 6);
+    EXPECT_TRUE(greyed(menu));
+  });
+  Click(window.cmdClose);
+  WithMenu([&](HMENU menu) { EXPECT_FALSE(greyed(menu)); });
+}
+
+TEST_F(WindowsMainWindowTest, KeyboardWalksThePressableButtons) {
+  SetFocus(handle);
+  std::vector<std::wstring> walked;
+  for (int i = 0; i < 6; ++i) {
+    Key(VK_TAB);
+    walked.push_back(ui::win32::TextOf(GetFocus()));
+  }
+  std::sort(walked.begin(), walked.end());
+  EXPECT_EQ(std::unique(walked.begin(), walked.end()), walked.end());
+  SetFocus(Child(window.cmdIniciar));
+  Key(VK_RETURN);
+  EXPECT_EQ(plays, 1);
+  Key(VK_SPACE);
+  EXPECT_EQ(plays, 2);
+  SetFocus(Child(window.cmdConfig));
+  Key(VK_RETURN);
+  EXPECT_EQ(options, 1);
+  Key(VK_ESCAPE);
+  EXPECT_TRUE(lifetime.Ending());
+}
+
+TEST_F(WindowsMainWindowTest, EndOfSessionIsAllowedAndEndsTheProgram) {
+  EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
+  SendMessageW(handle, WM_ENDSESSION, FALSE, 0);
+  EXPECT_FALSE(lifetime.Ending());
+  SendMessageW(handle, WM_ENDSESSION, TRUE, 0);
+  EXPECT_TRUE(lifetime.Ending());
+}
+
+TEST_F(WindowsMainWindowTest, ScreenReadersFindTexts) {
+  window.lblName.Caption = std::string("Gráficos12.zip");
+  EXPECT_TRUE(FindWindowExW(handle, nullptr, L"STATIC", L"Gráficos12.zip"));
+  for (const controls::ImageControl* image : {&window.cmdClose, &window.cmdIniciar, &window.cmdReportar}) {
+    EXPECT_FALSE(image->description.empty());
+    EXPECT_TRUE(Child(*image));
+  }
+}
+
+TEST_F(WindowsMainWindowTest, NewsStandAboveOthersWithoutTakingTheFocus) {
+  ui::frmNotify notify(host.host, folders, deployment, recorder, lifetime, screen);
+  const HWND active = GetActiveWindow();
+  notify.ShowMessage("texto", "título", 7, 15000);
+  const HWND notice = screen.HandleOf(notify.window);
+  EXPECT_TRUE(IsWindowVisible(notice));
+  EXPECT_TRUE(GetWindowLongPtrW(notice, GWL_EXSTYLE) & WS_EX_TOPMOST);
+  EXPECT_EQ(GetActiveWindow(), active);
+  const ui::Area work = screen.WorkArea(), bounds = screen.Bounds(notify.window);
+  EXPECT_EQ(bounds.right, work.right);
+  EXPECT_EQ(bounds.bottom, work.bottom);
+  notify.Hide();
+  EXPECT_FALSE(IsWindowVisible(notice));
+}
+
+TEST_F(WindowsMainWindowTest, MessageBoxBelongsToTheWindow) {
+  ui::win32::Win32Dialogs dialogs;
+  dialogs.SetScreen(&screen);
+  HWND owner = nullptr;
+  std::thread player([&] {
+    HWND box = nullptr;
+    for (int i = 0; i < 500 && !(box = FindWindowW(L"#32770", L"¡ATENCIÓN!")); ++i) Sleep(20);
+    owner = GetWindow(box, GW_OWNER);
+    PostMessageW(box, WM_COMMAND, IDYES, 0);
+  });
+  EXPECT_EQ(dialogs.Show("¿Seguro?", platform::DialogButtons::YesNo, "¡ATENCIÓN!"),
+            platform::DialogAnswer::Yes);
+  player.join();
+  EXPECT_EQ(owner, handle);
+}
+
+TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
+  const auto tick = [&](int i) {
+    window.lblsize.Caption = std::to_string(i) + " kb";
+    window.ProgressBar1.Value = i % 100;
+    Point(i % 2 ? window.cmdIniciar : window.cmdReportar);
+    Send(handle, WM_MOUSEMOVE, 0, i % 7, 5);
+    host.clock.Step(1000);
+    host.events->DoEvents();
+  };
+  for (int i = 0; i < 50; ++i) tick(i);
+  const support::GuiObjects before = support::CountGuiObjects();
+  ASSERT_GT(before.drawing, 0u);
+  for (int i = 0; i < 3600; ++i) tick(i);
+  const support::GuiObjects after = support::CountGuiObjects();
+  EXPECT_LE(after.drawing, before.drawing + 5);
+  EXPECT_LE(after.windows, before.windows);
+}
+
+TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
+  const ui::win32::Pixels source{
+      4, 2, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060}};
+  EXPECT_EQ(ui::win32::Resampled(source, 2, 1).data, (std::vector<std::uint32_t>{0x000040, 0x204060}));
+  const ui::win32::Pixels larger = ui::win32::Resampled({2, 1, {0x000000, 0x640000}}, 4, 1);
+  EXPECT_EQ(larger.data, (std::vector<std::uint32_t>{0x000000, 0x190000, 0x4B0000, 0x640000}));
+}
+
+}  // namespace
