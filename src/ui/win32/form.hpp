@@ -76,6 +76,7 @@ class Form {
   controls::Window& window_;
   const WindowLayout& layout_;
   UniqueWindow handle_;
+  int monitorDpi_ = 96;
   int dpi_ = 96;
   std::unique_ptr<Canvas> background_;
   std::map<std::tuple<std::wstring, int, bool>, UniqueFont> fonts_;
