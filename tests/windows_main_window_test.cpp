@@ -56,6 +56,29 @@ TEST_F(WindowsMainWindowTest, PicturesFollowThePointer) {
   EXPECT_EQ(window.lblEstado.Caption.Get(), "");
 }
 
+// Moves the system's own pointer, so that the window under it is found by the system too.
+TEST_F(WindowsMainWindowTest, RealPointerBringsTheHoverTexts) {
+  const auto moveTo = [&](HWND target, int x, int y) {
+    POINT at{x, y};
+    ClientToScreen(target, &at);
+    SetCursorPos(at.x, at.y);
+  };
+  const auto pointAt = [&](const controls::ImageControl& image) { moveTo(Child(image), 12, 12); };
+  pointAt(window.cmdIniciar);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get() == "¡Iniciar la aventura de Kelvarin!"; }));
+  EXPECT_FALSE(window.lblErrorWhatsApp.Visible);
+  pointAt(window.cmdReportar);
+  EXPECT_TRUE(Until([&] { return window.lblErrorWhatsApp.Visible.Get(); }));
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "¡Iniciar la aventura de Kelvarin!");
+  moveTo(handle, 300, 200);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get().empty(); }));
+  EXPECT_TRUE(window.lblErrorWhatsApp.Visible) << "the bare window leaves it";
+  EXPECT_TRUE(Shows(window.cmdReportar, kNormal));
+  pointAt(window.cmdReiniciarUpdates);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get().starts_with("¿Errores en el juego?"); }));
+  EXPECT_FALSE(window.lblErrorWhatsApp.Visible);
+}
+
 TEST_F(WindowsMainWindowTest, RestingPointerDoesNotClearTheStatus) {
   Send(handle, WM_MOUSEMOVE, 0, 5, 5);
   window.lblEstado.Caption = std::string("Descargando");

@@ -88,7 +88,7 @@ struct WindowsPicturesTest : testing::Test, support::WindowWorld {
     host.events->DoEvents();
     RedrawWindow(form, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     WindowPicture picture = support::TakePicture(form);
-    EXPECT_GT(picture.Colours(), 100u) << name << " is blank";
+    EXPECT_GT(picture.Colours(), 30u) << name << " is blank";
     EXPECT_TRUE(support::WritePng(picture, *destination, name)) << name;
     return picture;
   }
@@ -143,6 +143,10 @@ struct WindowsPicturesTest : testing::Test, support::WindowWorld {
     for (const int percent : percents) {
       const std::string whole = name + "-" + std::to_string(percent);
       Scale(form, 96 * percent / 100);
+      RECT client{};
+      GetClientRect(form, &client);
+      EXPECT_EQ(client.right, ui::win32::LayoutOf(shown.Name()).width * percent / 100) << whole;
+      EXPECT_EQ(client.bottom, ui::win32::LayoutOf(shown.Name()).height * percent / 100) << whole;
       for (std::size_t i = 0; i < children.size(); ++i) {
         const RECT box = InForm(form, children[i]);
         const LONG want[] = {design[i].left, design[i].top, design[i].right, design[i].bottom};
@@ -329,7 +333,6 @@ TEST_F(WindowsPicturesTest, OpenListInTheSkinsColours) {
   RedrawWindow(info.hwndList, nullptr, nullptr, RDW_INVALIDATE | RDW_UPDATENOW);
   const WindowPicture picture = support::TakePicture(info.hwndList);
   EXPECT_TRUE(support::WritePng(picture, *destination, "options-list"));
-  Photograph(form, "options-list-open");
   std::set<std::uint32_t> colours(picture.pixels.begin(), picture.pixels.end());
   EXPECT_TRUE(colours.contains(0x24366C)) << "the chosen entry";
   EXPECT_TRUE(colours.contains(0x060B1C)) << "the others";

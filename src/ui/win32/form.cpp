@@ -102,8 +102,19 @@ void Form::Rescale(const POINT* corner) {
   const SIZE size = WindowSize();
   SetWindowPos(Handle(), nullptr, corner ? corner->x : 0, corner ? corner->y : 0, size.cx, size.cy,
                SWP_NOZORDER | SWP_NOACTIVATE | (corner ? 0u : SWP_NOMOVE));
+  FitClient(size);
   for (const auto& view : views_) view->Place();
   PaintBackground();
+}
+
+// The frame may be another one than was reckoned with: it is the system's, and its theme's.
+void Form::FitClient(SIZE size) {
+  RECT client{};
+  GetClientRect(Handle(), &client);
+  const int width = Scaled(layout_.width) - Width(client), height = Scaled(layout_.height) - Height(client);
+  if (width == 0 && height == 0) return;
+  SetWindowPos(Handle(), nullptr, 0, 0, size.cx + width, size.cy + height,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Form::SetIcons() {

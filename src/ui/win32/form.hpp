@@ -58,6 +58,7 @@ class Form {
   void Create();
   void MakeViews();
   void Rescale(const POINT* corner);
+  void FitClient(SIZE size);
   void PaintBackground();
   void Paint();
   void ShowNow();
