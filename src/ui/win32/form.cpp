@@ -242,6 +242,7 @@ void Form::ToForeground() {
 void Form::StartDrag() {
   POINT at{};
   GetCursorPos(&at);
+  dragged_ = true;
   ReleaseCapture();
   SendMessageW(Handle(), WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(at.x, at.y));
 }

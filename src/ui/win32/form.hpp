@@ -89,6 +89,7 @@ class Form {
   View* under_ = nullptr;      // the view that the pointer was last over; null: the bare window
   View* pressed_ = nullptr;    // the label that the left button went down on
   POINT lastPointer_{-1, -1};  // on the screen
+  bool dragged_ = false;       // the press that is told was the one that moved the window
   bool showsFocus_ = false;    // the keyboard was used last
   bool moving_ = false;        // the window's state is being changed by this program
 };
