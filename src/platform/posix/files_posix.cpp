@@ -76,6 +76,12 @@ void FlushFile(const std::string& path) {
   if (!file || fsync(file.Get()) != 0) RaiseErrno(errno, path);
 }
 
+// One flush of the whole file system costs about as much as one of a single file.
+void FlushTree(const std::string& folder) {
+  const UniqueFd directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!directory || syncfs(directory.Get()) != 0) RaiseErrno(errno, folder);
+}
+
 std::vector<FoundFile> ListTree(const std::string& folder) {
   std::vector<FoundFile> found;
   std::string base = folder;
