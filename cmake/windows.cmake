@@ -24,3 +24,10 @@ add_library(launcher_resources OBJECT ${resource_script})
 add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)
 target_link_libraries(launcher PRIVATE launcher_core launcher_resources)
 target_link_options(launcher PRIVATE -s)
+
+# The demonstration's stand-in for the game client.
+add_executable(demo_client WIN32 ${CMAKE_SOURCE_DIR}/tools/demo_client/main.cpp)
+set_target_properties(demo_client PROPERTIES OUTPUT_NAME KVN-DX8)
+target_compile_options(demo_client PRIVATE -Wall -Wextra -Werror)
+target_compile_definitions(demo_client PRIVATE UNICODE _UNICODE)
+target_link_options(demo_client PRIVATE -municode -s)

@@ -160,7 +160,8 @@ void smodXmlHttp::ShowUnreachable() {
 
 void smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
   state_.Finished = false;
-  if (platform::IsFile(localPath)) return;  // the save would be refused, so nothing is fetched
+  // Nothing is fetched where the save would be refused.
+  if (lifetime_.Ending() || platform::IsFile(localPath)) return;
   Received received;
   Progress progress(host_.clock, frmMain_, received);
   std::stop_source cancel;

@@ -82,7 +82,7 @@ std::vector<FoundFile> ListTree(const std::string& folder) {
   while (base.size() > 1 && base.back() == '/') base.pop_back();
   try {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(base)) {
-      if (entry.symlink_status().type() != fs::file_type::regular) continue;
+      if (entry.is_symlink() || !entry.is_regular_file()) continue;  // as listed, without asking again
       found.push_back({entry.path().native().substr(base == "/" ? 1 : base.size() + 1)});
     }
   } catch (const fs::filesystem_error& error) {
