@@ -1,6 +1,10 @@
 # The Windows build: one statically linked launcher.exe that needs nothing but system DLLs.
 target_compile_definitions(project_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                            WINVER=0x0601 _WIN32_WINNT=0x0601)
+# GCC 12's own wait for systems without a futex misses wake-ups: a std::stop_callback, also the one inside
+# condition_variable_any::wait, then hangs in its destructor while another thread asks to stop. The semaphore of the
+# thread library does not.
+target_compile_definitions(project_options INTERFACE _GLIBCXX_USE_POSIX_SEMAPHORE=1)
 target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(project_options INTERFACE -Wl,--gc-sections)
 find_package(ZLIB REQUIRED)

@@ -14,10 +14,6 @@ namespace {
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::uint64_t kQuickMs = 20;
 
-// A stop is looked for and not waited for: MinGW's std::stop_callback (GCC 12) can hang in its destructor
-// while another thread asks to stop, because the wait it is built on misses a wake-up.
-constexpr std::uint64_t kStopPollMs = 40;
-
 struct Notice {
   DWORD error = ERROR_SUCCESS;
   DWORD value = 0;  // bytes available or read
@@ -67,7 +63,9 @@ TransferLimits::TransferLimits(const HttpRequest& request, std::stop_token stop)
     : request_(request),
       speed_(request.stallLimitMs),
       wholeDeadline_(request.wholeLimitMs == 0 ? UINT64_MAX : GetTickCount64() + request.wholeLimitMs),
-      stop_(std::move(stop)) {}
+      stop_(std::move(stop)),
+      stopped_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+      onStop_(stop_, EventSetter{stopped_.Get()}) {}
 
 void TransferLimits::BeginHop() {
   connected_ = false;
@@ -88,7 +86,9 @@ HttpError TransferLimits::Sleep(const unique_event& event) {
   if (now >= deadline) {
     return !connected_ && phaseDeadline == deadline ? HttpError::CannotConnect : HttpError::Stalled;
   }
-  WaitForSingleObject(event.Get(), static_cast<DWORD>(std::min(deadline - now, kStopPollMs)));
+  const HANDLE handles[] = {event.Get(), stopped_.Get()};
+  WaitForMultipleObjects(2, handles, FALSE,
+                         static_cast<DWORD>(std::min<std::uint64_t>(deadline - now, MAXLONG)));
   return HttpError::None;
 }
 

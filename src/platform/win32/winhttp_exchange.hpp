@@ -36,6 +36,11 @@ class SpeedWatch {
   std::uint64_t bytes_ = 0;
 };
 
+struct EventSetter {
+  HANDLE event;
+  void operator()() const { SetEvent(event); }
+};
+
 // The limits of one HttpRequest over all its hops, and the thread's one place to sleep in.
 class TransferLimits {
  public:
@@ -58,6 +63,8 @@ class TransferLimits {
   std::uint64_t connectDeadline_ = 0;
   bool connected_ = false;
   std::stop_token stop_;
+  unique_event stopped_;
+  std::stop_callback<EventSetter> onStop_;  // gone before the event that it sets
 };
 
 // One request over one hop, run by WinHTTP's threads, waited for by the caller's.
