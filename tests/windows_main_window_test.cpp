@@ -13,6 +13,7 @@
 #include "support/temp_folder.hpp"
 #include "support/test_host.hpp"
 #include "support/win32/gui_objects.hpp"
+#include "support/win32/one_colour.hpp"
 #include "ui/frmMain.hpp"
 #include "ui/frmNotify.hpp"
 #include "ui/win32/resample.hpp"
@@ -24,24 +25,16 @@ namespace {
 constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "config", "reparar", "whatsapp"};
 constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
 
-// A picture of one colour in a format that needs no encoder.
-std::string OneColour(COLORREF colour) {
-  const auto byte = [](int value) { return static_cast<char>(value); };
-  std::string bytes("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x01\0\0\0\x01\0\0\0\x01\0\x18\0", 30);
-  bytes.resize(54);
-  return bytes + byte(GetBValue(colour)) + byte(GetGValue(colour)) + byte(GetRValue(colour)) + '\0';
-}
-
 // Real windows of the main window and the news pop-up, driven by real messages.
 struct WindowsMainWindowTest : testing::Test {
   WindowsMainWindowTest() {
     const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
     for (const char* stem : kStems) {
       for (const auto& [state, colour] : states) {
-        folder.Put(std::string("RECURSOS/GRAFICOS/") + stem + state + ".jpg", OneColour(colour));
+        folder.Put(std::string("RECURSOS/GRAFICOS/") + stem + state + ".jpg", support::OneColour(colour));
       }
     }
-    folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", OneColour(RGB(9, 9, 9)));
+    folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", support::OneColour(RGB(9, 9, 9)));
     Ask("0");
     Loop().preTranslate = [this](MSG& message) { return screen.Translate(message); };
     main.Form_Load(true);

@@ -31,7 +31,7 @@ class SystemProfileFilesTest : public testing::Test {
   template <std::size_t N>
   std::string AnyOf(const char* const (&lines)[N]) {
     std::string text;
-    for (unsigned i = random_() % 8; i > 0; --i) text += lines[random_() % N];
+    for (unsigned i = random_() % 12; i > 0; --i) text += lines[random_() % N];
     return text;
   }
 
@@ -50,13 +50,13 @@ TEST_F(SystemProfileFilesTest, TextsAreReadAsTheSystemReadsThem) {
       "=5\r\n",     "Keys=3\r\n",      "[]\n",        "Key==\r\n",    "K\xF1=4\n",  "[x]Key=6\n",
       "Key=]\r\n",  "[INIT]Key=7\r\n", "Key=a;b\r\n", "Key=\xD1\r\n", " Key =\r\n", "Key=\"'a'\"\n"};
   int present = 0;
-  for (int i = 0; i < 1500; ++i) {
+  for (int i = 0; i < 300; ++i) {
     const std::string text = AnyOf(lines), name = Fresh(text);
     const std::string own = IniValue(text, "INIT", "Key").value_or("(none)");
     present += own != "(none)";
     ASSERT_EQ(Narrow(FromCodePage(CP_ACP, own)), FromSystem(name)) << text;
   }
-  EXPECT_GT(present, 300);
+  EXPECT_GT(present, 30);
 }
 
 // Where the system's own writing keeps its hands off the rest: CR LF everywhere and no blank lines.
@@ -65,7 +65,7 @@ TEST_F(SystemProfileFilesTest, FilesAreWrittenAsTheSystemWritesThem) {
                                "KEY=1\r\n",    "A=\"2\"\r\n",        "; Key=3\r\n",
                                "Keys=a=b\r\n", "M\xFAsica=\x80\r\n", "Key=\r\n"};
   const char* const values[] = {"9", "", "a = b", "\" q \"", "ñ"};
-  for (int i = 0; i < 600; ++i) {
+  for (int i = 0; i < 150; ++i) {
     const std::string text = AnyOf(lines), own = Fresh(text), system = Fresh(text), value = values[i % 5];
     profiles->WriteVar(folder / own, "INIT", "Key", value);
     WritePrivateProfileStringW(L"INIT", L"Key", Wide(value).c_str(), Wide(folder / system).c_str());
