@@ -1,6 +1,10 @@
 # The Windows build: one statically linked launcher.exe that needs nothing but system DLLs.
 target_compile_definitions(project_options INTERFACE UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN
                            WINVER=0x0601 _WIN32_WINNT=0x0601)
+# GCC 12's own wait for systems without a futex misses wake-ups: a std::stop_callback, also the one inside
+# condition_variable_any::wait, then hangs in its destructor while another thread asks to stop. The semaphore of the
+# thread library does not.
+target_compile_definitions(project_options INTERFACE _GLIBCXX_USE_POSIX_SEMAPHORE=1)
 target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections)
 target_link_options(project_options INTERFACE -Wl,--gc-sections)
 find_package(ZLIB REQUIRED)
@@ -20,3 +24,10 @@ add_library(launcher_resources OBJECT ${resource_script})
 add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)
 target_link_libraries(launcher PRIVATE launcher_core launcher_resources)
 target_link_options(launcher PRIVATE -s)
+
+# The demonstration's stand-in for the game client.
+add_executable(demo_client WIN32 ${CMAKE_SOURCE_DIR}/tools/demo_client/main.cpp)
+set_target_properties(demo_client PROPERTIES OUTPUT_NAME KVN-DX8)
+target_compile_options(demo_client PRIVATE -Wall -Wextra -Werror)
+target_compile_definitions(demo_client PRIVATE UNICODE _UNICODE)
+target_link_options(demo_client PRIVATE -municode -s)

@@ -52,7 +52,8 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       options_(settingsServices_),
       notify_(host_, folders_, deployment_, recorder_, lifetime_, screen_),
       frmMain_(host_, folders_, deployment_, recorder_, lifetime_, hosts_, screen_, frmMainControls_,
-               WindowActions()) {
+               WindowActions()),
+      closeBoxes_(lifetime_.Token(), [this] { host_.dialogs.CloseAll(); }) {
   inet_.StateChanged += [this](int state) { chunked_.Inet1_StateChanged(state); };
   frmMainControls_.tmrUpdates.Tick += [this] { check_.tmrUpdates_Timer(); };
   frmMainControls_.NewsTimer.Tick += [this] { news_.Timer_Timer(); };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <stop_token>
 #include <string>
 
 #include "controls/main_window.hpp"
@@ -104,4 +105,6 @@ class Launcher {
   ui::frmOpciones options_;
   ui::frmNotify notify_;
   ui::frmMain frmMain_;
+  // A box that waits for an answer does not keep the program from ending.
+  std::stop_callback<std::function<void()>> closeBoxes_;
 };

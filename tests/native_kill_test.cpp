@@ -86,8 +86,8 @@ std::map<std::string, std::string> GameFiles(const support::TempFolder& folder, 
   std::map<std::string, std::string> files;
   for (const platform::FoundFile& found : platform::ListTree(folder / game)) {
     const std::string name = util::WithSlashes(found.path);
-    const bool ofGame =
-        name.starts_with("RECURSOS/") ? !name.starts_with("RECURSOS/INIT/") : name.starts_with("Bin/");
+    const bool own = name.starts_with("RECURSOS/INIT/") || name.starts_with("RECURSOS/UPDATE/");
+    const bool ofGame = name.starts_with("Bin/") || (name.starts_with("RECURSOS/") && !own);
     if (ofGame && name != "Bin/MD5Update.ini") files[name] = folder.Get(game + "/" + name);
   }
   return files;

@@ -210,8 +210,9 @@ TEST_F(TransferTest, WhoeverLeavesDoesNotWait) {
     EXPECT_EQ(FileCount(), 0u);
     world.state.CancelRequested = false;
   }
-  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "") << "nothing is asked for once the program ends";
-  EXPECT_EQ(server.Count("/hold"), 1u);
+  Download("/hold");
+  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "");
+  EXPECT_EQ(server.Count("/hold"), 1u) << "nothing is asked for once the program ends";
 }
 
 TEST_F(TransferTest, BlockingWorkHandsItsFailureOver) {

@@ -3,22 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <thread>
 
-#include "controls/main_window.hpp"
-#include "platform/win32/event_loop_win32.hpp"
-#include "platform/win32/wide.hpp"
-#include "startup/launcher_settings.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
 #include "support/win32/gui_objects.hpp"
 #include "support/win32/one_colour.hpp"
-#include "ui/frmMain.hpp"
+#include "support/win32/window_world.hpp"
 #include "ui/frmNotify.hpp"
 #include "ui/win32/resample.hpp"
 #include "ui/win32/win32_dialogs.hpp"
-#include "ui/win32/win32_screen.hpp"
 
 namespace {
 
@@ -26,7 +18,7 @@ constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "confi
 constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
 
 // Real windows of the main window and the news pop-up, driven by real messages.
-struct WindowsMainWindowTest : testing::Test {
+struct WindowsMainWindowTest : testing::Test, support::WindowWorld {
   WindowsMainWindowTest() {
     const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
     for (const char* stem : kStems) {
@@ -35,102 +27,8 @@ struct WindowsMainWindowTest : testing::Test {
       }
     }
     folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", support::OneColour(RGB(9, 9, 9)));
-    Ask("0");
-    Loop().preTranslate = [this](MSG& message) { return screen.Translate(message); };
-    main.Form_Load(true);
-    main.btnIniciar.EnableButton(true);
-    main.btnConfig.EnableButton(true);
-    handle = screen.HandleOf(window);
-    SetForegroundWindow(handle);
-    host.events->DoEvents();
+    Load();
   }
-
-  platform::Win32EventLoop& Loop() { return dynamic_cast<platform::Win32EventLoop&>(*host.events); }
-  void Ask(const char* show) {
-    host.settings->Set(startup::keys::kApplication, startup::keys::kConfig, startup::keys::kShow, show);
-  }
-  ui::frmMain::Actions Actions() {
-    ui::frmMain::Actions made;
-    made.LoadGameConfig = made.RestoreHosts = made.SwitchURL = made.ComenzarActualizacion = [] {};
-    made.GetServersList = made.UnloadOptions = made.ClearNotify = made.CloseLauncher = [] {};
-    made.ServerListEmpty = [] { return false; };
-    made.Iniciar = [this] { ++plays; };
-    made.ReiniciarUpdates = [this] { ++repairs; };
-    made.ShowOptions = [this] { ++options; };
-    made.DownloadFile = [](const std::string&, const std::string&) { return true; };
-    return made;
-  }
-
-  // Handles events until the condition holds; false when it does not in good time.
-  bool Until(const std::function<bool()>& condition) {
-    const auto end = GetTickCount64() + 10'000;
-    while (!condition()) {
-      if (GetTickCount64() > end) return false;
-      host.events->WaitEvents(10);
-    }
-    return true;
-  }
-
-  HWND Child(const controls::ImageControl& image) {
-    return FindWindowExW(handle, nullptr, L"BUTTON", platform::Wide(image.description).c_str());
-  }
-  COLORREF Shown(const controls::ImageControl& image) {
-    const HWND child = Child(image);
-    const HDC dc = GetDC(child);
-    const COLORREF colour = GetPixel(dc, 10, 10);
-    ReleaseDC(child, dc);
-    return colour;
-  }
-  bool Shows(const controls::ImageControl& image, COLORREF colour) {
-    return Until([&] { return Shown(image) == colour; });
-  }
-  void Send(HWND to, UINT message, WPARAM keys, int x, int y) {
-    SendMessageW(to, message, keys, MAKELPARAM(x, y));
-  }
-  void Point(const controls::ImageControl& image) { Send(Child(image), WM_MOUSEMOVE, 0, 12, 12); }
-  void Click(const controls::ImageControl& image) {
-    Point(image);
-    Send(Child(image), WM_LBUTTONDOWN, MK_LBUTTON, 12, 12);
-    Send(Child(image), WM_LBUTTONUP, 0, 12, 12);
-  }
-  void Key(int key) {
-    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYDOWN, static_cast<WPARAM>(key), 1);
-    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYUP, static_cast<WPARAM>(key), 0xC0000001);
-    host.events->DoEvents();
-  }
-  void TrayMouse(int number) { SendMessageW(FindWindowW(L"LauncherTray", nullptr), WM_MOUSEMOVE, 0, number); }
-
-  // Opens the tray's menu, looks at it while it is open, and closes it.
-  void WithMenu(const std::function<void(HMENU)>& look) {
-    bool looked = false;
-    std::thread looker([&] {
-      HWND menu = nullptr;
-      for (int i = 0; i < 500 && !(menu = FindWindowW(L"#32768", nullptr)); ++i) Sleep(20);
-      if (!menu) return;
-      look(reinterpret_cast<HMENU>(SendMessageW(menu, 0x01E1 /* MN_GETHMENU */, 0, 0)));
-      looked = true;
-      while (FindWindowW(L"#32768", nullptr) == menu) {
-        PostMessageW(menu, WM_KEYDOWN, VK_ESCAPE, 1);
-        Sleep(20);
-      }
-    });
-    TrayMouse(WM_RBUTTONUP);
-    looker.join();
-    EXPECT_TRUE(looked);
-  }
-
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
-  web::Hosts hosts;
-  ui::win32::Win32Screen screen;
-  controls::MainWindow window{host.events->Timers()};
-  int plays = 0, repairs = 0, options = 0;
-  ui::frmMain main{host.host, folders, deployment, recorder, lifetime, hosts, screen, window, Actions()};
-  HWND handle = nullptr;
 };
 
 TEST_F(WindowsMainWindowTest, PicturesFollowThePointer) {
@@ -149,6 +47,29 @@ TEST_F(WindowsMainWindowTest, PicturesFollowThePointer) {
   Send(handle, WM_MOUSEMOVE, 0, 5, 5);
   EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kNormal));
   EXPECT_EQ(window.lblEstado.Caption.Get(), "");
+}
+
+// Moves the system's own pointer, so that the window under it is found by the system too.
+TEST_F(WindowsMainWindowTest, RealPointerBringsTheHoverTexts) {
+  const auto moveTo = [&](HWND target, int x, int y) {
+    POINT at{x, y};
+    ClientToScreen(target, &at);
+    SetCursorPos(at.x, at.y);
+  };
+  const auto pointAt = [&](const controls::ImageControl& image) { moveTo(Child(image), 12, 12); };
+  pointAt(window.cmdIniciar);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get() == "¡Iniciar la aventura de Kelvarin!"; }));
+  EXPECT_FALSE(window.lblErrorWhatsApp.Visible);
+  pointAt(window.cmdReportar);
+  EXPECT_TRUE(Until([&] { return window.lblErrorWhatsApp.Visible.Get(); }));
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "¡Iniciar la aventura de Kelvarin!");
+  moveTo(handle, 300, 200);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get().empty(); }));
+  EXPECT_TRUE(window.lblErrorWhatsApp.Visible) << "the bare window leaves it";
+  EXPECT_TRUE(Shows(window.cmdReportar, kNormal));
+  pointAt(window.cmdReiniciarUpdates);
+  EXPECT_TRUE(Until([&] { return window.lblEstado.Caption.Get().starts_with("¿Errores en el juego?"); }));
+  EXPECT_FALSE(window.lblErrorWhatsApp.Visible);
 }
 
 TEST_F(WindowsMainWindowTest, RestingPointerDoesNotClearTheStatus) {

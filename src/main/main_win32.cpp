@@ -7,12 +7,14 @@
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/harden.hpp"
+#include "platform/win32/moved_aside.hpp"
 #include "platform/win32/wide.hpp"
 #include "ui/win32/win32_dialogs.hpp"
 #include "ui/win32/win32_screen.hpp"
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   platform::HardenProcess();
+  platform::RemoveMovedAside(platform::ExecutablePath());  // what an update of this program left behind
   const auto clock = platform::MakeClock();
   platform::Win32EventLoop events(*clock);
   ui::win32::Win32Dialogs dialogs;

@@ -20,6 +20,10 @@ class Dialogs {
   virtual DialogAnswer Show(const std::string& text, DialogButtons buttons = DialogButtons::Ok,
                             const std::string& title = kDefaultDialogTitle) = 0;
 
+  // Every box that is open is answered as its last button would, as soon as its events run again. On the
+  // interface thread.
+  virtual void CloseAll() {}
+
   // Tells what a box would say where there is somewhere to tell it, and never waits.
   virtual void Announce(const std::string& text, const std::string& title = kDefaultDialogTitle) = 0;
 };

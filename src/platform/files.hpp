@@ -43,7 +43,8 @@ void CloneFile(const std::string& from, const std::string& to);  // through a ne
 // Gives the bytes of `from` the second name `to`, whose old file is replaced: a hard link where the file
 // system has them, a copy elsewhere. Neither file may be written in place afterwards.
 void ShareFile(const std::string& from, const std::string& to);
-void FlushFile(const std::string& path);  // its bytes are on the disk when this returns
+void FlushFile(const std::string& path);    // its bytes are on the disk when this returns
+void FlushTree(const std::string& folder);  // as FlushFile, of every file below the folder
 
 struct FoundFile {
   std::string path;  // relative to the folder searched, platform separators
@@ -81,7 +82,9 @@ class OutputFile {
 
   void Write(std::span<const std::byte> bytes);
   void Write(std::string_view text);
-  void Commit();  // flushed to the disk, then under its name
+  // Puts the file under its name, its bytes on the disk before unless it is one that is soon deleted again.
+  enum class Lasting { Yes, No };
+  void Commit(Lasting lasting = Lasting::Yes);
 
  private:
   struct Handle;

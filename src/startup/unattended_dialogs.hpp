@@ -15,6 +15,7 @@ class UnattendedDialogs : public platform::Dialogs {
 
   platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
                               const std::string& title) override;
+  void CloseAll() override { dialogs_.CloseAll(); }
   void Announce(const std::string& text, const std::string& title) override {
     dialogs_.Announce(text, title);
   }

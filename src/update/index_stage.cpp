@@ -44,7 +44,7 @@ bool IndexStage::Fetch() {
     if (download_.DescargarArchivo(kIndexName, false) == DownloadResult::Done) {
       if (ClaimedSize(packed) > kLargestIndex) throw util::RuntimeError(util::ErrorNumber::Overflow);
       web::RunBlocking(host_.events, lifetime_, [&](std::stop_token stop) {
-        ExpandPackedFile(packed, unpacked, stop);
+        ExpandPackedFile(packed, unpacked, stop, platform::OutputFile::Lasting::No);
         index_.Read(unpacked);
       });
       good = true;

@@ -68,7 +68,8 @@ std::int32_t ClaimedSize(const std::string& source) {
   return ReadClaim(file);
 }
 
-void ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop) {
+void ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop,
+                      platform::OutputFile::Lasting lasting) {
   platform::InputFile file(source);
   const std::int32_t claim = ReadClaim(file);
   if (claim < 1) Damaged();
@@ -77,7 +78,7 @@ void ExpandPackedFile(const std::string& source, const std::string& destination,
   platform::OutputFile target(destination);
   Expand(file, static_cast<std::uint64_t>(claim), stop,
          [&](std::span<const std::byte> bytes) { target.Write(bytes); });
-  if (!stop.stop_requested()) target.Commit();
+  if (!stop.stop_requested()) target.Commit(lasting);
 }
 
 }  // namespace update

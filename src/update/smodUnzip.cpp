@@ -60,7 +60,6 @@ void MoveInto(const std::vector<platform::FoundFile>& files, const std::string& 
       made = std::move(folder);
     }
     const std::string staged = staging + platform::kSeparator + file.path;
-    platform::FlushFile(staged);
     platform::ReplaceFileWith(staged, target);
   }
 }
@@ -78,6 +77,7 @@ void Install(const std::string& archive, const std::string& root, const std::str
   if (files.size() != expected) Refuse("The archive holds the same name twice");
   JudgeTargets(files, directory);
   if (stop.stop_requested()) return;
+  platform::FlushTree(staging);
   MoveInto(files, staging, directory);
   for (const ZipArchive::Entry& entry : zip.Entries()) {
     if (entry.folder) platform::MakeFolders(directory + platform::NativePath(entry.name));

@@ -1,6 +1,7 @@
 #include "web/Inet1.hpp"
 
 #include <algorithm>
+#include <chrono>
 #include <condition_variable>
 #include <mutex>
 #include <stop_token>
@@ -15,14 +16,27 @@ namespace {
 constexpr std::size_t kLargestLead = 256 * 1024;  // how far a transfer runs ahead of its reader
 constexpr std::uint32_t kAnnounceMs = 10;
 constexpr std::uint32_t kRoundMs = 50;
+constexpr std::chrono::milliseconds kStopPoll{20};  // while the reader takes nothing
 
 }  // namespace
 
 // One request. Its worker is the sink's producer, the interface thread takes out of the buffer.
+//
+// The worker looks for a stop and registers no std::stop_callback of its own: with MinGW's library (GCC 12)
+// the destructor of one that is just being called from another thread can sleep for ever, its wait for a
+// semaphore missing the release. The interface thread, which is the only one to stop anything, may have them.
 struct Inet1::Transfer : platform::HttpSink {
+  explicit Transfer(std::stop_token programEnds) : passOn(std::move(programEnds), StopIt{stop}) {}
+
+  struct StopIt {
+    std::stop_source stop;
+    void operator()() { stop.request_stop(); }
+  };
+
   std::stop_source stop;
+  std::stop_callback<StopIt> passOn;
   mutable std::mutex mutex;
-  std::condition_variable_any taken;
+  std::condition_variable taken;
   std::vector<std::byte> buffer;
   std::size_t start = 0;  // of what has not been taken yet
   platform::HttpHead head;
@@ -34,8 +48,7 @@ struct Inet1::Transfer : platform::HttpSink {
 
   ~Transfer() override { stop.request_stop(); }
 
-  void Run(platform::HttpClient& http, const platform::HttpRequest& request, std::stop_token programEnds) {
-    const std::stop_callback passOn(programEnds, [this] { stop.request_stop(); });
+  void Run(platform::HttpClient& http, const platform::HttpRequest& request) {
     platform::HttpOutcome result;
     try {
       result = http.Get(request, *this, stop.get_token());
@@ -61,8 +74,10 @@ struct Inet1::Transfer : platform::HttpSink {
 
   bool Write(std::span<const std::byte> bytes) override {
     std::unique_lock lock(mutex);
-    if (!taken.wait(lock, stop.get_token(), [this] { return buffer.size() - start < kLargestLead; }))
-      return false;
+    while (buffer.size() - start >= kLargestLead) {
+      if (stop.stop_requested()) return false;
+      taken.wait_for(lock, kStopPoll);
+    }
     if (start >= kLargestLead || start == buffer.size()) {
       buffer.erase(buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(start));
       start = 0;
@@ -96,7 +111,7 @@ Inet1::~Inet1() { Cancel(); }
 
 std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
   if (StillExecuting()) return {};
-  const auto transfer = std::make_shared<Transfer>();
+  const auto transfer = std::make_shared<Transfer>(lifetime_.Token());
   transfer->events = &host_.events;
   transfer_ = transfer;
   platform::HttpRequest request{.url = url};
@@ -113,7 +128,7 @@ std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
 void Inet1::Execute(const std::string& url) {
   if (StillExecuting()) return;
   head_ = {};
-  transfer_ = std::make_shared<Transfer>();
+  transfer_ = std::make_shared<Transfer>(lifetime_.Token());
   Transfer& transfer = *transfer_;
   transfer.events = &host_.events;
   platform::HttpRequest request{.url = url};
@@ -121,9 +136,7 @@ void Inet1::Execute(const std::string& url) {
     request.stallLimitMs = static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000;
     request.connectLimitMs = std::min(request.connectLimitMs, request.stallLimitMs);
   }
-  transfer.worker = std::jthread([&transfer, &http = host_.http, request, programEnds = lifetime_.Token()] {
-    transfer.Run(http, request, programEnds);
-  });
+  transfer.worker = std::jthread([&transfer, &http = host_.http, request] { transfer.Run(http, request); });
   announcing_ = host_.events.Timers().Start(kAnnounceMs, [this] { Announce(); });
 }
 

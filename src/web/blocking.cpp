@@ -31,6 +31,7 @@ void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
     events.Wake();
   });
   {
+    // Stops are asked for on this thread only, so these callbacks never run while they are being destroyed.
     const auto passOn = [&worker] { worker.request_stop(); };
     const std::stop_callback atTheEnd(lifetime.Token(), passOn);
     const std::stop_callback onDemand(stop, passOn);

@@ -56,11 +56,11 @@ class FileSink : public platform::HttpSink {
     return written;
   }
   // Whether the file is there now.
-  bool Commit() {
+  bool Commit(OutputFile::Lasting lasting) {
     bool committed = false;
     Attempt([&] {
       if (!file_) return;
-      file_->Commit();
+      file_->Commit(lasting);
       committed = true;
     });
     return committed;
@@ -160,7 +160,8 @@ void smodXmlHttp::ShowUnreachable() {
 
 void smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
   state_.Finished = false;
-  if (platform::IsFile(localPath)) return;  // the save would be refused, so nothing is fetched
+  // Nothing is fetched where the save would be refused.
+  if (lifetime_.Ending() || platform::IsFile(localPath)) return;
   Received received;
   Progress progress(host_.clock, frmMain_, received);
   std::stop_source cancel;
@@ -168,7 +169,8 @@ void smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& l
   const auto work = [&](std::stop_token stop) {
     FileSink sink(localPath, OutputFile::Existing::Refuse, false, received);
     const platform::HttpOutcome outcome = host_.http.Get({.url = url}, sink, stop);
-    saved = outcome.Complete() && sink.Commit();
+    // What is saved here is unpacked and deleted; after a power cut it is fetched again.
+    saved = outcome.Complete() && sink.Commit(OutputFile::Lasting::No);
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
@@ -191,7 +193,7 @@ bool smodXmlHttp::DownloadFile(const std::string& Url, const std::string& LocalF
   bool saved = false;
   const auto work = [&](std::stop_token stop) {
     FileSink sink(LocalFilename, OutputFile::Existing::Replace, true, received);
-    saved = host_.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit();
+    saved = host_.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit(OutputFile::Lasting::Yes);
   };
   const auto onRound = [&] {
     if (state_.CancelRequested) cancel.request_stop();

@@ -27,6 +27,10 @@ class MemorySink : public platform::HttpSink {
 TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, platform::HttpRequest request,
                      AnswerCache* cache, std::stop_token stop, const OnBody& onBody) {
   TextAnswer answer;
+  if (lifetime.Ending()) {
+    answer.outcome.error = platform::HttpError::Cancelled;
+    return answer;
+  }
   if (cache) {
     if (auto kept = cache->Fresh(request.url, host.clock.Milliseconds())) {
       answer.outcome = {platform::HttpError::None, 200};

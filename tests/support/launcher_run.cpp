@@ -34,8 +34,8 @@ void LauncherRun::Start(const std::string& commandLine) {
     Deploy(folder, game, {"http://127.0.0.1:1/update/kvn2011/", mirror.Url()}, mirror.server.Url(""));
   }
   launcher_.reset();
-  launcher_ = std::make_unique<Launcher>(machine.host, screen,
-                                         ::Start{folder / (game + "/launcher.exe"), commandLine});
+  launcher_ =
+      std::make_unique<Launcher>(machine.host, screen, ::Start{folder / (game + "/" + program), commandLine});
   launcher_->Main();
   if (!Launched().Life().Ending())
     machine.dialogs.shown.clear();  // the game has no pictures, which was reported

@@ -38,6 +38,7 @@ class LauncherRun {
 
   TempFolder folder;
   std::string game = "juego ñ";
+  std::string program = "launcher.exe";
   GameMirror mirror;
   RecordingScreen screen;
   TestHost machine;

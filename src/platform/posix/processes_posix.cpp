@@ -78,8 +78,11 @@ void AllowRunning(const std::string& program) {
 }
 
 bool Spawn(const std::string& program, const StartRequest& request) {
-  std::vector<std::string> words = Words(request.commandLine);
-  if (words.empty()) words.emplace_back();
+  // The program stands in front of its own words, unquoted, and may have blanks in its path.
+  const bool inFront = request.commandLine.starts_with(request.program);
+  std::vector<std::string> words =
+      Words(inFront ? request.commandLine.substr(request.program.size()) : request.commandLine);
+  if (inFront || words.empty()) words.emplace(words.begin());
   words.front() = program;
   std::vector<char*> arguments;
   for (std::string& word : words) arguments.push_back(word.data());

@@ -110,9 +110,9 @@ OutputFile::OutputFile(OutputFile&&) noexcept = default;
 void OutputFile::Write(std::span<const std::byte> bytes) { WriteAll(handle_->file, bytes); }
 void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(text))); }
 
-void OutputFile::Commit() {
+void OutputFile::Commit(Lasting lasting) {
   Handle& output = *handle_;
-  Flush(output.file);
+  if (lasting == Lasting::Yes) Flush(output.file);
   MarkForRemoval(output.file, false);
   output.file.Reset();
   if (output.existing == Existing::Replace) {
@@ -138,6 +138,10 @@ void FlushFile(const std::string& path) {
   if (readOnly) SetFileAttributesW(name.c_str(), attributes);
   if (!file) RaiseSystemError(code, path);
   Flush(file);
+}
+
+void FlushTree(const std::string& folder) {
+  for (const FoundFile& file : ListTree(folder)) FlushFile(folder + kSeparator + file.path);
 }
 
 void CloneFile(const std::string& from, const std::string& to) {

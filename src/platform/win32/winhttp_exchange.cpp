@@ -12,6 +12,7 @@ namespace platform {
 namespace {
 
 constexpr std::size_t kPiece = 64 * 1024;
+constexpr std::uint64_t kQuickMs = 20;
 
 struct Notice {
   DWORD error = ERROR_SUCCESS;
@@ -41,6 +42,7 @@ struct Mailbox {
   void NoteReceived(DWORD bytes) {
     const std::lock_guard lock(mutex);
     ended = bytes == 0;
+    received += bytes;
   }
   bool Ended() {
     const std::lock_guard lock(mutex);
@@ -50,7 +52,8 @@ struct Mailbox {
   std::mutex mutex;
   std::optional<Notice> waiting;  // there is never more than one call under way
   bool connected = false;
-  bool ended = false;  // the server has closed: the last piece from the network held no byte
+  std::uint64_t received = 0;  // bytes from the network
+  bool ended = false;          // the server has closed: the last piece from the network held no byte
   unique_event event{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
   std::vector<std::byte> buffer = std::vector<std::byte>(kPiece);
   std::shared_ptr<Mailbox> self;
@@ -58,11 +61,11 @@ struct Mailbox {
 
 TransferLimits::TransferLimits(const HttpRequest& request, std::stop_token stop)
     : request_(request),
-      stopped_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
       speed_(request.stallLimitMs),
       wholeDeadline_(request.wholeLimitMs == 0 ? UINT64_MAX : GetTickCount64() + request.wholeLimitMs),
       stop_(std::move(stop)),
-      onStop_(stop_, [this] { Wake(); }) {}
+      stopped_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
+      onStop_(stop_, EventSetter{stopped_.Get()}) {}
 
 void TransferLimits::BeginHop() {
   connected_ = false;
@@ -77,19 +80,16 @@ void TransferLimits::Connected() {
 
 HttpError TransferLimits::Sleep(const unique_event& event) {
   if (stop_.stop_requested()) return HttpError::Cancelled;
-  const std::uint64_t now = GetTickCount64();
   const std::uint64_t phaseDeadline = connected_ ? speed_.Deadline() : connectDeadline_;
   const std::uint64_t deadline = std::min(phaseDeadline, wholeDeadline_);
-  const auto left = static_cast<DWORD>(std::min<std::uint64_t>(deadline - std::min(now, deadline), MAXLONG));
-  const HANDLE handles[] = {event.Get(), stopped_.Get()};
-  switch (WaitForMultipleObjects(2, handles, FALSE, left)) {
-    case WAIT_OBJECT_0:
-      return HttpError::None;
-    case WAIT_OBJECT_0 + 1:
-      return HttpError::Cancelled;
-    default:
-      return !connected_ && phaseDeadline <= wholeDeadline_ ? HttpError::CannotConnect : HttpError::Stalled;
+  const std::uint64_t now = GetTickCount64();
+  if (now >= deadline) {
+    return !connected_ && phaseDeadline == deadline ? HttpError::CannotConnect : HttpError::Stalled;
   }
+  const HANDLE handles[] = {event.Get(), stopped_.Get()};
+  WaitForMultipleObjects(2, handles, FALSE,
+                         static_cast<DWORD>(std::min<std::uint64_t>(deadline - now, MAXLONG)));
+  return HttpError::None;
 }
 
 WinHttpExchange::WinHttpExchange(HINTERNET session, const HttpRequest& request, TransferLimits& limits)
@@ -206,6 +206,9 @@ HttpError WinHttpExchange::Finish(BOOL started, DWORD& value) {
       const std::lock_guard lock(mailbox_->mutex);
       if (mailbox_->connected) limits_.Connected();
       notice = std::exchange(mailbox_->waiting, std::nullopt);
+      const std::uint64_t received = std::max(mailbox_->received, delivered_);
+      limits_.Count(received - counted_);
+      counted_ = received;
     }
     if (notice) {
       value = notice->value;
@@ -262,27 +265,44 @@ void WinHttpExchange::TakeHead() {
   headDone_ = true;
 }
 
+// One piece of the body into the buffer; `count` is 0 at the end.
+//
+// WinHttpReadData may wait until the buffer is full, so normally only what is there is asked for. While
+// pieces come quickly every other one is a whole buffer. Never two of these in a row: with something left
+// over from the one before, Wine fills the buffer on the calling thread, which could not be stopped
+// meanwhile.
+HttpError WinHttpExchange::ReadPiece(DWORD& count) {
+  const std::uint64_t start = GetTickCount64();
+  const auto room = static_cast<DWORD>(mailbox_->buffer.size());
+  DWORD wanted = room;
+  count = 0;
+  if (!eager_) {
+    const HttpError error = Finish(WinHttpQueryDataAvailable(exchange_.Get(), nullptr), wanted);
+    if (error != HttpError::None || wanted == 0) return error;
+  }
+  const bool takesAll = wanted <= room;
+  const HttpError error = Finish(
+      WinHttpReadData(exchange_.Get(), mailbox_->buffer.data(), std::min(wanted, room), nullptr), count);
+  eager_ = !eager_ && takesAll && GetTickCount64() - start <= kQuickMs;
+  delivered_ += count;
+  return error;
+}
+
 HttpError WinHttpExchange::ReadBody(HttpSink& sink) {
   const bool hasBody = head_.status != 204 && head_.status != 304;
   const bool counted = hasBody && head_.contentLength && !IsChunked();
-  std::uint64_t received = 0;
   for (;;) {
-    DWORD available = 0, count = 0;
-    HttpError error = Finish(WinHttpQueryDataAvailable(exchange_.Get(), nullptr), available);
-    if (error != HttpError::None) return error;
-    if (available == 0) break;
-    // Only what is there is asked for: the call may wait for a full buffer otherwise.
-    const DWORD piece = std::min<DWORD>(available, kPiece);
-    error = Finish(WinHttpReadData(exchange_.Get(), mailbox_->buffer.data(), piece, nullptr), count);
+    DWORD count = 0;
+    const HttpError error = ReadPiece(count);
     if (error != HttpError::None) return error;
     if (count == 0) break;
-    received += count;
-    if (counted && received > *head_.contentLength) return HttpError::CutShort;
+    if (counted && delivered_ > *head_.contentLength) return HttpError::CutShort;
+    const std::uint64_t start = GetTickCount64();
     if (!sink.Write(std::span(mailbox_->buffer).first(count))) return HttpError::Refused;
-    limits_.Count(count);  // after the sink, whose time is not the server's
+    limits_.Excuse(GetTickCount64() - start);
   }
   // A body in chunks says itself where it ends; one that the server ended by closing was not complete.
-  const bool cut = counted ? received != *head_.contentLength : IsChunked() && mailbox_->Ended();
+  const bool cut = counted ? delivered_ != *head_.contentLength : IsChunked() && mailbox_->Ended();
   return cut ? HttpError::CutShort : HttpError::None;
 }
 

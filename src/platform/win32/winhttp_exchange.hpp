@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <functional>
 #include <memory>
 #include <stop_token>
 #include <string>
@@ -27,6 +26,7 @@ class SpeedWatch {
     bytes_ += bytes;
     if (bytes_ >= enough_) Restart();
   }
+  void Excuse(std::uint64_t ms) { start_ += ms; }  // time that was not the server's
   std::uint64_t Deadline() const { return start_ + limitMs_; }
 
  private:
@@ -34,6 +34,11 @@ class SpeedWatch {
   std::uint64_t enough_;  // bytes that buy another full limit
   std::uint64_t start_;
   std::uint64_t bytes_ = 0;
+};
+
+struct EventSetter {
+  HANDLE event;
+  void operator()() const { SetEvent(event); }
 };
 
 // The limits of one HttpRequest over all its hops, and the thread's one place to sleep in.
@@ -45,21 +50,21 @@ class TransferLimits {
   void Connected();  // the request is on its way
   bool IsConnected() const { return connected_; }
   void Count(std::uint64_t bytes) { speed_.Count(bytes); }
+  void Excuse(std::uint64_t ms) { speed_.Excuse(ms); }
 
-  // Sleeps until `event` is set; None then, else the limit that was reached.
+  // Sleeps until `event` is set, a limit is reached or a little time has passed; tells the limit, or the
+  // stop, that was there before it slept.
   HttpError Sleep(const unique_event& event);
 
  private:
-  void Wake() { SetEvent(stopped_.Get()); }
-
   const HttpRequest& request_;
-  unique_event stopped_;
   SpeedWatch speed_;
   std::uint64_t wholeDeadline_;
   std::uint64_t connectDeadline_ = 0;
   bool connected_ = false;
   std::stop_token stop_;
-  std::stop_callback<std::function<void()>> onStop_;  // last: the event outlives it
+  unique_event stopped_;
+  std::stop_callback<EventSetter> onStop_;  // gone before the event that it sets
 };
 
 // One request over one hop, run by WinHTTP's threads, waited for by the caller's.
@@ -80,6 +85,7 @@ class WinHttpExchange {
   bool Open(const std::string& url);
   void SetOptions();
   HttpError AddHeaders();
+  HttpError ReadPiece(DWORD& count);
   HttpError Finish(BOOL started, DWORD& value);
   HttpError ErrorOf(DWORD code) const;
   void TakeHead();
@@ -93,6 +99,9 @@ class WinHttpExchange {
   unique_internet exchange_;  // closed before the server it talks to
   HttpHead head_;
   bool headDone_ = false;
+  std::uint64_t delivered_ = 0;  // bytes of the body
+  std::uint64_t counted_ = 0;    // bytes that limits_ knows of
+  bool eager_ = false;           // the next piece is a whole buffer
 };
 
 }  // namespace platform

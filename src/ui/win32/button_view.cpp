@@ -40,7 +40,11 @@ class ButtonView : public View {
     } else {
       DrawPlain(canvas.Dc(), box, (item.itemState & ODS_SELECTED) != 0);
     }
-    if (Focused() && form_.ShowsFocus()) Outline(canvas.Dc(), box, form_.Scaled(2), skin::kFocus);
+    if (Focused() && form_.ShowsFocus()) {
+      RECT ring = box;
+      if (picture) InflateRect(&ring, -form_.Scaled(2), -form_.Scaled(2));  // pictures have a margin
+      Outline(canvas.Dc(), ring, form_.Scaled(2), skin::kFocus);
+    }
     BitBlt(item.hDC, 0, 0, Width(box), Height(box), canvas.Dc(), 0, 0, SRCCOPY);
   }
 

@@ -13,7 +13,8 @@ class ComboView : public View {
   ComboView(Form& form, controls::ComboBox& combo, const LayoutRow& row)
       : View(form, combo, row), combo_(combo), editable_(combo.KeyUp.HasHandlers()) {
     const DWORD kind = editable_ ? CBS_DROPDOWN | CBS_AUTOHSCROLL : CBS_DROPDOWNLIST;
-    Create(L"COMBOBOX", L"", kind | CBS_HASSTRINGS | WS_VSCROLL | WS_CLIPCHILDREN | WS_GROUP | WS_TABSTOP);
+    Create(L"COMBOBOX", L"",
+           kind | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS | WS_VSCROLL | WS_CLIPCHILDREN | WS_GROUP | WS_TABSTOP);
     combo.Filled += [this, alive = std::weak_ptr(alive_)] {
       if (!alive.expired()) FillList();
     };
@@ -53,6 +54,21 @@ class ComboView : public View {
     if (notification == CBN_EDITCHANGE && !showing_) Typed();
     // Both of the class's own drawing.
     if (notification == CBN_CLOSEUP || notification == CBN_DROPDOWN) Invalidate();
+  }
+
+  // An entry of the open list; the closed part is painted as a whole.
+  void Draw(const DRAWITEMSTRUCT& item) override {
+    if (item.itemState & ODS_COMBOBOXEDIT) {
+      Invalidate();
+      return;
+    }
+    if (item.itemID >= combo_.Entries().size()) return;
+    const bool chosen = (item.itemState & ODS_SELECTED) != 0;
+    Fill(item.hDC, item.rcItem, chosen ? skin::kChosen : skin::kBox);
+    RECT text = item.rcItem;
+    text.left += form_.Scaled(7);
+    skin::DrawLabel(item.hDC, text, Font(), chosen ? skin::kFocus : skin::kBoxText, row_.align, Lines::Single,
+                    platform::Wide(combo_.Entries()[item.itemID]));
   }
 
   bool TakesPointer() const override { return true; }

@@ -70,6 +70,7 @@ void Form::Create() {
   handle_.reset(CreateWindowExW(styles.extended, kClass, platform::Wide(window_.Caption.Get()).c_str(),
                                 styles.style, 0, 0, 10, 10, nullptr, nullptr, GetModuleHandleW(nullptr),
                                 this));
+  monitorDpi_ = DpiOf(Handle());
 }
 
 void Form::MakeViews() {
@@ -85,24 +86,35 @@ int Form::Scaled(int logical) const { return MulDiv(logical, dpi_, kDesignDpi); 
 SIZE Form::WindowSize() const {
   RECT rect{0, 0, Scaled(layout_.width), Scaled(layout_.height)};
   const Styles styles = StylesOf(layout_.chrome);
-  GrowToWindow(rect, styles.style, styles.extended, DpiOf(Handle()));
+  GrowToWindow(rect, styles.style, styles.extended, monitorDpi_);
   return {Width(rect), Height(rect)};
 }
 
 // Brings everything to the monitor's scale, or to the largest at which the whole window can be seen.
 void Form::Rescale(const POINT* corner) {
   const RECT work = WorkAreaOf(Handle());
-  dpi_ = DpiOf(Handle());
+  dpi_ = monitorDpi_;
   const SIZE wanted = WindowSize();
   if (wanted.cx > Width(work)) dpi_ = MulDiv(dpi_, Width(work), wanted.cx);
-  if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(DpiOf(Handle()), Height(work), wanted.cy));
+  if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(monitorDpi_, Height(work), wanted.cy));
   fonts_.clear();
   SetIcons();
   const SIZE size = WindowSize();
   SetWindowPos(Handle(), nullptr, corner ? corner->x : 0, corner ? corner->y : 0, size.cx, size.cy,
                SWP_NOZORDER | SWP_NOACTIVATE | (corner ? 0u : SWP_NOMOVE));
+  FitClient(size);
   for (const auto& view : views_) view->Place();
   PaintBackground();
+}
+
+// The frame may be another one than was reckoned with: it is the system's, and its theme's.
+void Form::FitClient(SIZE size) {
+  RECT client{};
+  GetClientRect(Handle(), &client);
+  const int width = Scaled(layout_.width) - Width(client), height = Scaled(layout_.height) - Height(client);
+  if (width == 0 && height == 0) return;
+  SetWindowPos(Handle(), nullptr, 0, 0, size.cx + width, size.cy + height,
+               SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
 void Form::SetIcons() {
@@ -308,6 +320,7 @@ LRESULT Form::Message(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_DPICHANGED: {
       const RECT& place = *reinterpret_cast<const RECT*>(lParam);
       const POINT corner{place.left, place.top};
+      monitorDpi_ = HIWORD(wParam);
       pictures_.Clear();
       Rescale(&corner);
       return 0;

@@ -58,6 +58,7 @@ class Form {
   void Create();
   void MakeViews();
   void Rescale(const POINT* corner);
+  void FitClient(SIZE size);
   void PaintBackground();
   void Paint();
   void ShowNow();
@@ -76,6 +77,7 @@ class Form {
   controls::Window& window_;
   const WindowLayout& layout_;
   UniqueWindow handle_;
+  int monitorDpi_ = 96;
   int dpi_ = 96;
   std::unique_ptr<Canvas> background_;
   std::map<std::tuple<std::wstring, int, bool>, UniqueFont> fonts_;

@@ -19,9 +19,9 @@ constexpr LayoutRow kRows[] = {
     {"ProgressBar1", 45, 489, 432, 12},
     {"lblVelocity", 44, 507, 246, 20, 9, 0xDCE5FA},
     {"lblsize", 294, 507, 184, 20, 9, 0xDCE5FA, Align::Right},
-    {"lblServerState(1)", 597, 98, 260, 36, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
-    {"lblServerState(2)", 597, 139, 260, 36, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
-    {"lblServerState(3)", 597, 180, 260, 36, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
+    {"lblServerState(1)", 597, 95, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
+    {"lblServerState(2)", 597, 137, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
+    {"lblServerState(3)", 597, 179, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
     {"lblErrorWhatsApp", 521, 454, 350, 20, 9, 0xF3D690, Align::Right},
     {"lblClienteGm", 604, 22, 148, 20, 9, 0xF3D690, Align::Right, Lines::Single, L"MS Sans Serif"},
 };

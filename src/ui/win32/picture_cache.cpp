@@ -27,17 +27,18 @@ bool Decode(const std::string& path, Pixels& pixels) {
   const UINT width = bitmap.GetWidth(), height = bitmap.GetHeight();
   if (width == 0 || height == 0 || width > kLargestSide || height > kLargestSide) return false;
   const Gdiplus::Rect whole(0, 0, static_cast<int>(width), static_cast<int>(height));
-  Gdiplus::BitmapData data{};
-  if (bitmap.LockBits(&whole, Gdiplus::ImageLockModeRead, PixelFormat32bppRGB, &data) != Gdiplus::Ok)
-    return false;
   pixels.width = static_cast<int>(width);
   pixels.height = static_cast<int>(height);
   pixels.data.resize(static_cast<std::size_t>(width) * height);
-  for (UINT y = 0; y < height; ++y) {
-    const auto* line =
-        static_cast<const std::byte*>(data.Scan0) + static_cast<std::ptrdiff_t>(y) * data.Stride;
-    std::memcpy(pixels.data.data() + static_cast<std::size_t>(y) * width, line, std::size_t{width} * 4);
-  }
+  // Straight into place: large pictures decide how much memory the program ever needs.
+  Gdiplus::BitmapData data{};
+  data.Width = width;
+  data.Height = height;
+  data.Stride = static_cast<INT>(width * sizeof(std::uint32_t));
+  data.PixelFormat = PixelFormat32bppRGB;
+  data.Scan0 = pixels.data.data();
+  constexpr UINT kMode = Gdiplus::ImageLockModeRead | Gdiplus::ImageLockModeUserInputBuf;
+  if (bitmap.LockBits(&whole, kMode, PixelFormat32bppRGB, &data) != Gdiplus::Ok) return false;
   bitmap.UnlockBits(&data);
   return true;
 }

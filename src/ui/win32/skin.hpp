@@ -14,6 +14,7 @@ inline constexpr COLORREF kBox = RGB(0x06, 0x0B, 0x1C);
 inline constexpr COLORREF kBoxText = RGB(0xF2, 0xE6, 0xC4);
 inline constexpr COLORREF kBorder = RGB(0x8D, 0x6F, 0x38);
 inline constexpr COLORREF kCaption = RGB(0xF3, 0xD6, 0x90);
+inline constexpr COLORREF kChosen = RGB(0x24, 0x36, 0x6C);
 inline constexpr COLORREF kFocus = RGB(0xFF, 0xD7, 0x78);
 inline constexpr COLORREF kDimmed = RGB(0x7C, 0x84, 0x9C);
 inline constexpr COLORREF kGroove = RGB(0x02, 0x04, 0x0C);

@@ -5,6 +5,25 @@ namespace ui::win32 {
 using platform::DialogAnswer;
 using platform::DialogButtons;
 
+namespace {
+
+// The windows of the dialog class are all message boxes, since the program's own windows have another one.
+BOOL CALLBACK PressLastButton(HWND window, LPARAM) {
+  wchar_t name[16] = L"";
+  GetClassNameW(window, name, 16);
+  if (lstrcmpW(name, L"#32770") != 0) return TRUE;
+  for (const int button : {IDCANCEL, IDNO, IDOK}) {
+    if (!GetDlgItem(window, button)) continue;
+    PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(button), 0);
+    break;
+  }
+  return TRUE;
+}
+
+}  // namespace
+
+void Win32Dialogs::CloseAll() { EnumThreadWindows(GetCurrentThreadId(), &PressLastButton, 0); }
+
 DialogAnswer Win32Dialogs::Show(const std::string& text, DialogButtons buttons, const std::string& title) {
   UINT kind = MB_SETFOREGROUND;
   DialogAnswer closed = DialogAnswer::Ok;

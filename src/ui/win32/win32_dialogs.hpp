@@ -13,6 +13,7 @@ class Win32Dialogs : public platform::Dialogs {
 
   platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
                               const std::string& title) override;
+  void CloseAll() override;
   // A program without a console has nowhere to tell it; the error log has what matters.
   void Announce(const std::string&, const std::string&) override {}
 

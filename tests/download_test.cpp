@@ -1,0 +1,146 @@
+// Single downloads: what the player sees while they run, and how they end.
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/archives.hpp"
+#include "support/faulty_server.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "update/chunked_transfer.hpp"
+#include "update/download.hpp"
+
+namespace {
+
+using support::MakeZip;
+
+struct DownloadTest : testing::Test {
+  DownloadTest() {
+    for (const std::string& made : {folders.BinDir, folders.ResourcesUpdateDir, folders.Scratch("")}) {
+      platform::MakeFolders(made);
+    }
+    deployment.client1 = "http://uno.example";
+    deployment.client2 = "http://dos.example";
+    deployment.forum = "http://foro.example";
+    hosts.CurrentUpdateURL = server.Url("/m/");
+    download.remoteFolder = "NewAct2/";
+  }
+
+  support::FaultyServer server;
+  support::TempFolder folder;
+  support::TestHost machine;
+  startup::Folders folders{folder / "juego"};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*machine.events};
+  startup::ErrorRecorder recorder{machine.host, folders, lifetime};
+  controls::MainWindow window{machine.events->Timers()};
+  web::DownloadState state;
+  web::Hosts hosts;
+  web::Inet1 inet{machine.host, lifetime};
+  web::smodXmlHttp transfers{machine.host, folders, lifetime, window, state, hosts};
+  update::smodUnzip unzip{machine.host, folders, recorder, lifetime};
+  int closed = 0;
+  update::Download download{{machine.host, folders, deployment, recorder, lifetime, window, state, hosts,
+                             transfers, unzip, [this] { ++closed; }}};
+  update::ChunkedTransfer chunked{machine.host, deployment, recorder, lifetime,
+                                  window,       inet,       state,    [this] { ++closed; }};
+};
+
+TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
+  server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text("paquete"));
+  const update::IndexRecord record{std::string(32, '0'), "\\Bin\\Sub\\a #.dll", "Sub/a #.dll", ""};
+  EXPECT_TRUE(download.DownloadClient(3, 9, record));
+  const std::string target = folders.ResourcesUpdateDir + platform::NativePath("/Sub/a #.dll");
+  EXPECT_EQ(window.lblName.Caption.Get(), "Descargando actualizaciones: 3/9 - Sub");
+  EXPECT_EQ(window.lblDirectorio.Caption.Get(), target);
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Actualizando, aguarde un momento...");
+  EXPECT_EQ(folder.Get("juego/RECURSOS/UPDATE/Sub/a #.dll.kvn"), "paquete");
+  EXPECT_FALSE(state.Finished);
+}
+
+TEST_F(DownloadTest, AnArchiveIsSavedFlatUnpackedAndRemoved) {
+  window.tmrUpdates.Set(true);
+  server.On("/m/NewAct2/Mapas/Mapas1.zip", support::Text(MakeZip({{"a/b.txt", "hola"}})));
+  folder.Put("juego/MapasMapas1.zip", "viejo");
+  EXPECT_EQ(download.DescargarArchivo("Mapas/Mapas1.zip", true), update::DownloadResult::Done);
+  EXPECT_EQ(state.TargetPath, folder / "juego/MapasMapas1.zip");
+  EXPECT_FALSE(folder.Has("juego/MapasMapas1.zip"));
+  EXPECT_EQ(folder.Get("juego/a/b.txt"), "hola");
+  EXPECT_FALSE(window.tmrUpdates.On());
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Actualizando juego, por favor aguarde unos minutos.");
+}
+
+TEST_F(DownloadTest, AFileInAFoldersPlaceStopsThePatchBeforeTheFirstMove) {
+  platform::MakeFolders(folder / "juego/z");
+  server.On("/m/NewAct2/x.zip", support::Text(MakeZip({{"a.txt", "x"}, {"z", "x"}})));
+  EXPECT_EQ(download.DescargarArchivo("x.zip", true), update::DownloadResult::UnpackFailed);
+  EXPECT_FALSE(folder.Has("juego/a.txt"));
+}
+
+TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
+  using platform::DialogAnswer;
+  using update::DownloadResult;
+  const support::ClosedPort closedPort;
+  hosts.CurrentUpdateURL = closedPort.Url("/");
+  machine.dialogs.answers = {DialogAnswer::Yes, DialogAnswer::No};
+  std::vector<DownloadResult> results;
+  for (int i = 0; i < 9; ++i) results.push_back(download.DescargarArchivo("x.zip", true));
+  // Yes starts the count of silent retries anew; No does not, so the next time-out asks again.
+  const std::vector<DownloadResult> expected = {
+      DownloadResult::TryAgain, DownloadResult::TryAgain, DownloadResult::TryAgain,
+      DownloadResult::TryAgain, DownloadResult::TryAgain, DownloadResult::TryAgain,
+      DownloadResult::TryAgain, DownloadResult::GivenUp,  DownloadResult::GivenUp};
+  EXPECT_EQ(results, expected);
+  EXPECT_EQ(machine.dialogs.shown.size(), 3u);
+  EXPECT_TRUE(state.TimedOut && state.RetryPending);
+}
+
+TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
+  server.On("/m/Kelvarin.zip", support::Text(MakeZip({{"a.txt", "x"}})));
+  download.DescargarCliente();
+  EXPECT_EQ(window.lblName.Caption.Get(), "Cliente Kelvarin.zip");
+  EXPECT_FALSE(folder.Has("juego/Bin/Kelvarin.zip"));
+  EXPECT_FALSE(folder.Has("juego/Bin/a.txt"));
+  ASSERT_EQ(machine.dialogs.shown.size(), 1u);
+  EXPECT_EQ(machine.dialogs.shown[0].text,
+            "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
+  // A time-out returns without its question, however often it comes.
+  server.On("/m/Kelvarin.zip", support::CutShort("x", 0));
+  for (int i = 0; i < 6; ++i) download.DescargarCliente();
+  EXPECT_EQ(machine.dialogs.shown.size(), 1u);
+}
+
+TEST_F(DownloadTest, AChunkedTransferShowsSizesAndItsOddSpeed) {
+  inet.StateChanged += [this](int number) { chunked.Inet1_StateChanged(number); };
+  const auto transfer = [&](const support::Answer& answer) {
+    state = {};
+    state.TargetPath = folder / "juego/trozos";
+    platform::TryRemoveFile(state.TargetPath);
+    server.On("/trozos", answer);
+    inet.Execute(server.Url("/trozos"));
+    for (int i = 0; i < 10'000 && !state.Completed; ++i) {
+      machine.clock.Step(1);
+      machine.events->WaitEvents(1);
+    }
+    EXPECT_TRUE(state.Completed);
+  };
+  const std::string body(2560, 'x');
+  transfer(support::Text(body));
+  EXPECT_FALSE(state.Failed);
+  EXPECT_TRUE(folder.Get("juego/trozos") == body);
+  EXPECT_EQ(window.lblVelocity.Caption.Get(),
+            "2kb de 2kb a 5kb/s");  // 2.5 kb, to even; the whole size as speed
+  EXPECT_EQ(window.lblsize.Caption.Get(), "2kb");
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Descarga finalizada.");
+
+  support::Answer unknown = support::Text(body);
+  unknown.framing = support::Answer::Framing::UntilClose;
+  transfer(unknown);
+  EXPECT_EQ(window.lblsize.Caption.Get(), "0kb");
+
+  transfer(support::CutShort(body, 1500));
+  EXPECT_TRUE(state.Failed);
+  EXPECT_FALSE(folder.Has("juego/trozos"));
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Error en la conexión.");
+}
+
+}  // namespace

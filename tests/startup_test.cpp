@@ -1,0 +1,221 @@
+// Start-up, the error recorder and the deployment file.
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/launcher_settings.hpp"
+#include "startup/system_directory.hpp"
+#include "support/launcher_run.hpp"
+
+namespace {
+
+using platform::DialogAnswer;
+using support::LauncherRun;
+namespace keys = startup::keys;
+
+struct Recorder : testing::Test {
+  support::TempFolder folder;
+  support::TestHost machine;
+  startup::Folders folders{folder / "juego"};
+  startup::Lifetime lifetime{*machine.events};
+  startup::ErrorRecorder recorder{machine.host, folders, lifetime};
+
+  Recorder() { platform::MakeFolder(folders.AppPath); }
+  std::string Log() { return folder.Get("Errores.log"); }
+  static std::string Line(const std::string& text) {
+    return "21/11/2026 10:20:30 " + text + platform::kLineEnd;
+  }
+};
+
+TEST_F(Recorder, ShowsEveryTextAndWritesNoRepeats) {
+  for (const char* text : {"A", "A", "A", "B", "A", "", ""}) recorder.LogError(text);
+  EXPECT_EQ(machine.dialogs.shown.size(), 7u);
+  EXPECT_EQ(Log(), Line("A") + Line("B") + Line("A") + Line("") + Line(""));
+}
+
+TEST_F(Recorder, WritesARepeatAgainAfter1500) {
+  for (int i = 0; i < 1502; ++i) recorder.LogError("A");
+  EXPECT_EQ(Log(), Line("A") + Line("A"));
+}
+
+TEST_F(Recorder, ReplacesBracesInTheLogOnly) {
+  recorder.LogError("x {y} z");
+  EXPECT_EQ(machine.dialogs.shown[0].text, "Error: x {y} z");
+  EXPECT_EQ(Log(), Line("x -y- z"));
+}
+
+TEST_F(Recorder, StartsAFreshLogBeyond3000Bytes) {
+  folder.Put("Errores.log", std::string(3000, 'x'));
+  recorder.LogError("A");
+  EXPECT_EQ(Log(), std::string(3000, 'x') + Line("A"));
+  recorder.LogError("B");
+  EXPECT_EQ(Log(), Line("B"));
+}
+
+TEST_F(Recorder, AsksToCloseAndOnlyYesEndsTheProgram) {
+  recorder.LogError("A", true);
+  EXPECT_FALSE(lifetime.Ending());
+  machine.dialogs.answers = {DialogAnswer::Yes};
+  recorder.LogError("B", true);
+  EXPECT_TRUE(lifetime.Ending());
+  EXPECT_EQ(machine.dialogs.shown.back().title, "¡Error en el Launcher de Kelvarin!");
+  EXPECT_EQ(machine.dialogs.shown.back().text,
+            "B\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.");
+}
+
+TEST_F(Recorder, ALogThatCannotBeWrittenIsNoFailure) {
+  platform::MakeFolder(folder / "Errores.log");
+  recorder.LogError("A");
+  EXPECT_EQ(machine.dialogs.shown.size(), 1u);
+}
+
+TEST(RunFlags, ComeFromTheNameAndTheCommandLine) {
+  const struct {
+    const char* name;
+    const char* commandLine;
+    bool launcher, updates;
+  } cases[] = {{"launcher", "", true, false},
+               {"LaunCHER", "x/UPDATESy", true, true},
+               {"Juego", "/updates", false, false},
+               {"launcher2", "-v /UPDATES", false, true},
+               {"", "/UPDATE S", false, false}};
+  for (const auto& entry : cases) {
+    const startup::RunFlags flags(entry.name, entry.commandLine);
+    EXPECT_EQ(flags.IsLauncherExe, entry.launcher) << entry.name;
+    EXPECT_EQ(flags.UpdatesOnly, entry.updates) << entry.commandLine;
+  }
+}
+
+TEST(Deployment, TakesBuiltInValuesForWhatTheFileLacks) {
+  const support::TempFolder folder;
+  const auto profiles = platform::MakeProfileFiles();
+  const startup::Deployment none = startup::LoadDeployment(*profiles, folder / "Deployment.ini");
+  EXPECT_TRUE(startup::ProblemsOf(none).empty());
+  EXPECT_EQ(none.mirrors[2], "http://127.0.0.1:8250/update/kvn2011/");
+
+  folder.Put("Deployment.ini",
+             "[MIRRORS]\r\n1=http://a/x\r\n2=ftp://a/\r\n3=\r\n4=a/b/\r\n5=https://h:81/u/"
+             "\r\n[SITE]\r\nWeb=http://w/\r\n");
+  const startup::Deployment some = startup::LoadDeployment(*profiles, folder / "Deployment.ini");
+  EXPECT_EQ(some.usable, (std::array<bool, 7>{false, false, false, false, true, true, true}));
+  EXPECT_EQ(some.web, "http://w");
+  EXPECT_EQ(some.parameter, "KELVARIN");
+  EXPECT_TRUE(some.IsSecondHost("https://h:81/u/"));
+  const auto problems = startup::ProblemsOf(some);
+  ASSERT_EQ(problems.size(), 4u);
+  EXPECT_NE(problems[3].find("MIRRORS/4"), std::string::npos);
+}
+
+TEST(SystemDirectory, PrefersTheFolderOf32BitLibraries) {
+  const support::TempFolder folder;
+  support::TestHost machine;
+  const startup::Folders folders(folder.Path());
+  startup::Lifetime lifetime(*machine.events);
+  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
+  const std::string directory = startup::ObtenerDirectorio(recorder);
+  const std::string wow64 = platform::SystemFolder() + platform::NativePath("\\..\\SysWOW64");
+  EXPECT_EQ(directory, platform::IsFolder(wow64) ? wow64 : platform::SystemFolder());
+  EXPECT_TRUE(machine.dialogs.shown.empty());
+}
+
+TEST(Main, PreparesTheFolderAndTheTimers) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "nuevo");
+  run.folder.Put(run.game + "/RECURSOS/INIT/WavSilenced.ini",
+                 "[INIT]\r\nWAV12=-3\r\nWAV13=0.0\r\nWAV14=x\r\n");
+  run.Start();
+  for (const char* made : {"Bin", "RECURSOS/INIT/UPDATE", "RECURSOS/UPDATE"}) {
+    EXPECT_TRUE(run.folder.Has(run.game + "/" + made)) << made;
+  }
+  EXPECT_EQ(run.folder.Get(run.game + "/Kelvarin.exe.manifest"), "nuevo");
+  const controls::MainWindow& window = run.Launched().MainWindow();
+  EXPECT_TRUE(window.Visible);
+  EXPECT_TRUE(window.NewsTimer.On());
+  EXPECT_TRUE(window.tmrShow.On());
+  EXPECT_FALSE(window.tmrUpdates.On());
+  EXPECT_EQ(window.lblServerState1.Caption.Get(), "Alpha ONLINE - 37 Users.");
+  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kLastUrl, keys::kUrl), run.mirror.Url());
+  ASSERT_EQ(run.machine.processes.started.size(), 1u);
+  EXPECT_EQ(run.machine.processes.started[0].commandLine,
+            "RunDll32.exe InetCpl.cpl, ClearMyTracksByProcess 8");
+  EXPECT_EQ(run.machine.processes.locksTaken, std::vector<std::string>{"Global\\Kelvarin"});
+
+  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "más nuevo");
+  run.Start();
+  EXPECT_EQ(run.folder.Get(run.game + "/Kelvarin.exe.manifest"), "nuevo");  // never overwritten
+}
+
+TEST(Main, MeetsOtherInstances) {
+  const struct {
+    bool locked, client;
+    std::vector<std::string> shown;
+    std::string show;
+  } cases[] = {
+      {false, false, {}, ""},
+      {true, true, {"Se encontró otra instancia del launcher abierta."}, "1"},
+      {false, true, {"Se encontró otra instancia ejecutada del launcher abierta."}, ""},
+  };
+  for (const auto& entry : cases) {
+    LauncherRun run;
+    run.mirror.Publish();
+    run.machine.processes.lockExists = entry.locked;
+    if (entry.client) run.machine.processes.running = {"otro.exe", "KELVARIN.EXE"};
+    std::vector<std::string> shown;
+    run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) {
+      if (!dialog.text.starts_with("Error")) shown.push_back(dialog.text);
+    };
+    run.Start();
+    EXPECT_EQ(shown, entry.shown);
+    EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), entry.show);
+    EXPECT_TRUE(run.Launched().MainWindow().Visible);  // neither message ends the start-up
+  }
+}
+
+TEST(Main, ARenamedLauncherEndsAStaleClient) {
+  LauncherRun run;
+  run.program = "actualizador.exe";
+  run.mirror.Publish();
+  run.machine.processes.lockExists = true;
+  run.machine.processes.running = {"Kelvarin.exe"};
+  run.Start();
+  ASSERT_EQ(run.machine.processes.started.size(), 2u);
+  EXPECT_EQ(run.machine.processes.started[0].commandLine, "taskkill.exe /f /t /im Kelvarin.exe");
+  EXPECT_EQ(run.machine.processes.started[0].style, platform::WindowStyle::Minimised);
+  EXPECT_EQ(run.machine.processes.locksTaken[0], "Global\\actualizador");
+}
+
+TEST(Main, StartsMinimisedTogetherWithTheSystem) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.machine.clock.Set(29'000);
+  run.Start();
+  EXPECT_FALSE(run.Launched().MainWindow().Visible);
+  EXPECT_EQ(run.Launched().MainWindow().State.Get(), controls::WindowState::Minimised);
+}
+
+TEST(Main, ReportsAMirrorThatCannotBeUsedAndPassesItOver) {
+  LauncherRun run;
+  run.mirror.Publish();
+  support::Deploy(run.folder, run.game, {"no es una dirección", run.mirror.Url()}, run.mirror.server.Url(""));
+  std::vector<std::string> shown;
+  run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) { shown.push_back(dialog.text); };
+  run.Start();
+  ASSERT_FALSE(shown.empty());
+  EXPECT_EQ(shown[0],
+            "Error: Deployment.ini: MIRRORS/1 no es una dirección http o https completa terminada en \"/\"; "
+            "no se usará.");
+  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kLastUrl, keys::kUrl), run.mirror.Url());
+}
+
+TEST(Main, ClosingWritesThatNothingIsPending) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.Start();
+  run.machine.settings->Set(keys::kApplication, keys::kConfig, keys::kShow, "1");
+  run.Launched().MainWindow().KeyDown(controls::kKeyEscape);
+  EXPECT_TRUE(run.Launched().Life().Ending());
+  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), "0");
+}
+
+}  // namespace

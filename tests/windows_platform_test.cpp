@@ -1,0 +1,314 @@
+#include <gtest/gtest.h>
+#include <windows.h>
+
+#include <random>
+#include <thread>
+
+#include "platform/files.hpp"
+#include "platform/machine.hpp"
+#include "platform/win32/event_loop_win32.hpp"
+#include "platform/win32/handles.hpp"
+#include "platform/win32/harden.hpp"
+#include "platform/win32/moved_aside.hpp"
+#include "platform/win32/wide.hpp"
+#include "support/faulty_server.hpp"
+#include "support/temp_folder.hpp"
+#include "support/win32/junction.hpp"
+#include "util/runtime_error.hpp"
+
+namespace platform {
+namespace {
+
+using support::TempFolder;
+
+struct LibraryTraits {
+  using Type = HMODULE;
+  static Type Invalid() { return nullptr; }
+  static void Close(Type library) { FreeLibrary(library); }
+};
+
+// A program mapped the way a running one is; it can be renamed and nothing else.
+UniqueHandle<LibraryTraits> Mapped(const std::string& path) {
+  return UniqueHandle<LibraryTraits>(
+      LoadLibraryExW(Wide(path).c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES));
+}
+
+template <class Condition>
+bool Eventually(Condition condition) {
+  for (const std::uint64_t end = GetTickCount64() + 20'000; GetTickCount64() < end; Sleep(5)) {
+    if (condition()) return true;
+  }
+  return false;
+}
+
+TEST(WindowsSettings, LieWhereOlderInstallationsLeftThem) {
+  const std::wstring key = L"Software\\VB and VBA Program Settings\\LauncherTests\\Ñ";
+  MakeSettingsStore()->Set("LauncherTests", "Ñ", "clave", "año €");
+  wchar_t value[100];
+  DWORD size = sizeof value, type = 0;
+  ASSERT_EQ(RegGetValueW(HKEY_CURRENT_USER, key.c_str(), L"clave", RRF_RT_ANY, &type, value, &size),
+            ERROR_SUCCESS);
+  EXPECT_EQ(Narrow(value), "año €");
+  EXPECT_EQ(type, DWORD{REG_SZ});
+  const std::wstring longer(2000, L'x');
+  unique_registry_key folder;
+  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_ALL_ACCESS, folder.Receive()),
+            ERROR_SUCCESS);
+  const auto put = [&](const wchar_t* name, DWORD kind, const void* bytes, std::size_t count) {
+    RegSetValueExW(folder.Get(), name, 0, kind, static_cast<const BYTE*>(bytes), static_cast<DWORD>(count));
+  };
+  put(L"open", REG_SZ, longer.data(), longer.size() * sizeof(wchar_t));  // without its final NUL
+  const DWORD number = 1;
+  put(L"number", REG_DWORD, &number, sizeof number);
+  EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "Ñ", "open"), std::string(2000, 'x'));
+  EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "Ñ", "number"), "");
+  RegDeleteTreeW(folder.Get(), nullptr);
+}
+
+TEST(WindowsFiles, ARunningProgramIsReplaced) {
+  const TempFolder folder;
+  const std::string program = folder / "juego ñ.exe";
+  CloneFile(ExecutablePath(), program);
+  {
+    const auto running = Mapped(program);
+    ASSERT_TRUE(running);
+    ASSERT_FALSE(DeleteFileW(Wide(program).c_str())) << "a running program could be deleted here";
+    for (const char* next : {"second", "third"}) {
+      WriteWhole(program, next);
+      EXPECT_EQ(ReadWhole(program, 100), next);
+    }
+    EXPECT_EQ(ListTree(folder.Path()).size(), 2u) << "the old program lies beside the new one";
+  }
+  RemoveMovedAside(program);
+  EXPECT_EQ(ListTree(folder.Path()), std::vector<FoundFile>{{"juego ñ.exe"}});
+}
+
+TEST(WindowsFiles, ARunningProgramStaysWhenThereIsNothingToReplaceItWith) {
+  const TempFolder folder;
+  const std::string program = folder / "a.exe";
+  CloneFile(ExecutablePath(), program);
+  const auto running = Mapped(program);
+  EXPECT_THROW(ReplaceFileWith(folder / "none", program), util::RuntimeError);
+  EXPECT_EQ(ListTree(folder.Path()), std::vector<FoundFile>{{"a.exe"}});
+}
+
+TEST(WindowsFiles, AFileThatIsHeldForAMomentIsReplacedAfterIt) {
+  const TempFolder folder;
+  folder.Put("a", "old");
+  unique_file held(CreateFileW(Wide(folder / "a").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                               OPEN_EXISTING, 0, nullptr));
+  const std::jthread scanner([&held] {
+    Sleep(30);
+    held.Reset();
+  });
+  WriteWhole(folder / "a", "new");
+  EXPECT_EQ(folder.Get("a"), "new");
+}
+
+TEST(WindowsFiles, AFileThatIsHeldForGoodIsPermissionDenied) {
+  const TempFolder folder;
+  folder.Put("a", "old");
+  const unique_file held(CreateFileW(Wide(folder / "a").c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                     OPEN_EXISTING, 0, nullptr));
+  try {
+    WriteWhole(folder / "a", "new");
+    FAIL() << "replaced";
+  } catch (const util::RuntimeError& error) {
+    EXPECT_TRUE(error.Is(util::ErrorNumber::PermissionDenied)) << error.Number();
+  }
+  EXPECT_EQ(ListTree(folder.Path()).size(), 1u);
+  EXPECT_EQ(folder.Get("a"), "old");
+}
+
+TEST(WindowsFiles, ReadOnlyFilesAreReplacedFlushedAndRemoved) {
+  const TempFolder folder;
+  const auto protect = [&](const char* name) {
+    folder.Put(name, "1");
+    SetFileAttributesW(Wide(folder / name).c_str(), FILE_ATTRIBUTE_READONLY);
+  };
+  protect("a");
+  FlushFile(folder / "a");
+  EXPECT_TRUE(GetFileAttributesW(Wide(folder / "a").c_str()) & FILE_ATTRIBUTE_READONLY);
+  WriteWhole(folder / "a", "2");
+  EXPECT_EQ(folder.Get("a"), "2");
+  protect("tree/b");
+  RemoveTree(folder / "tree");
+  EXPECT_FALSE(folder.Has("tree"));
+}
+
+TEST(WindowsFiles, AKilledWriterLeavesNothing) {
+  const TempFolder folder;  // the child that is killed makes one of its own, but writes into this one
+  const char* variable = "LAUNCHER_TEST_KILLED_WRITER";
+  if (!std::getenv(variable)) _putenv_s(variable, (folder / "a").c_str());
+  EXPECT_EXIT(
+      {
+        OutputFile file(std::getenv(variable));
+        file.Write("half");
+        TerminateProcess(GetCurrentProcess(), 7);
+      },
+      testing::ExitedWithCode(7), "");
+  _putenv_s(variable, "");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 0u);
+}
+
+TEST(WindowsFiles, LongNamesAndNamesBeyondTheCodePage) {
+  const TempFolder folder;
+  std::string deep = folder.Path();
+  for (int i = 0; i < 8; ++i) deep += "\\" + std::string(40, static_cast<char>('a' + i)) + "漢";
+  MakeFolders(deep);
+  WriteWhole(deep + "/файл", "1");
+  AppendTo(deep + "/файл", "2");
+  ShareFile(deep + "/файл", deep + "/b");
+  EXPECT_EQ(ReadWhole(deep + "\\b", 10), "12");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 2u);
+  EXPECT_THROW(WriteWhole(folder / std::string_view("a\0b", 3), "x"), util::RuntimeError);
+  EXPECT_FALSE(folder.Has("a"));
+  RemoveTree(folder.Path() + "\\" + std::string(40, 'a') + "漢");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 0u);
+}
+
+TEST(WindowsFiles, AJunctionIsNeitherListedNorFollowed) {
+  const TempFolder folder, outside;
+  outside.Put("precious", "1");
+  folder.Put("tree/a", "1");
+  if (!support::MakeJunction(folder / "tree/link", outside.Path())) GTEST_SKIP() << "no junctions here";
+  ASSERT_TRUE(IsFile(folder / "tree/link/precious"));
+  EXPECT_EQ(ListTree(folder / "tree"), std::vector<FoundFile>{{"a"}});
+  try {
+    RemoveTree(folder / "tree");
+    EXPECT_FALSE(folder.Has("tree"));
+  } catch (const util::RuntimeError&) {  // Wine cannot remove a link to a folder that is not empty
+  }
+  EXPECT_TRUE(outside.Has("precious"));
+}
+
+TEST(WindowsProfileFiles, AReadOnlyFileStaysAndNothingIsLeftBeside) {
+  const TempFolder folder;
+  const auto profiles = MakeProfileFiles();
+  folder.Put("a.ini", "[INIT]\r\nKey=1\r\n");
+  profiles->WriteVar(folder / "a.ini", "INIT", "Key", "2");
+  SetFileAttributesW(Wide(folder / "a.ini").c_str(), FILE_ATTRIBUTE_READONLY);
+  profiles->WriteVar(folder / "a.ini", "INIT", "Key", "3");
+  EXPECT_EQ(folder.Get("a.ini"), "[INIT]\r\nKey=2\r\n");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 1u);
+}
+
+TEST(WindowsProcesses, StartWithTheirCommandLineAndFolder) {
+  const TempFolder folder;
+  const auto processes = MakeProcesses({});
+  EXPECT_TRUE(processes->Start(
+      {"cmd.exe", "cmd.exe /c echo [%CD%]>out & ren out done", WindowStyle::Hidden, folder.Path()}));
+  ASSERT_TRUE(Eventually([&] { return folder.Has("done"); }));
+  EXPECT_NE(folder.Get("done").find(FileNameOf(folder.Path()) + "]"), std::string::npos);
+}
+
+TEST(WindowsProcesses, ABareNameIsFoundInTheSystemFolderOnly) {
+  const TempFolder folder;
+  const auto processes = MakeProcesses({});
+  CloneFile(SystemFolder() + "\\cmd.exe", folder / "decoy.exe");
+  SetCurrentDirectoryW(Wide(folder.Path()).c_str());
+  for (const char* program : {"decoy.exe", ".\\decoy.exe", "", "decoy", "\\decoy.exe", "x:decoy.exe"}) {
+    EXPECT_FALSE(processes->Start({program, "decoy.exe /c exit", WindowStyle::Hidden, ""})) << program;
+  }
+  HardenProcess();
+  CloneFile(SystemFolder() + "\\version.dll", folder / "decoy.dll");
+  EXPECT_EQ(LoadLibraryW(L"decoy.dll"), nullptr);
+  SetCurrentDirectoryW(Wide(SystemFolder()).c_str());
+}
+
+TEST(WindowsShell, OnlyWebAddressesAreOpenedAsPages) {
+  const auto shell = MakeShell({});
+  for (const char* page : {"", "cmd.exe", "file:///C:/windows/notepad.exe", "javascript:alert(1)",
+                           "C:\\windows\\notepad.exe", "ftp://127.0.0.1/", "http://", "http:\\\\a"}) {
+    EXPECT_FALSE(shell->OpenPage(page, "")) << page;
+  }
+  EXPECT_FALSE(shell->OpenFile("regsvr32 C:\\none.dll", ""));
+  EXPECT_FALSE(shell->OpenFile("http://127.0.0.1/", ""));
+}
+
+TEST(WindowsLocks, ANameThatIsAnotherThingCountsAsTaken) {
+  const unique_event other(CreateEventW(nullptr, TRUE, FALSE, L"Global\\LauncherTestsEvent"));
+  ASSERT_TRUE(other);
+  EXPECT_TRUE(MakeProcesses({})->TakeLock("Global\\LauncherTestsEvent")->AlreadyExisted());
+}
+
+// As the loops inside a menu or a message box: knows nothing of ours and ends by its own condition.
+template <class Condition>
+bool RunForeignLoop(Condition done) {
+  for (const std::uint64_t end = GetTickCount64() + 20'000; !done() && GetTickCount64() < end;) {
+    MSG message;
+    MsgWaitForMultipleObjects(0, nullptr, FALSE, 100, QS_ALLINPUT);
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE)) DispatchMessageW(&message);
+  }
+  return done();
+}
+
+TEST(WindowsEventLoop, TimersFireInForeignLoopsToo) {
+  const auto clock = MakeClock();
+  Win32EventLoop loop(*clock);
+  int fromOutside = 0, others = 0;
+  bool foreign = false;
+  loop.Timers().Start(10, [&] {
+    if (std::exchange(foreign, true)) return;
+    loop.Timers().Start(15, [&] { ++others; });
+    RunForeignLoop([&] { return others >= 3; });
+  });
+  EXPECT_TRUE(RunForeignLoop([&] { return foreign && others >= 3; })) << "started by a foreign loop";
+  loop.Timers().Start(10, [&] { ++fromOutside; });
+  EXPECT_TRUE(RunForeignLoop([&] { return fromOutside >= 3; }));
+}
+
+TEST(WindowsEventLoop, MessagesPassTheHookAndAQuitIsNoted) {
+  const auto clock = MakeClock();
+  Win32EventLoop loop(*clock);
+  std::vector<UINT> seen;
+  loop.preTranslate = [&](MSG& message) {
+    seen.push_back(message.message);
+    return true;
+  };
+  PostThreadMessageW(GetCurrentThreadId(), WM_APP, 0, 0);
+  loop.WaitEvents(60'000);
+  EXPECT_EQ(seen, std::vector<UINT>{WM_APP});
+  EXPECT_FALSE(loop.QuitReceived());
+  PostQuitMessage(0);
+  loop.DoEvents();
+  EXPECT_TRUE(loop.QuitReceived());
+}
+
+struct CountingSink : HttpSink {
+  void Begin(const HttpHead&) override {}
+  bool Write(std::span<const std::byte> bytes) override {
+    count += bytes.size();
+    return true;
+  }
+  std::size_t count = 0;
+};
+
+TEST(WindowsHttpClient, IsStoppedAtAnyMomentWithoutDelay) {
+  support::FaultyServer server("127.0.0.2");
+  const support::DeafPort deaf("127.0.0.4");
+  server.On("/silent", support::Silent());
+  server.On("/hold", support::CutShort(std::string(100'000, 'x'), 60'000, support::Answer::Cut::Silence));
+  server.On("/trickle", {.body = std::string(100'000, 'y'), .paceBytes = 100, .paceMs = 1});
+  const std::string urls[] = {deaf.Url(), server.Url("/silent"), server.Url("/hold"), server.Url("/trickle")};
+  std::minstd_rand random(1);
+  std::uint64_t slowest = 0;
+  for (int i = 0; i < 40; ++i) {
+    const auto client = MakeHttpClient();  // gone while the system still works on what was given up
+    std::stop_source stop;
+    std::atomic<std::uint64_t> told = 0;
+    const std::jthread player([&, pause = random() % 12] {
+      Sleep(pause);
+      told = GetTickCount64();
+      stop.request_stop();
+    });
+    CountingSink sink;
+    const auto outcome = client->Get({.url = urls[random() % 4]}, sink, stop.get_token());
+    EXPECT_EQ(outcome.error, HttpError::Cancelled);
+    slowest = std::max(slowest, GetTickCount64() - told);
+  }
+  EXPECT_LT(slowest, 2'000u) << "ms; some tens are usual";
+}
+
+}  // namespace
+}  // namespace platform
