@@ -59,6 +59,10 @@ TEST_F(ProfileFilesTest, ReadsOneKey) {
     folder.Put(name, one.file);
     EXPECT_EQ(profiles->GetVar(folder / name, "INIT", "Key"), one.expected ? one.expected : "") << one.what;
     EXPECT_EQ(profiles->Has(folder / name, "INIT", "Key"), one.expected != nullptr) << one.what;
+    const std::string keys[] = {"none", "Key"};
+    EXPECT_EQ(profiles->GetVars(folder / name, "INIT", keys),
+              (std::vector<std::string>{"", one.expected ? one.expected : ""}))
+        << one.what;
   }
   EXPECT_EQ(profiles->GetVar(folder / "none.ini", "INIT", "Key"), "");
   EXPECT_FALSE(profiles->Has(folder / "none.ini", "INIT", "Key"));
@@ -69,6 +73,9 @@ TEST_F(ProfileFilesTest, LongValuesAreCutToTheBuffer) {
              "[INIT]\r\nKey=" + std::string(2998, 'a') + "\xF1z\r\nFits=" + std::string(2999, 'b'));
   EXPECT_EQ(profiles->GetVar(folder / "long.ini", "INIT", "Key"), std::string(2998, 'a') + "ñ");
   EXPECT_EQ(profiles->GetVar(folder / "long.ini", "INIT", "Fits"), std::string(2999, 'b'));
+  const std::string keys[] = {"Fits", "Key"};
+  EXPECT_EQ(profiles->GetVars(folder / "long.ini", "INIT", keys),
+            (std::vector<std::string>{std::string(2999, 'b'), std::string(2998, 'a') + "ñ"}));
 }
 
 struct WriteCase {
@@ -114,6 +121,14 @@ TEST_F(ProfileFilesTest, WritesManyKeysInOrderAndReadsThemBack) {
   profiles->WriteVars(folder / "many.ini", "INIT", entries);
   EXPECT_EQ(folder.Get("many.ini"), "[INIT]\r\nB=3\r\nA=dos palabras\r\nC=a=b\r\n");
   EXPECT_EQ(profiles->GetVar(folder / "many.ini", "INIT", "a"), "dos palabras");
+}
+
+TEST_F(ProfileFilesTest, NoByteMovesThatIsNotWritten) {
+  folder.Put("own.ini", "\n[INIT]\n  Old = 1 \nA=1\r\n\r\n\t\n[X]\nB = 2\n\n");
+  profiles->WriteVar(folder / "own.ini", "INIT", "New", "5");
+  profiles->WriteVar(folder / "own.ini", "x", "b", "3");
+  EXPECT_EQ(folder.Get("own.ini"), "\n[INIT]\n  Old = 1 \nA=1\r\nNew=5\r\n\r\n\t\n[X]\nB=3\n\n");
+  EXPECT_EQ(profiles->GetVar(folder / "own.ini", "INIT", "New"), "5") << "nothing of before is remembered";
 }
 
 TEST_F(ProfileFilesTest, AFileThatCannotBeWrittenIsNoError) {

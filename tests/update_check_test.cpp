@@ -4,7 +4,6 @@
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
 #include "support/launcher_run.hpp"
-#include "update/counter_store.hpp"
 
 namespace {
 
@@ -298,36 +297,6 @@ TEST(UpdateCheck, ClosingDuringADownloadEndsItAndLeavesNoPiece) {
   run.machine.events->Timers().Stop(id);
   EXPECT_TRUE(pressed);
   EXPECT_EQ(run.GameFiles(), before);
-}
-
-TEST(Repair, ForgetsEverythingAndFetchesItAgain) {
-  LauncherRun run;
-  PublishGame(run.mirror);
-  run.Start();
-  run.Play();
-  run.UntilEnded();
-  const std::string client = run.folder / (run.game + "/Bin/KVN-DX8.exe");
-
-  run.Start();
-  run.Launched().MainWindow().cmdReiniciarUpdates.Click();  // answered No
-  EXPECT_EQ(run.Counter("Mapas"), "2\r\n");
-  EXPECT_FALSE(run.Launched().MainWindow().tmrUpdates.On());
-  EXPECT_EQ(run.machine.dialogs.shown.back().title, "¡ATENCIÓN! Lea con cuidado.");
-
-  run.mirror.server.Forget();
-  run.folder.Put(run.game + "/RECURSOS/MAPAS1/1.map", "roto");
-  run.folder.Put(run.game + "/Bin/foreign.dll", "x");
-  run.folder.Put(run.game + "/RECURSOS/INIT/WavSilenced.ini", "[INIT]\r\nWAV12=1\r\n");
-  run.machine.dialogs.answers = {DialogAnswer::Yes};
-  run.Launched().MainWindow().cmdReiniciarUpdates.Click();
-  for (const char* category : update::kCategories) EXPECT_EQ(run.Counter(category), "0\r\n");
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/MD5Update.ini"), " \r\n");
-  EXPECT_FALSE(run.Launched().MainWindow().NewsTimer.On());
-  run.UntilEnded();
-  auto expected = run.mirror.Expected();
-  expected["RECURSOS/INIT/WavSilenced.ini"] = "[INIT]\r\nWAV12=1\r\n";
-  EXPECT_EQ(run.GameFiles(), expected);
-  EXPECT_EQ(run.mirror.Asked().size(), 6u);  // the list, four patches, the index
 }
 
 TEST(Launch, RegistersTheLibrariesOncePerSet) {

@@ -6,6 +6,7 @@
 #include <thread>
 
 #include "support/win32/gui_objects.hpp"
+#include "support/win32/one_colour.hpp"
 #include "support/win32/window_world.hpp"
 #include "ui/frmNotify.hpp"
 #include "ui/win32/resample.hpp"
@@ -16,24 +17,16 @@ namespace {
 constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "config", "reparar", "whatsapp"};
 constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
 
-// A picture of one colour in a format that needs no encoder.
-std::string OneColour(COLORREF colour) {
-  const auto byte = [](int value) { return static_cast<char>(value); };
-  std::string bytes("BM\x3A\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\x01\0\0\0\x01\0\0\0\x01\0\x18\0", 30);
-  bytes.resize(54);
-  return bytes + byte(GetBValue(colour)) + byte(GetGValue(colour)) + byte(GetRValue(colour)) + '\0';
-}
-
 // Real windows of the main window and the news pop-up, driven by real messages.
 struct WindowsMainWindowTest : testing::Test, support::WindowWorld {
   WindowsMainWindowTest() {
     const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
     for (const char* stem : kStems) {
       for (const auto& [state, colour] : states) {
-        folder.Put(std::string("RECURSOS/GRAFICOS/") + stem + state + ".jpg", OneColour(colour));
+        folder.Put(std::string("RECURSOS/GRAFICOS/") + stem + state + ".jpg", support::OneColour(colour));
       }
     }
-    folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", OneColour(RGB(9, 9, 9)));
+    folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", support::OneColour(RGB(9, 9, 9)));
     Load();
   }
 };

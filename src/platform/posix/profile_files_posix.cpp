@@ -3,7 +3,7 @@
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
-#include "platform/posix/ini_text.hpp"
+#include "platform/ini_text.hpp"
 #include "util/runtime_error.hpp"
 
 namespace platform {

@@ -5,7 +5,7 @@
 
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
-#include "platform/posix/ini_text.hpp"
+#include "platform/ini_text.hpp"
 #include "platform/posix/unique_fd.hpp"
 #include "util/runtime_error.hpp"
 

@@ -1,8 +1,10 @@
 #include <windows.h>
 
-#include <atomic>
+#include <cstring>
 
+#include "platform/encoding.hpp"
 #include "platform/files.hpp"
+#include "platform/ini_text.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/wide.hpp"
 #include "util/runtime_error.hpp"
@@ -33,36 +35,49 @@ bool MayBeWritten(const std::wstring& name) {
          !(attributes & (FILE_ATTRIBUTE_READONLY | FILE_ATTRIBUTE_DIRECTORY));
 }
 
-// A copy of a profile file, in the same folder; deleted unless it has taken the place of the original.
-class WorkingCopy {
- public:
-  explicit WorkingCopy(const std::string& original) : original_(original) {
-    static std::atomic<unsigned> count{0};
-    path_ = original + "." + std::to_string(GetCurrentProcessId()) + "-" + std::to_string(++count) + ".tmp";
-    if (IsFile(original)) CloneFile(original, path_);
+// The calls of the system understand a file in UTF-16, which begins with this mark, as well as one in ANSI.
+constexpr std::string_view kWideMark = "\xFF\xFE";
+
+bool IsWide(std::string_view bytes) { return bytes.starts_with(kWideMark); }
+
+std::string FromWideFile(std::string_view bytes) {
+  std::wstring text(bytes.size() / sizeof(wchar_t) - 1, L'\0');
+  std::memcpy(text.data(), bytes.data() + kWideMark.size(), text.size() * sizeof(wchar_t));
+  return Narrow(text);
+}
+
+std::string ToWideFile(std::string_view text) {
+  const std::wstring wide = Wide(text);
+  return std::string(kWideMark) +
+         std::string(reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t));
+}
+
+// The bytes of a profile file with the entries written.
+std::string Edited(const std::string& bytes, const std::string& section,
+                   std::span<const ProfileFiles::Entry> entries) {
+  if (!IsWide(bytes)) {
+    std::string text = bytes;
+    for (const auto& [key, value] : entries) SetIniValue(text, ToAnsi(section), ToAnsi(key), ToAnsi(value));
+    return text;
   }
-  ~WorkingCopy() { TryRemoveFile(path_); }
-  WorkingCopy(const WorkingCopy&) = delete;
+  std::string text = FromWideFile(bytes);
+  for (const auto& [key, value] : entries) SetIniValue(text, section, key, value);
+  return ToWideFile(text);
+}
 
-  bool Write(const std::string& section, const ProfileFiles::Entry& entry) {
-    return WritePrivateProfileStringW(Wide(section).c_str(), Wide(entry.first).c_str(),
-                                      Wide(entry.second).c_str(), FileArgument(path_).c_str()) != 0;
+// The whole file in UTF-8; empty when it cannot be read.
+std::string TextOf(const std::string& file) {
+  try {
+    const std::string bytes = ReadWhole(file, kLargestFile);
+    return IsWide(bytes) ? FromWideFile(bytes) : FromAnsi(bytes);
+  } catch (const util::RuntimeError&) {
+    return {};
   }
+}
 
-  // Does nothing when no byte has changed.
-  void TakePlace() {
-    // All arguments missing: what the system still holds of the file in memory is written.
-    WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(path_).c_str());
-    if (IsFile(original_) && ReadWhole(original_, kLargestFile) == ReadWhole(path_, kLargestFile)) return;
-    FlushFile(path_);
-    ReplaceFileWith(path_, original_);
-  }
-
- private:
-  std::string original_;
-  std::string path_;
-};
-
+// Reads single keys through the system's own calls. Many keys at once are read, and all keys written, in the
+// file's text: the writing call opens the file for every key and takes liberties with blank lines and line
+// ends.
 class SystemProfileFiles : public ProfileFiles {
  public:
   std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
@@ -73,16 +88,27 @@ class SystemProfileFiles : public ProfileFiles {
     return Read(file, section, key, kMissing) != kMissing;
   }
 
+  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
+                                   std::span<const std::string> keys) override {
+    const std::string text = TextOf(file);
+    std::vector<std::string> values;
+    for (const std::string& key : keys) {
+      values.push_back(Narrow(Wide(IniValue(text, section, key).value_or("")).substr(0, kBufferSize - 1)));
+    }
+    return values;
+  }
+
   void WriteVars(const std::string& file, const std::string& section,
                  std::span<const Entry> entries) override {
-    if (entries.empty() || !MayBeWritten(SystemPath(file))) return;
+    if (!MayBeWritten(SystemPath(file))) return;
     try {
-      WorkingCopy copy(file);
-      for (const Entry& entry : entries) {
-        if (!copy.Write(section, entry)) return;
-      }
-      copy.TakePlace();
-    } catch (const util::RuntimeError&) {  // the original stays as it was, which is all that is promised
+      const std::string old = IsFile(file) ? ReadWhole(file, kLargestFile) : std::string{};
+      const std::string edited = Edited(old, section, entries);
+      if (edited == old) return;
+      WriteWhole(file, edited);
+      // All arguments missing: what the system holds of the file in memory is read anew.
+      WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(file).c_str());
+    } catch (const util::RuntimeError&) {  // the file stays as it was, which is all that is promised
     }
   }
 };

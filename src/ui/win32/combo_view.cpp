@@ -51,12 +51,7 @@ class ComboView : public View {
       combo_.Select(static_cast<int>(SendMessageW(Handle(), CB_GETCURSEL, 0, 0)));
       combo_.Change();
     }
-    if (notification == CBN_EDITCHANGE) {
-      const std::string typed = platform::Narrow(TextOf(Handle()));
-      combo_.ListIndex = combo_.IndexOf(typed);
-      combo_.Text = typed;
-      combo_.KeyUp();
-    }
+    if (notification == CBN_EDITCHANGE && !showing_) Typed();
     // Both of the class's own drawing.
     if (notification == CBN_CLOSEUP || notification == CBN_DROPDOWN) Invalidate();
   }
@@ -102,12 +97,30 @@ class ComboView : public View {
     ShowChoice();
   }
 
+  void Typed() {
+    const std::string typed = platform::Narrow(TextOf(Handle()));
+    showing_ = true;
+    combo_.Text = typed;
+    combo_.ListIndex = combo_.IndexOf(typed);
+    showing_ = false;
+    ShowChoice();
+    combo_.KeyUp();
+  }
+
   void ShowChoice() {
+    if (showing_) return;
+    showing_ = true;
     const auto index = static_cast<LRESULT>(combo_.ListIndex.Get());
+    const std::wstring text = platform::Wide(combo_.Text.Get());
+    const bool textStays = editable_ && TextOf(Handle()) == text;
+    const LRESULT caret = SendMessageW(Handle(), CB_GETEDITSEL, 0, 0);
     if (SendMessageW(Handle(), CB_GETCURSEL, 0, 0) != index) {
       SendMessageW(Handle(), CB_SETCURSEL, static_cast<WPARAM>(index), 0);
     }
-    if (editable_ && TextOf(Handle()) != platform::Wide(combo_.Text.Get())) SetText(combo_.Text);
+    if (editable_ && TextOf(Handle()) != text) SetText(combo_.Text);
+    // Selecting an entry moves the caret, also from behind what the player is typing.
+    if (textStays) SendMessageW(Handle(), CB_SETEDITSEL, 0, caret);
+    showing_ = false;
     Invalidate();
   }
 
@@ -140,6 +153,7 @@ class ComboView : public View {
 
   controls::ComboBox& combo_;
   bool editable_;
+  bool showing_ = false;  // the data and the list are being brought together
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);  // the list outlives what shows it
 };
 

@@ -1,4 +1,4 @@
-#include "platform/posix/ini_text.hpp"
+#include "platform/ini_text.hpp"
 
 #include "util/text.hpp"
 

@@ -1,0 +1,350 @@
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "platform/files.hpp"
+#include "platform/win32/event_loop_win32.hpp"
+#include "platform/win32/wide.hpp"
+#include "support/temp_folder.hpp"
+#include "support/test_host.hpp"
+#include "support/win32/gui_objects.hpp"
+#include "support/win32/one_colour.hpp"
+#include "ui/frmOpciones.hpp"
+#include "ui/win32/layout.hpp"
+#include "ui/win32/win32_screen.hpp"
+
+namespace {
+
+constexpr const char* kFile = "RECURSOS/INIT/ConfigVideo.cfg";
+constexpr const char* kStems[] = {"cerrar", "teclas",   "donar", "manual",  "mapa", "reglamento",
+                                  "web",    "mensajes", "check", "default", "mas",  "menos"};
+constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
+
+// The settings' real windows, driven by the messages that a player's mouse and keyboard cause.
+struct WindowsOptionsTest : testing::Test {
+  WindowsOptionsTest() {
+    const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
+    for (const char* stem : kStems) {
+      for (const auto& [state, colour] : states) {
+        folder.Put(std::string("RECURSOS/GRAFICOS/Opciones/") + stem + state + ".jpg",
+                   support::OneColour(colour));
+      }
+    }
+    folder.Put(kFile, "[INIT]\r\nVERSION=1.0.03\r\nFPS=1000\r\nMaxVideoMemory=52428800\r\nVIDEO_MODE=2\r\n");
+    gameIni.LoadGameConfig();
+    sounds.Load();
+    asLoaded = folder.Get(kFile);
+    dynamic_cast<platform::Win32EventLoop&>(*host.events).preTranslate = [this](MSG& message) {
+      return screen.Translate(message);
+    };
+    screen.Attach(main);
+    main.Visible = true;
+    Show();
+  }
+  ~WindowsOptionsTest() override { screen.Detach(main); }
+
+  void Show() {
+    form.Show(main);
+    EXPECT_TRUE(Until([&] { return GetForegroundWindow() == Handle(form.Window); }));
+  }
+  HWND Handle(const controls::Window& window) { return screen.HandleOf(window); }
+
+  // Handles events until the condition holds; false when it does not in good time.
+  bool Until(const std::function<bool()>& condition) {
+    const auto end = GetTickCount64() + 10'000;
+    while (!condition()) {
+      if (GetTickCount64() > end) return false;
+      host.events->WaitEvents(10);
+    }
+    return true;
+  }
+
+  // The middle of a control, in its window.
+  POINT Middle(const controls::Window& window, const std::string& name) {
+    const ui::win32::LayoutRow& row = *ui::win32::LayoutOf(window.Name()).Find(name);
+    const double scale = 15.0 / screen.TwipsPerPixel(window);
+    return {static_cast<LONG>((row.x + row.width / 2.0) * scale),
+            static_cast<LONG>((row.y + row.height / 2.0) * scale)};
+  }
+  HWND Child(const std::string& name) { return Child(form.Window, name); }
+  HWND Child(const controls::Window& window, const std::string& name) {
+    return ChildWindowFromPointEx(Handle(window), Middle(window, name), CWP_ALL);
+  }
+  std::string TextOf(const std::string& name) { return platform::Narrow(ui::win32::TextOf(Child(name))); }
+
+  // Presses what the system finds below the pointer.
+  void Click(const std::string& name) { ClickAt(Handle(form.Window), Middle(form.Window, name)); }
+  void ClickAt(HWND window, POINT at) {
+    ClientToScreen(window, &at);
+    const HWND under = WindowFromPoint(at);
+    ScreenToClient(under, &at);
+    for (const auto& [message, keys] :
+         {std::pair{WM_MOUSEMOVE, 0}, std::pair{WM_LBUTTONDOWN, MK_LBUTTON}, std::pair{WM_LBUTTONUP, 0}}) {
+      PostMessageW(under, static_cast<UINT>(message), static_cast<WPARAM>(keys), MAKELPARAM(at.x, at.y));
+    }
+    host.events->DoEvents();
+  }
+  void Key(int key) {
+    PostMessageW(GetFocus(), WM_KEYDOWN, static_cast<WPARAM>(key), 1);
+    PostMessageW(GetFocus(), WM_KEYUP, static_cast<WPARAM>(key), 0xC0000001);
+    host.events->DoEvents();
+  }
+  // Types over what the box with the focus holds.
+  void Type(const char* text) {
+    SendMessageW(GetFocus(), EM_SETSEL, 0, -1);
+    if (!*text) PostMessageW(GetFocus(), WM_CHAR, VK_BACK, 1);
+    for (; *text; ++text) PostMessageW(GetFocus(), WM_CHAR, static_cast<WPARAM>(*text), 1);
+    host.events->DoEvents();
+  }
+
+  bool Shows(const std::string& name, COLORREF colour) {
+    const HWND child = Child(name);
+    return Until([&] {
+      const HDC dc = GetDC(child);
+      const COLORREF seen = GetPixel(dc, 5, 5);
+      ReleaseDC(child, dc);
+      return seen == colour;
+    });
+  }
+  std::string Stored(const std::string& key, const char* file = "ConfigVideo.cfg") {
+    return host.profiles->GetVar(folders.InitDir + file, "INIT", key);
+  }
+
+  support::TempFolder folder;
+  support::TestHost host;
+  startup::Folders folders{folder.Path()};
+  startup::Deployment deployment;
+  startup::Lifetime lifetime{*host.events};
+  startup::ErrorRecorder recorder{host.host, folders, lifetime};
+  ui::win32::Win32Screen screen;
+  settings::modGameIni gameIni{*host.profiles, folders, recorder};
+  settings::SoundTable sounds{*host.profiles, folders};
+  controls::Window main{"frmMain", "Launcher - Kelvarin"};
+  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
+  ui::frmOpciones form{services};
+  std::string asLoaded;
+};
+
+TEST_F(WindowsOptionsTest, OpensOnceCentredBesideAMainWindowThatGoesOnWorking) {
+  const HWND handle = Handle(form.Window);
+  EXPECT_EQ(folder.Get(kFile), asLoaded) << "loading writes nothing";
+  EXPECT_EQ(TextOf("cmbFPS") + TextOf("cmbMemory") + TextOf("cmbVideo_Mode"), "100052428800Mixed");
+  EXPECT_EQ(TextOf("lblMemory") + TextOf("txtCantMensajes") + TextOf("cmbWavsList"), "50 MB91");
+  EXPECT_EQ(SendMessageW(Child("cmbWavsList"), CB_GETCOUNT, 0, 0), 305);
+  const ui::Area over = screen.Bounds(main), own = screen.Bounds(form.Window);
+  EXPECT_NEAR(over.left + over.right, own.left + own.right, 2);
+  const support::GuiObjects before = support::CountGuiObjects();
+  SetForegroundWindow(Handle(main));
+  EXPECT_TRUE(IsWindowEnabled(Handle(main)));
+  bool pressed = false;
+  main.MouseDown += [&](controls::MouseButton) { pressed = true; };
+  ClickAt(Handle(main), {2, 2});
+  EXPECT_TRUE(pressed);
+  Show();
+  EXPECT_EQ(Handle(form.Window), handle);
+  EXPECT_EQ(support::CountGuiObjects().windows, before.windows);
+}
+
+TEST_F(WindowsOptionsTest, ChecksAndTheirCaptionsToggleKeyPictureAndTellTheirTexts) {
+  const char* const keys[] = {"FullScreenResolution", "OptimizarRendimiento", "MiniMapa",
+                              "Effect_Cast_Spells",   "Effect_Clic_Spells",   "Sound_Activated",
+                              "Music_Activated",      "Sound3D_Activated",    "AmbientSounds",
+                              "NormaliceSounds",      "InvertSounds",         "Effect_Arrows",
+                              "Effect_Die",           "Effect_Text",          "Effect_Time",
+                              "IntervalMessages",     "Effect_Filter"};
+  static_assert(std::size(keys) == std::size(ui::kChecks));
+  int texts = 0;
+  for (std::size_t i = 0; i < std::size(keys); ++i) {
+    const ui::Check& check = ui::kChecks[i];
+    if (check.traits & ui::kSwitchesEffects) continue;
+    for (const controls::Control* pressed :
+         {static_cast<controls::Control*>(&(form.Window.*check.control)),
+          static_cast<controls::Control*>(&(form.Window.*check.caption))}) {
+      const bool on = Stored(keys[i]) != "1";
+      host.dialogs.shown.clear();
+      Click(pressed->Name());
+      EXPECT_EQ(Stored(keys[i]), on ? "1" : "0") << pressed->Name();
+      EXPECT_TRUE(Shows((form.Window.*check.control).Name(), on ? kPressed : kNormal)) << pressed->Name();
+      const char* const text = on ? check.textOn : check.textOff;
+      ASSERT_EQ(host.dialogs.shown.size(), text ? 1u : 0u) << pressed->Name();
+      if (text) {
+        EXPECT_EQ(host.dialogs.shown[0].text, text);
+      }
+      texts += text != nullptr;
+    }
+  }
+  EXPECT_EQ(texts, 8);
+}
+
+TEST_F(WindowsOptionsTest, KeyboardReachesAndTogglesTheChecks) {
+  SetFocus(Child("chkMiniMap"));
+  Key(VK_SPACE);
+  EXPECT_EQ(Stored("MiniMapa"), "1");
+  Key(VK_TAB);
+  EXPECT_EQ(GetFocus(), Child("chkCast"));
+  Key(VK_RETURN);
+  EXPECT_EQ(Stored("Effect_Cast_Spells"), "1");
+  EXPECT_TRUE(Shows("chkCast", kPressed));
+  for (int i = 0; i < 100 && GetFocus() != Child("imgDefaultOptions"); ++i) {
+    Key(VK_TAB);
+    EXPECT_NE(GetFocus(), Child("imgMapa")) << "leads nowhere";
+  }
+  EXPECT_EQ(GetFocus(), Child("imgDefaultOptions"));
+}
+
+TEST_F(WindowsOptionsTest, VolumesStopAtTheirEnds) {
+  const struct {
+    const char* button;
+    int before, after;
+  } cases[] = {{"Plus", 100, 100}, {"Plus", 98, 100}, {"Less", 3, 0}, {"Less", 0, 0}, {"Plus", 30, 35}};
+  for (const auto& [button, before, after] : cases) {
+    gameIni.Config.MusicVolume = before;
+    gameIni.Config.SoundVolume = static_cast<std::int16_t>(before);
+    for (const std::string kind : {"Sound", "Music"}) {
+      Click(std::string("img") + button + kind + "Volume");
+      EXPECT_EQ(Stored(kind + "Volume"), std::to_string(after)) << button << kind << before;
+      EXPECT_EQ(TextOf("lbl" + kind + "Volume"), std::to_string(after) + "%");
+    }
+  }
+  Click("imgPlusMusicVolume");
+  Click("imgPlusMusicVolume");  // a quick pair is two presses
+  EXPECT_EQ(TextOf("lblMusicVolume"), "45%");
+}
+
+TEST_F(WindowsOptionsTest, ListsAreChosenFromByKeyboardAndMouse) {
+  SetFocus(Child("cmbFPS"));
+  Key(VK_DOWN);
+  EXPECT_EQ(Stored("FPS"), "500");
+  EXPECT_EQ(ui::win32::TextOf(Handle(form.Window)), L"Efectos de Video - ¡Cambios!");
+  const HWND memory = Child("cmbMemory");
+  ClickAt(Handle(form.Window), Middle(form.Window, "cmbMemory"));
+  ASSERT_TRUE(Until([&] { return SendMessageW(memory, CB_GETDROPPEDSTATE, 0, 0) != 0; }));
+  COMBOBOXINFO info{};
+  info.cbSize = sizeof info;
+  GetComboBoxInfo(memory, &info);
+  RECT entry{};
+  SendMessageW(info.hwndList, LB_GETITEMRECT, 3, reinterpret_cast<LPARAM>(&entry));
+  for (const UINT message : {WM_LBUTTONDOWN, WM_LBUTTONUP}) {
+    SendMessageW(info.hwndList, message, 0, MAKELPARAM(entry.left + 5, entry.top + 5));
+  }
+  EXPECT_EQ(Stored("MaxVideoMemory"), "314572800");
+  EXPECT_EQ(TextOf("lblMemory"), "300 MB");
+  SetFocus(Child("cmbVideo_Mode"));
+  Key(VK_HOME);
+  EXPECT_EQ(Stored("VIDEO_MODE") + TextOf("cmbVideo_Mode"), "0Sofware");
+  SendMessageW(memory, CB_SHOWDROPDOWN, TRUE, 0);
+  SetFocus(memory);
+  Key(VK_ESCAPE);
+  EXPECT_TRUE(IsWindowVisible(Handle(form.Window))) << "closes the list only";
+  EXPECT_EQ(SendMessageW(memory, CB_GETDROPPEDSTATE, 0, 0), 0);
+}
+
+TEST_F(WindowsOptionsTest, OptimisedPerformanceAndResetReachEveryPicture) {
+  gameIni.Config.Effect_Die = gameIni.Config.FullScreenResolution = true;
+  gameIni.Config.SoundVolume = 35;
+  Click("chkOptimizedOptions");
+  EXPECT_EQ(Stored("OptimizarRendimiento") + Stored("FPS") + Stored("Effect_Die"), "1700");
+  EXPECT_EQ(SendMessageW(Child("cmbFPS"), CB_GETCURSEL, 0, 0), CB_ERR);
+  EXPECT_EQ(TextOf("cmbFPS"), "");
+  ASSERT_EQ(host.dialogs.shown.size(), 1u);
+  EXPECT_TRUE(host.dialogs.shown[0].text.starts_with("Se se han desactivado"));
+  EXPECT_TRUE(Shows("chkOptimizedOptions", kPressed));
+  EXPECT_TRUE(Shows("chkArrowEffect", kNormal));
+  Click("lblPerformance");
+  EXPECT_EQ(Stored("OptimizarRendimiento") + Stored("FPS"), "070");
+
+  const std::string before = folder.Get(kFile);
+  Click("imgDefaultOptions");
+  EXPECT_EQ(folder.Get(kFile), before) << "answered No";
+  host.dialogs.answers = {platform::DialogAnswer::Yes};
+  Click("imgDefaultOptions");
+  EXPECT_EQ(Stored("FPS") + Stored("SoundVolume") + Stored("VIDEO_MODE") + Stored("MiniMapa"), "1003520");
+  EXPECT_EQ(TextOf("cmbFPS") + TextOf("cmbMemory") + TextOf("cmbVideo_Mode"), "100209715200Sofware");
+  for (const char* on : {"chkArrowEffect", "chkFiltro", "chkMusic", "chkSound", "chkSound3DEffects"}) {
+    EXPECT_TRUE(Shows(on, kPressed)) << on;
+  }
+}
+
+TEST_F(WindowsOptionsTest, SoundsAreMutedByTypingTheirNumber) {
+  Click("cmbWavsList");
+  Type("12");
+  EXPECT_TRUE(Shows("chkSilenciarWav", kNormal));
+  Click("chkSilenciarWav");
+  EXPECT_EQ(Stored("WAV12", "WavSilenced.ini"), "1");
+  EXPECT_TRUE(Shows("chkSilenciarWav", kPressed));
+  EXPECT_EQ(TextOf("cmbWavsList"), "12");
+  for (const auto& [typed, shown] :
+       {std::pair{"306", kNormal}, std::pair{"12", kPressed}, std::pair{"abc", kNormal},
+        std::pair{"12", kPressed}, std::pair{"", kNormal}, std::pair{"12", kPressed}}) {
+    Click("cmbWavsList");
+    Type(typed);
+    EXPECT_TRUE(Shows("chkSilenciarWav", shown)) << typed;
+    EXPECT_EQ(TextOf("cmbWavsList"), typed);
+  }
+  Click("(chkSilenciarWav)");
+  EXPECT_EQ(Stored("WAV12", "WavSilenced.ini"), "0");
+  Click("cmbWavsList");
+  Key(VK_DOWN);  // the next number of the list
+  Click("chkSilenciarWav");
+  EXPECT_EQ(Stored("WAV13", "WavSilenced.ini"), "1");
+}
+
+TEST_F(WindowsOptionsTest, NumberOfMessagesAndPlaceOfTheClanChat) {
+  for (const auto& [typed, shown] : {std::pair{" 12 ", "12"}, std::pair{"abc", "5"}, std::pair{"", "5"}}) {
+    Click("txtCantMensajes");
+    Type(typed);
+    Key(VK_TAB);
+    EXPECT_EQ(TextOf("txtCantMensajes"), shown) << typed;
+  }
+  EXPECT_EQ(folder.Get(kFile), asLoaded);
+  const auto marked = [&](const char* name) { return SendMessageW(Child(name), BM_GETCHECK, 0, 0); };
+  EXPECT_EQ(marked("optConsola"), BST_CHECKED);
+  for (const bool onScreen : {true, false}) {
+    Click(onScreen ? "optPantalla" : "optConsola");
+    EXPECT_EQ(Stored("Guild_Chat_OnScreen"), onScreen ? "1" : "0");
+    EXPECT_EQ(marked("optPantalla"), onScreen ? BST_CHECKED : BST_UNCHECKED);
+    EXPECT_EQ(marked("optConsola"), onScreen ? BST_UNCHECKED : BST_CHECKED);
+  }
+}
+
+TEST_F(WindowsOptionsTest, EscAndCloseSaveAndEndEachWindow) {
+  Click("imgCustomKeys1");
+  const auto opened = [&](const controls::Window& window) {
+    return Until([&] { return GetForegroundWindow() == Handle(window); });
+  };
+  int rate = 200;
+  const auto closes = [&](controls::Window& window, const std::function<void()>& close) {
+    ASSERT_TRUE(opened(window)) << window.Name();
+    gameIni.Config.FPS = ++rate;
+    close();
+    EXPECT_FALSE(IsWindowVisible(Handle(window))) << window.Name();
+    EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();
+  };
+  const auto escape = [&] { Key(VK_ESCAPE); };
+  const auto typesNothingToDisk = [&](controls::Window& window, const char* box) {
+    ASSERT_TRUE(opened(window));
+    const std::string before = folder.Get(kFile);
+    SetFocus(Child(window, box));
+    Type("x");
+    EXPECT_EQ(ui::win32::TextOf(Child(window, box)), L"x");
+    EXPECT_EQ(folder.Get(kFile), before);
+  };
+  typesNothingToDisk(form.CustomK.Window, "Text1(0)");
+  closes(form.CustomK.Window, escape);
+  SetForegroundWindow(Handle(form.Window));
+  Click("imgCustomMsg");
+  typesNothingToDisk(form.MessagesConfigurateds.Window, "messageTxt(0)");
+  closes(form.MessagesConfigurateds.Window, escape);
+  SetForegroundWindow(Handle(form.Window));
+  SetFocus(Child("txtCantMensajes"));
+  closes(form.Window, escape);
+  Show();
+  closes(form.Window, [&] { Click("imgCerrar"); });
+  Show();
+  SendMessageW(Handle(form.Window), WM_SYSCOMMAND, SC_CLOSE, 0);
+  EXPECT_FALSE(IsWindowVisible(Handle(form.Window)));
+}
+
+}  // namespace
