@@ -104,8 +104,10 @@ TEST_F(WindowsMainWindowTest, BarePartsAndLabelsAskTheSystemToMoveTheWindow) {
   POINT at{label.left + 3, label.top + 3};
   ScreenToClient(handle, &at);
   Send(handle, WM_MOUSEMOVE, MK_LBUTTON, at.x, at.y);
-  EXPECT_EQ(dragRequests, 2);
+  EXPECT_EQ(dragRequests, 1) << "the press of the first drag, told again";
   Send(handle, WM_MOUSEMOVE, 0, at.x + 1, at.y);
+  EXPECT_EQ(dragRequests, 1);
+  Send(handle, WM_MOUSEMOVE, MK_LBUTTON, at.x, at.y);
   EXPECT_EQ(dragRequests, 2);
   SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(formProcedure));
 }

@@ -104,7 +104,7 @@ void Form::Rescale(const POINT* corner) {
                SWP_NOZORDER | SWP_NOACTIVATE | (corner ? 0u : SWP_NOMOVE));
   FitClient(size);
   for (const auto& view : views_) view->Place();
-  PaintBackground();
+  ForgetBackground();
 }
 
 // The frame may be another one than was reckoned with: it is the system's, and its theme's.
@@ -161,10 +161,16 @@ void Form::PaintBackground() {
   }
   pictures_.Forget(window_.Picture);  // the surface holds it from here on
   for (const auto& view : views_) view->PaintBehind(dc);
+}
+
+void Form::ForgetBackground() {
+  background_.reset();
   RedrawWindow(Handle(), nullptr, nullptr, RDW_INVALIDATE | RDW_ALLCHILDREN);
 }
 
-void Form::CopyBackground(HDC dc, const RECT& part) const {
+// Made when it is first needed: a window that is never shown never reads its picture.
+void Form::CopyBackground(HDC dc, const RECT& part) {
+  if (!background_) PaintBackground();
   BitBlt(dc, 0, 0, Width(part), Height(part), background_->Dc(), part.left, part.top, SRCCOPY);
 }
 
@@ -176,7 +182,7 @@ void Form::Paint() {
 
 void Form::Changed(std::string_view property) {
   if (property == "Caption") SetWindowTextW(Handle(), platform::Wide(window_.Caption.Get()).c_str());
-  if (property == "Picture") PaintBackground();
+  if (property == "Picture") ForgetBackground();
   if (property == "Visible") ShowNow();
   if (property == "WindowState") {
     if (window_.Visible) ShowNow();
@@ -236,6 +242,7 @@ void Form::ToForeground() {
 void Form::StartDrag() {
   POINT at{};
   GetCursorPos(&at);
+  dragged_ = true;
   ReleaseCapture();
   SendMessageW(Handle(), WM_NCLBUTTONDOWN, HTCAPTION, MAKELPARAM(at.x, at.y));
 }
@@ -259,7 +266,7 @@ void Form::Activated(bool active) {
 }
 
 void Form::LimitSize(MINMAXINFO& limits) const {
-  if (layout_.chrome == Chrome::Dialog || !background_) return;
+  if (layout_.chrome == Chrome::Dialog || views_.empty()) return;
   const RECT work = WorkAreaOf(Handle());
   const SIZE size = WindowSize();
   limits.ptMaxSize = {size.cx, size.cy};

@@ -42,7 +42,7 @@ class Form {
   HFONT Font(const wchar_t* face, int points, bool underline);
   int LineHeight(HFONT font) const;
   PictureCache& Pictures() { return pictures_; }
-  void CopyBackground(HDC dc, const RECT& part) const;  // of the form, to the surface's origin
+  void CopyBackground(HDC dc, const RECT& part);  // of the form, to the surface's origin
   bool ShowsFocus() const { return showsFocus_; }
   void FocusMoved(View& view, bool here);
   void UsedPointer();
@@ -60,6 +60,7 @@ class Form {
   void Rescale(const POINT* corner);
   void FitClient(SIZE size);
   void PaintBackground();
+  void ForgetBackground();
   void Paint();
   void ShowNow();
   void SizeChanged(WPARAM kind);
@@ -88,6 +89,7 @@ class Form {
   View* under_ = nullptr;      // the view that the pointer was last over; null: the bare window
   View* pressed_ = nullptr;    // the label that the left button went down on
   POINT lastPointer_{-1, -1};  // on the screen
+  bool dragged_ = false;       // the press that is told was the one that moved the window
   bool showsFocus_ = false;    // the keyboard was used last
   bool moving_ = false;        // the window's state is being changed by this program
 };

@@ -47,6 +47,10 @@ void Form::PointerOver(View* view, HWND over, WPARAM buttons, LPARAM position) {
   if (at.x == lastPointer_.x && at.y == lastPointer_.y) return;
   lastPointer_ = at;
   under_ = view;
+  // Where a window manager moves windows, its end of the drag may be told late: the same press must not start
+  // another one, which would leave the window hanging on the pointer.
+  if (!(buttons & MK_LBUTTON)) dragged_ = false;
+  if (dragged_) buttons &= ~static_cast<WPARAM>(MK_LBUTTON);
   TRACKMOUSEEVENT track{sizeof track, TME_LEAVE, over, 0};
   TrackMouseEvent(&track);
   if (view) {
@@ -93,6 +97,7 @@ LRESULT Form::PointerMessage(UINT message, WPARAM wParam, LPARAM lParam) {
       return 0;
     case WM_LBUTTONDOWN:
       UsedPointer();
+      dragged_ = false;
       pressed_ = label;
       if (label) {
         label->Control().MouseDown(MouseButton::Left);
