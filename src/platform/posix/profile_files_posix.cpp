@@ -2,8 +2,8 @@
 
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
-#include "platform/machine.hpp"
 #include "platform/ini_text.hpp"
+#include "platform/machine.hpp"
 #include "util/runtime_error.hpp"
 
 namespace platform {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "platform/files.hpp"
-#include "platform/machine.hpp"
 #include "platform/ini_text.hpp"
+#include "platform/machine.hpp"
 #include "platform/posix/unique_fd.hpp"
 #include "util/runtime_error.hpp"
 
