@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint64_t kLargestFile = 16 * 1024 * 1024;
 
-// $XDG_CONFIG_HOME, by default ~/.config (XDG Base Directory Specification).
+// $XDG_CONFIG_HOME, by default ~/.config (XDG base directories).
 std::string ConfigFolder() {
   const char* folder = std::getenv("XDG_CONFIG_HOME");
   if (folder && *folder == '/') return folder;
