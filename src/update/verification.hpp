@@ -17,6 +17,7 @@ namespace update {
 // What is known of one file after it was looked at.
 struct FileProof {
   std::string digest;                        // empty: missing or not readable
+  bool recorded = false;                     // the record vouched for it; nothing was read
   std::optional<platform::FileStamp> stamp;  // of the bytes digested; none when they changed meanwhile
 };
 
