@@ -18,7 +18,4 @@ inline constexpr int kUnzipProgramMissing =
 // entry's name keeps only the characters of that code page (others become "#U" and their number).
 int UnzipArchive(const std::string& archive, const std::string& folder);
 
-// Reads every entry and compares its checksum without writing anything. Otherwise as UnzipArchive.
-int TestArchive(const std::string& archive);
-
 }  // namespace platform

@@ -33,6 +33,9 @@ bool modCompression::Descomprimir(const std::string& source, const std::string& 
           failure.Opening() + " al descomprimir el update " + source +
           "\r\nEl archivo está en ejecución o siendo usado por el sistema, si el problema persiste, "
           "reinicie el sistema operativo por completo y vuelva a intentarlo.");
+    } else if (failure.number == static_cast<int>(util::ErrorNumber::InvalidFileFormat)) {
+      // What is wrong with the packed data itself is reported by its own procedure.
+      recorder_.LogError(failure.Opening() + " in procedure Decompress_Data of Módulo modCompression");
     } else {
       recorder_.LogError(failure.Opening() + " in procedure Descomprimir of Módulo modCompression in line " +
                          failure.Line() + "Parametro 1: " + source + "Parametro 2: " + destination);

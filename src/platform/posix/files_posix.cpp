@@ -136,19 +136,4 @@ void InputFile::Seek(std::uint64_t offset) {
   if (lseek(handle_->fd.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) RaiseErrno(errno, handle_->path);
 }
 
-std::string ReadWhole(const std::string& path, std::uint64_t limit) {
-  InputFile file(path);
-  const std::uint64_t size = file.Size();
-  if (size > limit) throw util::RuntimeError(util::ErrorNumber::OutOfMemory);
-  std::string bytes(size, '\0');
-  std::size_t filled = 0;
-  while (filled < bytes.size()) {
-    const std::size_t count = file.Read(std::as_writable_bytes(std::span(bytes)).subspan(filled));
-    if (count == 0) break;
-    filled += count;
-  }
-  bytes.resize(filled);
-  return bytes;
-}
-
 }  // namespace platform

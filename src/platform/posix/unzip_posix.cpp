@@ -108,9 +108,4 @@ int UnzipArchive(const std::string& archive, const std::string& folder) {
   return RunUnzip({"unzip", "-qq", "-o", "-C", LiteralName(archive), "-d", fs::absolute(folder).string()});
 }
 
-int TestArchive(const std::string& archive) {
-  if (!IsThere(archive)) return kUnzipNoArchive;
-  return RunUnzip({"unzip", "-qq", "-t", LiteralName(archive)});
-}
-
 }  // namespace platform

@@ -166,21 +166,6 @@ void ShareFile(const std::string& from, const std::string& to) {
   TryRemoveFile(neighbour);  // still there when both names were the same file already
 }
 
-std::string ReadWhole(const std::string& path, std::uint64_t limit) {
-  InputFile file(path);
-  const std::uint64_t size = file.Size();
-  if (size > limit) throw util::RuntimeError(util::ErrorNumber::OutOfMemory);
-  std::string bytes(static_cast<std::size_t>(size), '\0');
-  std::size_t filled = 0;
-  while (filled < bytes.size()) {
-    const std::size_t count = file.Read(std::as_writable_bytes(std::span(bytes)).subspan(filled));
-    if (count == 0) break;
-    filled += count;
-  }
-  bytes.resize(filled);
-  return bytes;
-}
-
 void WriteWhole(const std::string& path, std::string_view bytes) {
   OutputFile file(path);
   file.Write(bytes);

@@ -89,12 +89,11 @@ std::string LiteralName(std::string archive) {
   return archive;
 }
 
-int CallLibrary(std::string archive, std::string folder, bool testOnly) {
+int CallLibrary(std::string archive, std::string folder) {
   archive = LiteralName(std::move(archive));
   DCL options{};
   options.StructVersID = UZ_DCL_STRUCTVER;
   options.fQuiet = 2;
-  options.ntflag = testOnly;
   options.ndflag = 1;
   options.noflag = 1;
   options.C_flag = 1;
@@ -119,7 +118,7 @@ int ExtractFromInside(const fs::path& archive, const fs::path& folder) {
   const auto direct = AnsiPath(archive);
   const auto relative = AnsiPath(archive.lexically_relative(folder));
   if (!inside.Entered() || (!direct && !relative)) return kUnzipPathUnusable;
-  return CallLibrary(direct ? *direct : *relative, {}, false);
+  return CallLibrary(direct ? *direct : *relative, {});
 }
 
 // The library would try the name with ".zip" added, and calls a missing name with "[" in it a success.
@@ -140,18 +139,7 @@ int UnzipArchive(const std::string& archive, const std::string& folder) {
   const auto archiveText = AnsiPath(*archivePath);
   const auto folderText = AnsiPath(*folderPath);
   if (!archiveText || !folderText) return ExtractFromInside(*archivePath, *folderPath);
-  return CallLibrary(*archiveText, *folderText, false);
-}
-
-int TestArchive(const std::string& archive) {
-  const auto path = AbsolutePath(archive);
-  if (!IsThere(path)) return kUnzipNoArchive;
-
-  const std::lock_guard lock(libraryInUse);
-  if (const auto text = AnsiPath(*path)) return CallLibrary(*text, {}, true);
-  const CurrentFolder inside(path->parent_path());
-  const auto name = AnsiPath(path->filename());
-  return inside.Entered() && name ? CallLibrary(*name, {}, true) : kUnzipPathUnusable;
+  return CallLibrary(*archiveText, *folderText);
 }
 
 }  // namespace platform
