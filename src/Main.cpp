@@ -1,9 +1,9 @@
 // Procedure Main of module modGeneral: the launcher's start-up, step by step.
+#include "base/text.hpp"
 #include "launcher.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/procedure.hpp"
-#include "util/text.hpp"
 
 namespace {
 
@@ -44,8 +44,8 @@ void Launcher::Main() {
         StartTimers();
         if (lifetime_.Ending()) return;
         line = 150;
-        frmMain_.btnIniciar.EnableButton(true);
-        frmMain_.btnConfig.EnableButton(true);
+        mainForm_.btnIniciar.EnableButton(true);
+        mainForm_.btnConfig.EnableButton(true);
       },
       [](const startup::Failure& failure) {
         return "Error " + std::to_string(failure.number) + " Descripción: & (" + failure.description +
@@ -72,7 +72,7 @@ bool Launcher::IsProcessNameRunning(const std::string& imageName) {
       [&](int& line) {
         line = 10;
         for (const std::string& name : host_.processes.RunningImageNames()) {
-          running = running || util::EqualIgnoringCase(name, imageName);
+          running = running || base::EqualIgnoringCase(name, imageName);
         }
       },
       [](const startup::Failure& failure) {
@@ -112,13 +112,13 @@ void Launcher::CopyManifest() {
 
 void Launcher::ShowMainWindow() {
   const bool startedWithSystem = host_.clock.SystemUptime() < kStartedWithSystemMs;
-  frmMain_.Form_Load(!flags_.UpdatesOnly && !startedWithSystem);
-  flags_.StaffClient = frmMain_.IsStaff();
+  mainForm_.Form_Load(!flags_.UpdatesOnly && !startedWithSystem);
+  flags_.StaffClient = mainForm_.IsStaff();
   if (lifetime_.Ending()) return;
   if (startedWithSystem) {
-    frmMainControls_.State = controls::WindowState::Minimised;
+    frmMain_.State = controls::WindowState::Minimised;
   } else if (!flags_.UpdatesOnly) {
-    frmMainControls_.Visible = true;
+    frmMain_.Visible = true;
   }
 }
 
@@ -140,10 +140,10 @@ void Launcher::EraseCache() {
 
 void Launcher::StartTimers() {
   if (flags_.UpdatesOnly) {
-    frmMainControls_.tmrUpdates.Set(true);
-    frmMainControls_.NewsTimer.Set(false);
+    frmMain_.tmrUpdates.Set(true);
+    frmMain_.NewsTimer.Set(false);
     return;
   }
   if (servers_.Text().empty()) servers_.GetServersList();
-  if (!lifetime_.Ending()) frmMainControls_.NewsTimer.Set(true);
+  if (!lifetime_.Ending()) frmMain_.NewsTimer.Set(true);
 }

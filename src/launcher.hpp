@@ -5,15 +5,10 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
 #include "settings/modGameIni.hpp"
 #include "settings/sound_table.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
 #include "startup/instance_lock.hpp"
-#include "startup/lifetime.hpp"
-#include "startup/run_flags.hpp"
+#include "startup/services.hpp"
 #include "startup/unattended_dialogs.hpp"
 #include "ui/frmMain.hpp"
 #include "ui/frmNotify.hpp"
@@ -49,7 +44,7 @@ class Launcher {
 
   // The parts that tests look at.
   startup::Lifetime& Life() { return lifetime_; }
-  controls::MainWindow& MainWindow() { return frmMainControls_; }
+  controls::MainWindow& MainWindow() { return frmMain_; }
   ui::frmOpciones& Options() { return options_; }
   web::DownloadState& State() { return state_; }
 
@@ -76,8 +71,9 @@ class Launcher {
   startup::ErrorRecorder recorder_;
   startup::Deployment deployment_;
   startup::InstanceLock instance_;
+  startup::Services services_;
 
-  controls::MainWindow frmMainControls_;
+  controls::MainWindow frmMain_;
   web::DownloadState state_;
   web::Hosts hosts_;
   web::Inet1 inet_;
@@ -104,7 +100,7 @@ class Launcher {
   ui::SettingsServices settingsServices_;
   ui::frmOpciones options_;
   ui::frmNotify notify_;
-  ui::frmMain frmMain_;
+  ui::frmMain mainForm_;
   // A box that waits for an answer does not keep the program from ending.
   std::stop_callback<std::function<void()>> closeBoxes_;
 };

@@ -4,8 +4,7 @@
 #include "platform/files.hpp"
 #include "support/archives.hpp"
 #include "support/faulty_server.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "update/chunked_transfer.hpp"
 #include "update/download.hpp"
 
@@ -13,8 +12,8 @@ namespace {
 
 using support::MakeZip;
 
-struct DownloadTest : testing::Test {
-  DownloadTest() {
+struct DownloadTest : testing::Test, support::TestServices {
+  DownloadTest() : TestServices("juego") {
     for (const std::string& made : {folders.BinDir, folders.ResourcesUpdateDir, folders.Scratch("")}) {
       platform::MakeFolders(made);
     }
@@ -26,23 +25,15 @@ struct DownloadTest : testing::Test {
   }
 
   support::FaultyServer server;
-  support::TempFolder folder;
-  support::TestHost machine;
-  startup::Folders folders{folder / "juego"};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*machine.events};
-  startup::ErrorRecorder recorder{machine.host, folders, lifetime};
-  controls::MainWindow window{machine.events->Timers()};
+  controls::MainWindow window{host.events->Timers()};
   web::DownloadState state;
   web::Hosts hosts;
-  web::Inet1 inet{machine.host, lifetime};
-  web::smodXmlHttp transfers{machine.host, folders, lifetime, window, state, hosts};
-  update::smodUnzip unzip{machine.host, folders, recorder, lifetime};
+  web::Inet1 inet{services};
+  web::smodXmlHttp transfers{services, window, state, hosts};
+  update::smodUnzip unzip{services};
   int closed = 0;
-  update::Download download{{machine.host, folders, deployment, recorder, lifetime, window, state, hosts,
-                             transfers, unzip, [this] { ++closed; }}};
-  update::ChunkedTransfer chunked{machine.host, deployment, recorder, lifetime,
-                                  window,       inet,       state,    [this] { ++closed; }};
+  update::Download download{{services, window, state, hosts, transfers, unzip, [this] { ++closed; }}};
+  update::ChunkedTransfer chunked{services, window, inet, state, [this] { ++closed; }};
 };
 
 TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
@@ -81,7 +72,7 @@ TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
   using update::DownloadResult;
   const support::ClosedPort closedPort;
   hosts.CurrentUpdateURL = closedPort.Url("/");
-  machine.dialogs.answers = {DialogAnswer::Yes, DialogAnswer::No};
+  host.dialogs.answers = {DialogAnswer::Yes, DialogAnswer::No};
   std::vector<DownloadResult> results;
   for (int i = 0; i < 9; ++i) results.push_back(download.DescargarArchivo("x.zip", true));
   // Yes starts the count of silent retries anew; No does not, so the next time-out asks again.
@@ -90,7 +81,7 @@ TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
       DownloadResult::TryAgain, DownloadResult::TryAgain, DownloadResult::TryAgain,
       DownloadResult::TryAgain, DownloadResult::GivenUp,  DownloadResult::GivenUp};
   EXPECT_EQ(results, expected);
-  EXPECT_EQ(machine.dialogs.shown.size(), 3u);
+  EXPECT_EQ(host.dialogs.shown.size(), 3u);
   EXPECT_TRUE(state.TimedOut && state.RetryPending);
 }
 
@@ -100,13 +91,13 @@ TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
   EXPECT_EQ(window.lblName.Caption.Get(), "Cliente Kelvarin.zip");
   EXPECT_FALSE(folder.Has("juego/Bin/Kelvarin.zip"));
   EXPECT_FALSE(folder.Has("juego/Bin/a.txt"));
-  ASSERT_EQ(machine.dialogs.shown.size(), 1u);
-  EXPECT_EQ(machine.dialogs.shown[0].text,
+  ASSERT_EQ(host.dialogs.shown.size(), 1u);
+  EXPECT_EQ(host.dialogs.shown[0].text,
             "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
   // A time-out returns without its question, however often it comes.
   server.On("/m/Kelvarin.zip", support::CutShort("x", 0));
   for (int i = 0; i < 6; ++i) download.DescargarCliente();
-  EXPECT_EQ(machine.dialogs.shown.size(), 1u);
+  EXPECT_EQ(host.dialogs.shown.size(), 1u);
 }
 
 TEST_F(DownloadTest, AChunkedTransferShowsSizesAndItsOddSpeed) {
@@ -118,8 +109,8 @@ TEST_F(DownloadTest, AChunkedTransferShowsSizesAndItsOddSpeed) {
     server.On("/trozos", answer);
     inet.Execute(server.Url("/trozos"));
     for (int i = 0; i < 10'000 && !state.Completed; ++i) {
-      machine.clock.Step(1);
-      machine.events->WaitEvents(1);
+      host.clock.Step(1);
+      host.events->WaitEvents(1);
     }
     EXPECT_TRUE(state.Completed);
   };

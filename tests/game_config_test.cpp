@@ -2,11 +2,10 @@
 
 #include <map>
 
+#include "base/text.hpp"
 #include "settings/modGameIni.hpp"
 #include "settings/sound_table.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
-#include "util/text.hpp"
+#include "support/test_services.hpp"
 
 namespace {
 
@@ -18,11 +17,11 @@ using Values = std::map<std::string, std::string>;
 
 // `text` with every {key} replaced by its value.
 std::string Filled(std::string text, const Values& values) {
-  for (const auto& [key, value] : values) text = util::Replaced(text, "{" + key + "}", value);
+  for (const auto& [key, value] : values) text = base::Replaced(text, "{" + key + "}", value);
   return text;
 }
 
-struct GameConfigTest : testing::Test {
+struct GameConfigTest : testing::Test, support::TestServices {
   GameConfigTest() { folder.Put("RECURSOS/INIT/here", ""); }
 
   std::string Stored(const std::string& key) { return host.profiles->GetVar(folder / kFile, "INIT", key); }
@@ -31,11 +30,6 @@ struct GameConfigTest : testing::Test {
     gameIni.LoadGameConfig();
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   settings::modGameIni gameIni{*host.profiles, folders, recorder};
 };
 
@@ -152,7 +146,7 @@ TEST_F(GameConfigTest, WithoutFileAllFactoryValuesAreWrittenInOrder) {
   gameIni.Config.FPS = 15;
   gameIni.LoadGameConfig();
   EXPECT_EQ(gameIni.Config, settings::GameConfig{});
-  const std::string lines = util::Replaced(folder.Get(kFile), "\r\n", "\n");
+  const std::string lines = base::Replaced(folder.Get(kFile), "\r\n", "\n");
   EXPECT_EQ(lines,
             "[INIT]\nIntervalMessages=0\nEffect_Arrows=1\nEffect_Die=0\nEffect_Time=0\nEffect_Text=0\n"
             "Version=1.0.03\nMusic_Activated=1\nFullScreenResolution=0\nSound_Activated=1\n"

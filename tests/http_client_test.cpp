@@ -1,4 +1,5 @@
 #include "platform/http_client.hpp"
+#include "base/url.hpp"
 
 #include <gtest/gtest.h>
 
@@ -174,7 +175,7 @@ TEST_F(HttpClientTest, FollowsOnlyHonestRedirects) {
     }
   }
   EXPECT_LE(server.Count("/loop"), 3 * 11u);
-  EXPECT_FALSE(platform::RedirectAllowed("https://a/", "http://a/"));
+  EXPECT_FALSE(base::RedirectAllowed("https://a/", "http://a/"));
 }
 
 TEST_F(HttpClientTest, GivesUpWhereNobodyListens) {

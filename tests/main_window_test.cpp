@@ -1,13 +1,12 @@
 #include <gtest/gtest.h>
 
+#include "base/runtime_error.hpp"
 #include "controls/main_window.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
 #include "support/recording_screen.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "ui/frmMain.hpp"
-#include "util/runtime_error.hpp"
 
 namespace {
 
@@ -17,7 +16,7 @@ using controls::WindowState;
 constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "config", "reparar", "whatsapp"};
 
 // The main window in a folder of its own, the other modules replaced by notes of their calls.
-struct MainWindowTest : testing::Test {
+struct MainWindowTest : testing::Test, support::TestServices {
   MainWindowTest() {
     folder.Put("RECURSOS/INIT/here", "");
     folder.Put("RECURSOS/GRAFICOS/Launcher.jpg", "x");
@@ -38,7 +37,7 @@ struct MainWindowTest : testing::Test {
     ui::frmMain::Actions made;
     made.LoadGameConfig = [this] {
       actions.push_back("LoadGameConfig");
-      if (configFails) throw util::RuntimeError(util::ErrorNumber::PathNotFound);
+      if (configFails) throw base::RuntimeError(base::ErrorNumber::PathNotFound);
     };
     made.RestoreHosts = note("RestoreHosts");
     made.SwitchURL = note("SwitchURL");
@@ -60,18 +59,12 @@ struct MainWindowTest : testing::Test {
     return host.settings->Get(startup::keys::kApplication, startup::keys::kConfig, startup::keys::kShow);
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   web::Hosts hosts;
   support::RecordingScreen screen;
   controls::MainWindow window{host.events->Timers()};
   std::vector<std::string> actions;
   bool configFails = false, serverListEmpty = true;
-  ui::frmMain main{host.host, folders, deployment, recorder, lifetime, hosts, screen, window, Actions()};
+  ui::frmMain main{services, hosts, screen, window, Actions()};
 };
 
 using Names = std::vector<std::string>;
@@ -225,7 +218,8 @@ TEST_F(MainWindowTest, EveryWayOfUnloadingEndsTheProgram) {
   for (const UnloadMode mode : {UnloadMode::ControlMenu, UnloadMode::Code, UnloadMode::SystemShutdown}) {
     startup::Lifetime life(*host.events);
     controls::MainWindow other(host.events->Timers());
-    ui::frmMain form(host.host, folders, deployment, recorder, life, hosts, screen, other, Actions());
+    const startup::Services own{host.host, folders, deployment, flags, recorder, life};
+    ui::frmMain form(own, hosts, screen, other, Actions());
     form.Form_Load(true);
     actions.clear();
     screen.calls.clear();

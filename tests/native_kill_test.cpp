@@ -11,9 +11,9 @@
 #include <random>
 #include <thread>
 
+#include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "support/game_mirror.hpp"
-#include "util/relative_name.hpp"
 
 extern char** environ;
 
@@ -85,7 +85,7 @@ void PublishManyPatches(support::GameMirror& mirror) {
 std::map<std::string, std::string> GameFiles(const support::TempFolder& folder, const std::string& game) {
   std::map<std::string, std::string> files;
   for (const platform::FoundFile& found : platform::ListTree(folder / game)) {
-    const std::string name = util::WithSlashes(found.path);
+    const std::string name = base::WithSlashes(found.path);
     const bool own = name.starts_with("RECURSOS/INIT/") || name.starts_with("RECURSOS/UPDATE/");
     const bool ofGame = name.starts_with("Bin/") || (name.starts_with("RECURSOS/") && !own);
     if (ofGame && name != "Bin/MD5Update.ini") files[name] = folder.Get(game + "/" + name);

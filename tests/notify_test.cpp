@@ -2,15 +2,14 @@
 
 #include "platform/files.hpp"
 #include "support/recording_screen.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "ui/frmNotify.hpp"
 
 namespace {
 
 using Names = std::vector<std::string>;
 
-struct NotifyTest : testing::Test {
+struct NotifyTest : testing::Test, support::TestServices {
   NotifyTest() { deployment.web = "http://web.example"; }
 
   // The notice's upper edges since the last look; every position keeps its right edge on the work area's.
@@ -24,14 +23,8 @@ struct NotifyTest : testing::Test {
     return tops;
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   support::RecordingScreen screen;
-  ui::frmNotify notify{host.host, folders, deployment, recorder, lifetime, screen};
+  ui::frmNotify notify{services, screen};
 };
 
 std::vector<int> Range(int from, int to) {

@@ -1,4 +1,4 @@
-#include "util/numeric.hpp"
+#include "base/numeric.hpp"
 
 #include <gtest/gtest.h>
 
@@ -6,10 +6,10 @@
 #include <limits>
 #include <optional>
 
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
 
-namespace util {
+namespace base {
 namespace {
 
 struct Reading {
@@ -125,4 +125,4 @@ TEST(Text, FieldsAndPieces) {
 }
 
 }  // namespace
-}  // namespace util
+}  // namespace base

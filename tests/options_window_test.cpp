@@ -2,8 +2,7 @@
 
 #include "platform/files.hpp"
 #include "support/recording_screen.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "ui/frmOpciones.hpp"
 
 namespace {
@@ -30,7 +29,7 @@ struct EagerScreen : support::RecordingScreen {
   bool eager = false;
 };
 
-struct OptionsWindowTest : testing::Test {
+struct OptionsWindowTest : testing::Test, support::TestServices {
   OptionsWindowTest() {
     folder.Put(kFile, "[INIT]\r\nVERSION=1.0.03\r\nFPS=1000\r\nMaxVideoMemory=52428800\r\nVIDEO_MODE=2\r\n");
     folder.Put("RECURSOS/INIT/WavSilenced.ini", "[INIT]\r\nWAV1=1\r\n");
@@ -68,18 +67,12 @@ struct OptionsWindowTest : testing::Test {
   }
   std::string CaptionOf(const std::string& name) { return Get<controls::Label>(name).Caption; }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   EagerScreen screen;
   settings::modGameIni gameIni{*host.profiles, folders, recorder};
   settings::SoundTable sounds{*host.profiles, folders};
   controls::Window frmMain{"frmMain", "Launcher - Kelvarin"};
-  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
-  ui::frmOpciones form{services};
+  ui::SettingsServices with{services, screen, gameIni, sounds};
+  ui::frmOpciones form{with};
 };
 
 TEST_F(OptionsWindowTest, OpensFilledCentredAndOnce) {

@@ -4,13 +4,13 @@
 #include <optional>
 #include <thread>
 
+#include "base/runtime_error.hpp"
 #include "platform/digest.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_host.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -21,7 +21,7 @@ template <class Action>
 int ErrorNumberOf(Action action) {
   try {
     action();
-  } catch (const util::RuntimeError& error) {
+  } catch (const base::RuntimeError& error) {
     return error.Number();
   }
   return 0;

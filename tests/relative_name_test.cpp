@@ -1,8 +1,8 @@
-#include "util/relative_name.hpp"
+#include "base/relative_name.hpp"
 
 #include <gtest/gtest.h>
 
-namespace util {
+namespace base {
 namespace {
 
 TEST(RelativeName, TellsGoodNamesFromEvilOnes) {
@@ -70,4 +70,4 @@ TEST(RelativeName, SeparatorsBecomeSingleSlashes) {
 }
 
 }  // namespace
-}  // namespace util
+}  // namespace base

@@ -4,10 +4,10 @@
 #include <chrono>
 #include <filesystem>
 
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "support/launcher_run.hpp"
 #include "update/counter_store.hpp"
-#include "util/text.hpp"
 
 namespace {
 
@@ -121,13 +121,13 @@ TEST(DigestRecord, ARecordThatIsNotWhollyItsOwnIsIgnored) {
       record.substr(0, record.rfind("; total")),
       record + "x",
       record + record,
-      util::Replaced(record, entry, entry + entry),
-      util::Replaced(record, entry, ""),
-      util::Replaced(record, " 50000 ", " 50001 "),
-      util::Replaced(record, " 50000 ", " 99999999999999999999999 "),
-      util::Replaced(record, " 50000 ", " -50000 "),
-      util::Replaced(record, "; total 3", "; total 4"),
-      util::Replaced(record, "Sub/nested.dll", "Sub/otro.dll"),
+      base::Replaced(record, entry, entry + entry),
+      base::Replaced(record, entry, ""),
+      base::Replaced(record, " 50000 ", " 50001 "),
+      base::Replaced(record, " 50000 ", " 99999999999999999999999 "),
+      base::Replaced(record, " 50000 ", " -50000 "),
+      base::Replaced(record, "; total 3", "; total 4"),
+      base::Replaced(record, "Sub/nested.dll", "Sub/otro.dll"),
       otherDigest,
   };
   for (const std::string& foreign : cases) {

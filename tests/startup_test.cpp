@@ -6,6 +6,7 @@
 #include "startup/launcher_settings.hpp"
 #include "startup/system_directory.hpp"
 #include "support/launcher_run.hpp"
+#include "support/test_services.hpp"
 
 namespace {
 
@@ -13,14 +14,8 @@ using platform::DialogAnswer;
 using support::LauncherRun;
 namespace keys = startup::keys;
 
-struct Recorder : testing::Test {
-  support::TempFolder folder;
-  support::TestHost machine;
-  startup::Folders folders{folder / "juego"};
-  startup::Lifetime lifetime{*machine.events};
-  startup::ErrorRecorder recorder{machine.host, folders, lifetime};
-
-  Recorder() { platform::MakeFolder(folders.AppPath); }
+struct Recorder : testing::Test, support::TestServices {
+  Recorder() : TestServices("juego") { platform::MakeFolder(folders.AppPath); }
   std::string Log() { return folder.Get("Errores.log"); }
   static std::string Line(const std::string& text) {
     return "21/11/2026 10:20:30 " + text + platform::kLineEnd;
@@ -29,7 +24,7 @@ struct Recorder : testing::Test {
 
 TEST_F(Recorder, ShowsEveryTextAndWritesNoRepeats) {
   for (const char* text : {"A", "A", "A", "B", "A", "", ""}) recorder.LogError(text);
-  EXPECT_EQ(machine.dialogs.shown.size(), 7u);
+  EXPECT_EQ(host.dialogs.shown.size(), 7u);
   EXPECT_EQ(Log(), Line("A") + Line("B") + Line("A") + Line("") + Line(""));
 }
 
@@ -40,7 +35,7 @@ TEST_F(Recorder, WritesARepeatAgainAfter1500) {
 
 TEST_F(Recorder, ReplacesBracesInTheLogOnly) {
   recorder.LogError("x {y} z");
-  EXPECT_EQ(machine.dialogs.shown[0].text, "Error: x {y} z");
+  EXPECT_EQ(host.dialogs.shown[0].text, "Error: x {y} z");
   EXPECT_EQ(Log(), Line("x -y- z"));
 }
 
@@ -55,18 +50,18 @@ TEST_F(Recorder, StartsAFreshLogBeyond3000Bytes) {
 TEST_F(Recorder, AsksToCloseAndOnlyYesEndsTheProgram) {
   recorder.LogError("A", true);
   EXPECT_FALSE(lifetime.Ending());
-  machine.dialogs.answers = {DialogAnswer::Yes};
+  host.dialogs.answers = {DialogAnswer::Yes};
   recorder.LogError("B", true);
   EXPECT_TRUE(lifetime.Ending());
-  EXPECT_EQ(machine.dialogs.shown.back().title, "¡Error en el Launcher de Kelvarin!");
-  EXPECT_EQ(machine.dialogs.shown.back().text,
+  EXPECT_EQ(host.dialogs.shown.back().title, "¡Error en el Launcher de Kelvarin!");
+  EXPECT_EQ(host.dialogs.shown.back().text,
             "B\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.");
 }
 
 TEST_F(Recorder, ALogThatCannotBeWrittenIsNoFailure) {
   platform::MakeFolder(folder / "Errores.log");
   recorder.LogError("A");
-  EXPECT_EQ(machine.dialogs.shown.size(), 1u);
+  EXPECT_EQ(host.dialogs.shown.size(), 1u);
 }
 
 TEST(RunFlags, ComeFromTheNameAndTheCommandLine) {
@@ -107,15 +102,11 @@ TEST(Deployment, TakesBuiltInValuesForWhatTheFileLacks) {
 }
 
 TEST(SystemDirectory, PrefersTheFolderOf32BitLibraries) {
-  const support::TempFolder folder;
-  support::TestHost machine;
-  const startup::Folders folders(folder.Path());
-  startup::Lifetime lifetime(*machine.events);
-  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
-  const std::string directory = startup::ObtenerDirectorio(recorder);
+  support::TestServices with;
+  const std::string directory = startup::ObtenerDirectorio(with.recorder);
   const std::string wow64 = platform::SystemFolder() + platform::NativePath("\\..\\SysWOW64");
   EXPECT_EQ(directory, platform::IsFolder(wow64) ? wow64 : platform::SystemFolder());
-  EXPECT_TRUE(machine.dialogs.shown.empty());
+  EXPECT_TRUE(with.host.dialogs.shown.empty());
 }
 
 TEST(Main, PreparesTheFolderAndTheTimers) {

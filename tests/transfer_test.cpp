@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
+#include "startup/blocking.hpp"
 #include "support/web_world.hpp"
 #include "web/answer_cache.hpp"
-#include "web/blocking.hpp"
 #include "web/body_text.hpp"
 
 namespace {
@@ -216,14 +216,13 @@ TEST_F(TransferTest, WhoeverLeavesDoesNotWait) {
 }
 
 TEST_F(TransferTest, BlockingWorkHandsItsFailureOver) {
-  EXPECT_THROW(web::RunBlocking(*world.host.events, world.lifetime,
-                                [](std::stop_token) { throw std::runtime_error("lost"); }),
-               std::runtime_error);
+  EXPECT_THROW(
+      startup::RunBlocking(world.services, [](std::stop_token) { throw std::runtime_error("lost"); }),
+      std::runtime_error);
   int innerRuns = 0;
-  world.When(
-      [] { return true; },
-      [&] { web::RunBlocking(*world.host.events, world.lifetime, [&](std::stop_token) { ++innerRuns; }); });
-  web::RunBlocking(*world.host.events, world.lifetime, [&](std::stop_token) {
+  world.When([] { return true; },
+             [&] { startup::RunBlocking(world.services, [&](std::stop_token) { ++innerRuns; }); });
+  startup::RunBlocking(world.services, [&](std::stop_token) {
     std::this_thread::sleep_for(std::chrono::milliseconds(60));  // long enough for a round
   });
   EXPECT_EQ(innerRuns, 1) << "calls nest";

@@ -2,8 +2,7 @@
 
 #include "platform/files.hpp"
 #include "support/recording_screen.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "ui/FrmSysTrays.hpp"
 
 namespace {
@@ -11,7 +10,7 @@ namespace {
 using controls::WindowState;
 using Names = std::vector<std::string>;
 
-struct TrayTest : testing::Test {
+struct TrayTest : testing::Test, support::TestServices {
   TrayTest() {
     deployment.web = "http://web.example";
     screen.Attach(owner);
@@ -30,17 +29,11 @@ struct TrayTest : testing::Test {
     throw std::runtime_error("no such entry");
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   support::RecordingScreen screen;
   controls::Window owner{"frmMain", "Launcher - Kelvarin"};
   std::vector<controls::UnloadMode> unloads;
   Names raised;
-  ui::FrmSysTrays tray{host.host, folders, deployment, recorder, screen};
+  ui::FrmSysTrays tray{services, screen};
 };
 
 TEST_F(TrayTest, IconIsAddedRefreshedAndTakenAwayOnce) {

@@ -1,10 +1,10 @@
 // The formats that a mirror sends: archives, packed files, the index; and the launcher's own small files.
 #include <gtest/gtest.h>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "support/archives.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "update/counter_store.hpp"
 #include "update/digest_record.hpp"
 #include "update/index_file.hpp"
@@ -14,7 +14,6 @@
 #include "update/zip_archive.hpp"
 #include "util/clsFastString.hpp"
 #include "util/clsHashing.hpp"
-#include "util/runtime_error.hpp"
 
 namespace {
 
@@ -42,7 +41,7 @@ std::string Verdict(const support::TempFolder& folder, const std::string& bytes)
   try {
     update::ZipArchive(folder / "a.zip").Prove();
     return {};
-  } catch (const util::RuntimeError& error) {
+  } catch (const base::RuntimeError& error) {
     return error.Description();
   }
 }
@@ -107,14 +106,14 @@ Expanded Expand(const std::string& packed) {
   int error = 0;
   try {
     update::ExpandPackedFile(folder / "f.kvn", folder / "f", {});
-  } catch (const util::RuntimeError& raised) {
+  } catch (const base::RuntimeError& raised) {
     error = raised.Number();
   }
   return {error, folder.Get("f")};
 }
 
 TEST(PackedFile, ExpandsAndRefuses) {
-  constexpr int kBad = static_cast<int>(util::ErrorNumber::InvalidFileFormat);
+  constexpr int kBad = static_cast<int>(base::ErrorNumber::InvalidFileFormat);
   const std::string bytes = Noise(700'000), good = MakePacked(bytes);
   std::string flipped = good;
   flipped[flipped.size() / 2] = static_cast<char>(flipped[flipped.size() / 2] ^ 1);
@@ -147,12 +146,9 @@ TEST(PackedFile, ExpandsAndRefuses) {
 }
 
 TEST(PackedFile, TellsThePlayerWhatFailed) {
-  const support::TempFolder folder;
-  support::TestHost machine;
-  const startup::Folders folders(folder / "game");
-  startup::Lifetime lifetime(*machine.events);
-  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
-  update::modCompression compression(machine.host, recorder, lifetime);
+  support::TestServices with("game");
+  const support::TempFolder& folder = with.folder;
+  update::modCompression compression(with.services);
   folder.Put("game/small.kvn", std::string("\0\0\0\0x", 5));
   folder.Put("game/cut.kvn", MakePacked(Noise(5000)).substr(0, 3000));
   const std::string small = folder / "game/small.kvn", cut = folder / "game/cut.kvn",
@@ -161,9 +157,9 @@ TEST(PackedFile, TellsThePlayerWhatFailed) {
   EXPECT_FALSE(compression.Descomprimir(small, to));
   EXPECT_FALSE(compression.Descomprimir(cut, to));
   EXPECT_FALSE(folder.Has("game/sub/to"));
-  ASSERT_EQ(machine.dialogs.shown.size(), 2u);
-  EXPECT_EQ(machine.dialogs.shown[0].text, "Error al descomprimir " + small + ". El archivo pesaba 0 kb.");
-  EXPECT_EQ(machine.dialogs.shown[1].text,
+  ASSERT_EQ(with.host.dialogs.shown.size(), 2u);
+  EXPECT_EQ(with.host.dialogs.shown[0].text, "Error al descomprimir " + small + ". El archivo pesaba 0 kb.");
+  EXPECT_EQ(with.host.dialogs.shown[1].text,
             "Error: Error 321 (Invalid file format) in procedure Decompress_Data of Módulo modCompression");
 }
 
@@ -210,7 +206,7 @@ TEST(IndexFile, RaisesWhenItIsCutOrLies) {
   for (const auto& entry : cases) {
     folder.Put("i", entry.bytes);
     update::IndexFile index;
-    EXPECT_THROW(index.Read(folder / "i"), util::RuntimeError) << entry.what;
+    EXPECT_THROW(index.Read(folder / "i"), base::RuntimeError) << entry.what;
     EXPECT_EQ(index.Records().size(), entry.read) << entry.what;
     EXPECT_FALSE(index.ReadWholly());
   }
@@ -226,14 +222,10 @@ TEST(PatchInstallation, TakesTheSuffixOutEverywhereButNeverClimbs) {
 }
 
 TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
-  const support::TempFolder folder;
-  support::TestHost machine;
-  const startup::Folders folders(folder / "game");
-  startup::Lifetime lifetime(*machine.events);
-  startup::ErrorRecorder recorder(machine.host, folders, lifetime);
-  startup::Deployment deployment;
-  deployment.support = "http://soporte/";
-  update::CounterStore counters(folders, deployment, recorder);
+  support::TestServices with("game"), without("none");
+  const support::TempFolder& folder = with.folder;
+  with.deployment.support = "http://soporte/";
+  update::CounterStore counters(with.services);
   EXPECT_EQ(counters.Read("Mapas"), 0);
   const std::pair<const char*, int> cases[] = {{"12\r\n", 12}, {"12", 12}, {"", 0},
                                                {"x", 0},       {"-3", 0},  {"7 \n9", 7}};
@@ -241,17 +233,17 @@ TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
     folder.Put("game/RECURSOS/INIT/AUMapas.ini", text);
     EXPECT_EQ(counters.Read("Mapas"), number) << text;
   }
-  EXPECT_TRUE(machine.dialogs.shown.empty());
+  EXPECT_TRUE(with.host.dialogs.shown.empty());
   folder.Put("game/RECURSOS/INIT/AUMapas.ini", "99999");
   EXPECT_EQ(counters.Read("Mapas"), 0);
-  ASSERT_EQ(machine.dialogs.shown.size(), 1u);
-  EXPECT_EQ(machine.dialogs.shown[0].text,
+  ASSERT_EQ(with.host.dialogs.shown.size(), 1u);
+  EXPECT_EQ(with.host.dialogs.shown[0].text,
             "Error: Error en la linea N30 del procedimiento 8, descripción: OverflowReporta esto mediante el "
             "soporte "
             "WEB en http://soporte/");
   EXPECT_TRUE(counters.Write("Mapas", 13));
   EXPECT_EQ(folder.Get("game/RECURSOS/INIT/AUMapas.ini"), "13\r\n");
-  EXPECT_FALSE(update::CounterStore(startup::Folders(folder / "none"), deployment, recorder).Write("AU", 1));
+  EXPECT_FALSE(update::CounterStore(without.services).Write("AU", 1));
 }
 
 TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
@@ -289,7 +281,7 @@ TEST(Digests, AreTheStandardOnes) {
   EXPECT_EQ(hashing.MD5File(folder / "ñ.bin"), "7707d6ae4e027c70eea2a935c2296f21");
   EXPECT_EQ(hashing.SHA1(""), "da39a3ee5e6b4b0d3255bfef95601890afd80709");
   EXPECT_EQ(hashing.SHA1("abc"), "a9993e364706816aba3e25717850c26c9cd0d89d");
-  EXPECT_THROW(hashing.MD5File(folder / "none"), util::RuntimeError);
+  EXPECT_THROW(hashing.MD5File(folder / "none"), base::RuntimeError);
 }
 
 TEST(FastString, GrowsBySteps) {

@@ -85,10 +85,11 @@ struct WindowsLaunchTest : testing::Test {
   startup::Lifetime lifetime{host.events};
   startup::ErrorRecorder recorder{host, folders, lifetime};
   controls::MainWindow window{host.events.Timers()};
-  update::LibraryCheck libraries{host, folders, recorder, lifetime, window};
+  startup::Deployment deployment;
+  startup::Services services{host, folders, deployment, flags, recorder, lifetime};
+  update::LibraryCheck libraries{services, window};
   int closed = 0;
-  update::GameLaunch launch{host,   folders,   flags,       recorder,
-                            window, libraries, [](bool) {}, [this] { ++closed; }};
+  update::GameLaunch launch{services, window, libraries, [](bool) {}, [this] { ++closed; }};
 };
 
 TEST_F(WindowsLaunchTest, TheClientStartsWhateverItsFolderIsCalled) {

@@ -179,7 +179,7 @@ TEST_F(WindowsMainWindowTest, ScreenReadersFindTexts) {
 }
 
 TEST_F(WindowsMainWindowTest, NewsStandAboveOthersWithoutTakingTheFocus) {
-  ui::frmNotify notify(host.host, folders, deployment, recorder, lifetime, screen);
+  ui::frmNotify notify(services, screen);
   const HWND active = GetActiveWindow();
   notify.ShowMessage("texto", "título", 7, 15000);
   const HWND notice = screen.HandleOf(notify.window);

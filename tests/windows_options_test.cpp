@@ -7,8 +7,7 @@
 #include "platform/files.hpp"
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/wide.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "support/win32/gui_objects.hpp"
 #include "support/win32/one_colour.hpp"
 #include "ui/frmOpciones.hpp"
@@ -23,7 +22,7 @@ constexpr const char* kStems[] = {"cerrar", "teclas",   "donar", "manual",  "map
 constexpr COLORREF kNormal = RGB(0, 0, 200), kHover = RGB(0, 200, 0), kPressed = RGB(200, 0, 0);
 
 // The settings' real windows, driven by the messages that a player's mouse and keyboard cause.
-struct WindowsOptionsTest : testing::Test {
+struct WindowsOptionsTest : testing::Test, support::TestServices {
   WindowsOptionsTest() {
     const std::pair<const char*, COLORREF> states[] = {{"_n", kNormal}, {"_a", kHover}, {"_c", kPressed}};
     for (const char* stem : kStems) {
@@ -112,18 +111,12 @@ struct WindowsOptionsTest : testing::Test {
     return host.profiles->GetVar(folders.InitDir + file, "INIT", key);
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   ui::win32::Win32Screen screen;
   settings::modGameIni gameIni{*host.profiles, folders, recorder};
   settings::SoundTable sounds{*host.profiles, folders};
   controls::Window main{"frmMain", "Launcher - Kelvarin"};
-  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
-  ui::frmOpciones form{services};
+  ui::SettingsServices with{services, screen, gameIni, sounds};
+  ui::frmOpciones form{with};
   std::string asLoaded;
 };
 

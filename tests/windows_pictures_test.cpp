@@ -256,7 +256,7 @@ TEST_F(WindowsPicturesTest, MainWindowAtEveryScale) {
 }
 
 TEST_F(WindowsPicturesTest, News) {
-  ui::frmNotify notify(host.host, folders, deployment, recorder, lifetime, screen);
+  ui::frmNotify notify(services, screen);
   notify.ShowMessage("06/01/2019 20/30 hs. en la arena de la fortaleza",
                      "    Kelvarin      ¡Record de usuarios! 255.                   Torneo 1vs1 en 20 mins",
                      7, 15000);
@@ -297,8 +297,8 @@ TEST_F(WindowsPicturesTest, SettingsWindows) {
   settings::SoundTable sounds(*host.profiles, folders);
   gameIni.LoadGameConfig();
   sounds.Load();
-  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
-  ui::frmOpciones options(services);
+  ui::SettingsServices with{services, screen, gameIni, sounds};
+  ui::frmOpciones options(with);
   options.Show(window);
   options.CustomK.Show(options.Window);
   options.MessagesConfigurateds.Show(options.Window);
@@ -318,8 +318,8 @@ TEST_F(WindowsPicturesTest, OpenListInTheSkinsColours) {
   settings::modGameIni gameIni(*host.profiles, folders, recorder);
   settings::SoundTable sounds(*host.profiles, folders);
   gameIni.LoadGameConfig();
-  ui::SettingsServices services{host.host, folders, deployment, recorder, screen, gameIni, sounds};
-  ui::frmOpciones options(services);
+  ui::SettingsServices with{services, screen, gameIni, sounds};
+  ui::frmOpciones options(with);
   options.Show(window);
   const HWND form = screen.HandleOf(options.Window);
   HWND combo = FindWindowExW(form, nullptr, L"COMBOBOX", nullptr);

@@ -4,6 +4,7 @@
 #include <random>
 #include <thread>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
@@ -14,7 +15,6 @@
 #include "support/faulty_server.hpp"
 #include "support/temp_folder.hpp"
 #include "support/win32/junction.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -88,7 +88,7 @@ TEST(WindowsFiles, ARunningProgramStaysWhenThereIsNothingToReplaceItWith) {
   const std::string program = folder / "a.exe";
   CloneFile(ExecutablePath(), program);
   const auto running = Mapped(program);
-  EXPECT_THROW(ReplaceFileWith(folder / "none", program), util::RuntimeError);
+  EXPECT_THROW(ReplaceFileWith(folder / "none", program), base::RuntimeError);
   EXPECT_EQ(ListTree(folder.Path()), std::vector<FoundFile>{{"a.exe"}});
 }
 
@@ -113,8 +113,8 @@ TEST(WindowsFiles, AFileThatIsHeldForGoodIsPermissionDenied) {
   try {
     WriteWhole(folder / "a", "new");
     FAIL() << "replaced";
-  } catch (const util::RuntimeError& error) {
-    EXPECT_TRUE(error.Is(util::ErrorNumber::PermissionDenied)) << error.Number();
+  } catch (const base::RuntimeError& error) {
+    EXPECT_TRUE(error.Is(base::ErrorNumber::PermissionDenied)) << error.Number();
   }
   EXPECT_EQ(ListTree(folder.Path()).size(), 1u);
   EXPECT_EQ(folder.Get("a"), "old");
@@ -161,7 +161,7 @@ TEST(WindowsFiles, LongNamesAndNamesBeyondTheCodePage) {
   ShareFile(deep + "/файл", deep + "/b");
   EXPECT_EQ(ReadWhole(deep + "\\b", 10), "12");
   EXPECT_EQ(ListTree(folder.Path()).size(), 2u);
-  EXPECT_THROW(WriteWhole(folder / std::string_view("a\0b", 3), "x"), util::RuntimeError);
+  EXPECT_THROW(WriteWhole(folder / std::string_view("a\0b", 3), "x"), base::RuntimeError);
   EXPECT_FALSE(folder.Has("a"));
   RemoveTree(folder.Path() + "\\" + std::string(40, 'a') + "漢");
   EXPECT_EQ(ListTree(folder.Path()).size(), 0u);
@@ -177,7 +177,7 @@ TEST(WindowsFiles, AJunctionIsNeitherListedNorFollowed) {
   try {
     RemoveTree(folder / "tree");
     EXPECT_FALSE(folder.Has("tree"));
-  } catch (const util::RuntimeError&) {  // Wine cannot remove a link to a folder that is not empty
+  } catch (const base::RuntimeError&) {  // Wine cannot remove a link to a folder that is not empty
   }
   EXPECT_TRUE(outside.Has("precious"));
 }

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "util/numeric.hpp"
+#include "base/numeric.hpp"
 
 namespace controls {
 
@@ -28,7 +28,7 @@ class Face {
 
 inline std::string ValueText(bool value) { return value ? "True" : "False"; }
 inline std::string ValueText(const std::string& value) { return value; }
-inline std::string ValueText(double value) { return util::NumberText(value); }
+inline std::string ValueText(double value) { return base::NumberText(value); }
 inline std::string ValueText(std::int32_t value) { return std::to_string(value); }
 inline std::string ValueText(std::uint32_t value) { return std::to_string(value); }
 

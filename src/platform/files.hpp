@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-// Paths are UTF-8 and may hold doubled separators. Failures are util::RuntimeError with the classic numbers:
+// Paths are UTF-8 and may hold doubled separators. Failures are base::RuntimeError with the classic numbers:
 // 53 no such file, 76 no such folder, 70 permission denied or in use, 75 path/file access error, 61 disk
 // full, 57 other I/O.
 namespace platform {

@@ -27,8 +27,13 @@ enum class HttpError {
 struct HttpHead {
   int status = 0;
   std::optional<std::uint64_t> contentLength;  // as announced, none when missing or not a number
-  std::vector<std::pair<std::string, std::string>> headers;    // names in lower case
-  std::string Header(const std::string& lowerCaseName) const;  // empty when missing
+  std::vector<std::pair<std::string, std::string>> headers;     // names in lower case
+  std::string Header(const std::string& lowerCaseName) const {  // empty when missing
+    for (const auto& [name, value] : headers) {
+      if (name == lowerCaseName) return value;
+    }
+    return {};
+  }
 };
 
 // Receives one answer, called on the thread that runs Get. Redirect answers are not passed on.
@@ -61,12 +66,5 @@ class HttpClient {
   virtual ~HttpClient() = default;
   virtual HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) = 0;
 };
-
-// `url` with "." and ".." segments of its path resolved, doubled slashes kept, blanks and bytes beyond ASCII
-// escaped; empty when it is not an absolute http or https address with a host.
-std::string ResolvedUrl(const std::string& url);
-
-// Whether a redirect from one absolute address to another may be followed.
-bool RedirectAllowed(const std::string& from, const std::string& to);
 
 }  // namespace platform

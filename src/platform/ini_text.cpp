@@ -1,6 +1,6 @@
 #include "platform/ini_text.hpp"
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 namespace platform {
 namespace {
@@ -58,7 +58,7 @@ std::string_view KeyOf(std::string_view line) { return Trimmed(line.substr(0, li
 bool FindSection(Lines& lines, std::string_view section) {
   while (lines.Next()) {
     const auto name = HeaderName(lines.Text());
-    if (name && util::EqualIgnoringCase(*name, section)) return true;
+    if (name && base::EqualIgnoringCase(*name, section)) return true;
   }
   return false;
 }
@@ -74,7 +74,7 @@ Place FindKey(Lines& lines, std::string_view key) {
   while (lines.Next()) {
     const std::string_view line = lines.Text();
     if (HeaderName(line)) break;
-    if (util::EqualIgnoringCase(KeyOf(line), key) && !line.empty()) return {true, lines.Start(), lines.End()};
+    if (base::EqualIgnoringCase(KeyOf(line), key) && !line.empty()) return {true, lines.Start(), lines.End()};
     if (!line.empty()) place.start = place.end = lines.After();
   }
   return place;

@@ -1,14 +1,14 @@
 #include <span>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 
 std::string ReadWhole(const std::string& path, std::uint64_t limit) {
   InputFile file(path);
   const std::uint64_t size = file.Size();
-  if (size > limit) throw util::RuntimeError(util::ErrorNumber::OutOfMemory);
+  if (size > limit) throw base::RuntimeError(base::ErrorNumber::OutOfMemory);
   std::string bytes(static_cast<std::size_t>(size), '\0');
   std::size_t filled = 0;
   while (filled < bytes.size()) {

@@ -7,8 +7,8 @@
 #include <variant>
 #include <vector>
 
+#include "base/numeric.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
 
 namespace settings {
 namespace {
@@ -84,10 +84,10 @@ constexpr auto kWritingOrder = WritingOrder();
 static_assert(std::find(kWritingOrder.begin(), kWritingOrder.end(), nullptr) == kWritingOrder.end(),
               "two fields claim one place");
 
-void Assign(bool& field, const std::string& text) { field = util::Val(text) != 0; }
-void Assign(std::uint8_t& field, const std::string& text) { field = util::ToByte(util::Val(text)); }
-void Assign(std::int16_t& field, const std::string& text) { field = util::ToInt16(util::Val(text)); }
-void Assign(std::int32_t& field, const std::string& text) { field = util::ToInt32(util::Val(text)); }
+void Assign(bool& field, const std::string& text) { field = base::Val(text) != 0; }
+void Assign(std::uint8_t& field, const std::string& text) { field = base::ToByte(base::Val(text)); }
+void Assign(std::int16_t& field, const std::string& text) { field = base::ToInt16(base::Val(text)); }
+void Assign(std::int32_t& field, const std::string& text) { field = base::ToInt32(base::Val(text)); }
 void Assign(std::string& field, const std::string& text) { field = text; }
 
 std::string TruthText(bool value) { return value ? "1" : "0"; }

@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "base/numeric.hpp"
 #include "platform/files.hpp"
-#include "util/numeric.hpp"
 
 namespace settings {
 namespace {
@@ -27,7 +27,7 @@ void SoundTable::Load() {
   std::vector<std::string> keys;
   for (int number = 1; number <= kSoundCount; ++number) keys.push_back(KeyOf(number));
   const std::vector<std::string> values = profiles_.GetVars(file_, kSection, keys);
-  for (std::size_t i = 0; i < silenced_.size(); ++i) silenced_[i] = util::Val(values[i]) != 0;
+  for (std::size_t i = 0; i < silenced_.size(); ++i) silenced_[i] = base::Val(values[i]) != 0;
 }
 
 bool SoundTable::Silenced(int number) const { return InTable(number) && silenced_[IndexOf(number)]; }

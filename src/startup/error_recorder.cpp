@@ -2,9 +2,9 @@
 
 #include <exception>
 
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
-#include "util/text.hpp"
 
 namespace startup {
 namespace {
@@ -33,7 +33,7 @@ void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
   LastErrorText = text;
   RepeatCount = 0;
   host_.clock.Sleep(kPauseMs);
-  WriteLine(util::Replaced(util::Replaced(text, "{", "-"), "}", "-"));
+  WriteLine(base::Replaced(base::Replaced(text, "{", "-"), "}", "-"));
   if (!askToClose) return;
   const auto answer = host_.dialogs.Show(
       text + "\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.",

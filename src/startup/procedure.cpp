@@ -3,20 +3,20 @@
 #include <exception>
 #include <new>
 
-#include "util/runtime_error.hpp"
+#include "base/runtime_error.hpp"
 
 namespace startup {
 
 Failure CurrentFailure(int line) {
   try {
     throw;
-  } catch (const util::RuntimeError& error) {
+  } catch (const base::RuntimeError& error) {
     return {error.Number(), error.Description(), line};
   } catch (const std::bad_alloc&) {
-    const util::RuntimeError memory(util::ErrorNumber::OutOfMemory);
+    const base::RuntimeError memory(base::ErrorNumber::OutOfMemory);
     return {memory.Number(), memory.Description(), line};
   } catch (const std::exception&) {
-    const util::RuntimeError call(util::ErrorNumber::InvalidProcedureCall);
+    const base::RuntimeError call(base::ErrorNumber::InvalidProcedureCall);
     return {call.Number(), call.Description(), line};
   }
 }

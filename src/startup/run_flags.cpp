@@ -1,11 +1,11 @@
 #include "startup/run_flags.hpp"
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 namespace startup {
 
 RunFlags::RunFlags(const std::string& executableBaseName, const std::string& commandLine)
-    : IsLauncherExe(util::Upper(executableBaseName) == "LAUNCHER"),
-      UpdatesOnly(util::Contains(commandLine, "/UPDATES")) {}
+    : IsLauncherExe(base::Upper(executableBaseName) == "LAUNCHER"),
+      UpdatesOnly(base::Contains(commandLine, "/UPDATES")) {}
 
 }  // namespace startup

@@ -35,15 +35,10 @@ std::string CutToUnits(const std::string& text, std::size_t limit) {
 
 }  // namespace
 
-FrmSysTrays::FrmSysTrays(platform::Host& host, const startup::Folders& folders,
-                         const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-                         Screen& screen)
-    : host_(host),
-      folders_(folders),
-      deployment_(deployment),
-      recorder_(recorder),
+FrmSysTrays::FrmSysTrays(const startup::Services& services, Screen& screen)
+    : services_(services),
       screen_(screen),
-      TmrFlash(window_, "TmrFlash", host.events.Timers(), kFlashMs) {
+      TmrFlash(window_, "TmrFlash", services.host.events.Timers(), kFlashMs) {
   BuildMenu();
   // The shell forgets every icon when it starts over, so the icon is handed to it again and again.
   TmrFlash.Tick += [this] { Notify(TrayAction::Modify); };
@@ -70,7 +65,7 @@ void FrmSysTrays::BuildMenu() {
 
 void FrmSysTrays::Form_Load(controls::Window& owner) {
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
         owner_ = &owner;
@@ -151,11 +146,12 @@ void FrmSysTrays::mMaximize() {
 void FrmSysTrays::mMinimize() { owner_->State = controls::WindowState::Minimised; }
 
 void FrmSysTrays::About() {
-  host_.dialogs.Show("About code goes here.", platform::DialogButtons::Ok, "About");
+  services_.host.dialogs.Show("About code goes here.", platform::DialogButtons::Ok, "About");
 }
 
 void FrmSysTrays::OpenPage(const std::string& path) {
-  host_.shell.OpenPage(deployment_.web + path, folders_.AppPath + platform::NativePath("\\.."));
+  services_.host.shell.OpenPage(services_.deployment.web + path,
+                                services_.folders.AppPath + platform::NativePath("\\.."));
 }
 
 }  // namespace ui

@@ -5,10 +5,7 @@
 
 #include "controls/kinds.hpp"
 #include "controls/menu.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
+#include "startup/services.hpp"
 #include "ui/screen.hpp"
 
 namespace ui {
@@ -17,8 +14,7 @@ namespace ui {
 // there.
 class FrmSysTrays {
  public:
-  FrmSysTrays(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-              startup::ErrorRecorder& recorder, Screen& screen);
+  FrmSysTrays(const startup::Services& services, Screen& screen);
   FrmSysTrays(const FrmSysTrays&) = delete;
 
   // Shows the icon; `owner` is the window it stands for and outlives this object.
@@ -57,10 +53,7 @@ class FrmSysTrays {
   bool OwnerOnScreen() const;
   void SetPicture(const std::string& file) { screen_.SetTrayPicture(file); }
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
+  const startup::Services& services_;
   Screen& screen_;
   controls::Window window_{"FrmSysTrays", "Form1"};
   controls::Timer TmrFlash;

@@ -1,7 +1,7 @@
 #include "ui/clsGraphicalButton.hpp"
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "util/runtime_error.hpp"
 
 namespace ui {
 
@@ -31,7 +31,7 @@ void clsGraphicalButton::Initialize(controls::ImageControl& imgButton, const std
   if (ShowHandPointer) imgButton.MouseIcon = loaded(handPointer);
   disabled_ = StartDisabled;
   ShowResting();
-  if (missing) throw util::RuntimeError(util::ErrorNumber::FileNotFound);
+  if (missing) throw base::RuntimeError(base::ErrorNumber::FileNotFound);
 }
 
 void clsGraphicalButton::ToggleToNormal() {

@@ -4,10 +4,10 @@
 #include <optional>
 #include <utility>
 
+#include "base/numeric.hpp"
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
-#include "util/numeric.hpp"
-#include "util/runtime_error.hpp"
 
 namespace ui {
 namespace {
@@ -23,14 +23,9 @@ constexpr const char* kRepairText =
 
 }  // namespace
 
-frmMain::frmMain(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-                 startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, const web::Hosts& hosts,
-                 Screen& screen, controls::MainWindow& window, Actions actions)
-    : host_(host),
-      folders_(folders),
-      deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+frmMain::frmMain(const startup::Services& services, const web::Hosts& hosts, Screen& screen,
+                 controls::MainWindow& window, Actions actions)
+    : services_(services),
       hosts_(hosts),
       screen_(screen),
       window_(window),
@@ -91,18 +86,19 @@ void frmMain::WireButtons() {
   window_.cmdReiniciarUpdates.Click += [this] {
     if (btnReiniciarUpdates.isEnabled()) actions_.ReiniciarUpdates();
   };
-  window_.cmdReportar.Click += [this] { host_.shell.OpenPage(deployment_.chat, OutsideFolder()); };
+  window_.cmdReportar.Click +=
+      [this] { services_.host.shell.OpenPage(services_.deployment.chat, OutsideFolder()); };
 }
 
 void frmMain::Form_Load(bool showWindow) {
   startup::Guarded(
-      recorder_, [&](int& line) { SetUp(line, showWindow); },
+      services_.recorder, [&](int& line) { SetUp(line, showWindow); },
       [this](const startup::Failure& failure) { return LoadFailure(failure); });
 }
 
 std::string frmMain::LoadFailure(const startup::Failure& failure) const {
   return failure.Opening() + " en el procedimiento Form_Load del modulo Formulario frmMain en la línea " +
-         failure.Line() + " reporta esto mediante el soporte WEB en " + deployment_.support;
+         failure.Line() + " reporta esto mediante el soporte WEB en " + services_.deployment.support;
 }
 
 void frmMain::SetUp(int& line, bool showWindow) {
@@ -114,25 +110,26 @@ void frmMain::SetUp(int& line, bool showWindow) {
   line = 30;
   actions_.LoadGameConfig();
   line = 40;
-  staff_ =
-      !host_.settings.Get(deployment_.staffApplication, startup::keys::kStaff, startup::keys::kStaff).empty();
+  staff_ = !services_.host.settings
+                .Get(services_.deployment.staffApplication, startup::keys::kStaff, startup::keys::kStaff)
+                .empty();
   line = 50;
   LoadPictures();
   line = 70;
   window_.lblClienteGm.Visible = staff_;
   line = 80;
   if (showWindow) window_.Visible = true;
-  host_.events.DoEvents();
+  services_.host.events.DoEvents();
   line = 90;
   actions_.RestoreHosts();
   if (hosts_.CurrentUpdateURL.empty() && hosts_.WebBaseURL.empty()) actions_.SwitchURL();
   line = 100;
   actions_.ComenzarActualizacion();
-  if (lifetime_.Ending()) return;
+  if (services_.lifetime.Ending()) return;
   line = 120;
-  const std::string updates = folders_.ResourcesUpdateDir + platform::kSeparator;
+  const std::string updates = services_.folders.ResourcesUpdateDir + platform::kSeparator;
   if (!platform::IsFolder(updates)) platform::MakeFolder(updates);
-  host_.events.DoEvents();
+  services_.host.events.DoEvents();
   line = 130;
   if (actions_.ServerListEmpty()) actions_.GetServersList();
   line = 140;
@@ -146,13 +143,13 @@ void frmMain::LoadPictures() {
   const auto attempt = [&missing](int line, auto step) {
     try {
       step();
-    } catch (const util::RuntimeError&) {
+    } catch (const base::RuntimeError&) {
       if (!missing) missing = startup::CurrentFailure(line);
     }
   };
   attempt(50, [this] {
-    const std::string background = folders_.GraphicsDir + "Launcher.jpg";
-    if (!platform::IsFile(background)) throw util::RuntimeError(util::ErrorNumber::FileNotFound);
+    const std::string background = services_.folders.GraphicsDir + "Launcher.jpg";
+    if (!platform::IsFile(background)) throw base::RuntimeError(base::ErrorNumber::FileNotFound);
     window_.Picture = background;
   });
   const struct {
@@ -174,13 +171,13 @@ void frmMain::LoadPictures() {
     row.image.description = row.description;
     attempt(60, [&] { LoadButton(row.button, row.image, row.stem, row.startDisabled); });
   }
-  if (missing) recorder_.LogError(LoadFailure(*missing));
+  if (missing) services_.recorder.LogError(LoadFailure(*missing));
 }
 
 void frmMain::LoadButton(clsGraphicalButton& button, controls::ImageControl& image, const std::string& stem,
                          bool startDisabled) {
-  const auto path = [&](const char* state) { return folders_.GraphicsDir + stem + state + ".jpg"; };
-  const std::string hand = folders_.GraphicsDir + "HAND-M.CUR";
+  const auto path = [&](const char* state) { return services_.folders.GraphicsDir + stem + state + ".jpg"; };
+  const std::string hand = services_.folders.GraphicsDir + "HAND-M.CUR";
   // Skins with three pictures a button show a disabled one as pressed.
   const std::string disabled = platform::IsFile(path("_d")) ? path("_d") : path("_c");
   button.Initialize(image, path("_n"), path("_a"), path("_c"), lastPressed_, disabled, startDisabled, false,
@@ -201,7 +198,7 @@ void frmMain::Form_KeyDown(int keyCode) {
   if (keyCode != controls::kKeyEscape) return;
   FSys_.QuitarIconoSystray();
   actions_.CloseLauncher();
-  lifetime_.End(0);
+  services_.lifetime.End(0);
 }
 
 void frmMain::Form_QueryUnload(controls::UnloadMode mode) {
@@ -210,22 +207,22 @@ void frmMain::Form_QueryUnload(controls::UnloadMode mode) {
   bool cancel = false;  // the program ends whatever the companion answers
   FSys_.MeQueryUnload(window_, cancel, mode);
   FSys_.FSys_Unload();
-  lifetime_.End(0);
+  services_.lifetime.End(0);
 }
 
 void frmMain::tmrShow_Timer() {
   using namespace startup::keys;
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
-        const double request = util::Val(host_.settings.Get(kApplication, kConfig, kShow));
+        const double request = base::Val(services_.host.settings.Get(kApplication, kConfig, kShow));
         if (request == 0) return;
         line = 20;
-        host_.settings.Set(kApplication, kConfig, kShow,
-                           "0");  // first, so that a bad number is reported once
+        services_.host.settings.Set(kApplication, kConfig, kShow,
+                                    "0");  // first, so that a bad number is reported once
         line = 30;
-        if (util::ToByte(request) != 0) FSys_.Restore();
+        if (base::ToByte(request) != 0) FSys_.Restore();
       },
       [](const startup::Failure& failure) {
         return failure.Opening() + " procedimiento tmrShow_Timer Formulario frmMain línea: " + failure.Line();
@@ -236,6 +233,8 @@ bool frmMain::DownloadFile(const std::string& Url, const std::string& LocalFilen
   return actions_.DownloadFile(Url, LocalFilename);
 }
 
-std::string frmMain::OutsideFolder() const { return folders_.AppPath + platform::NativePath("\\.."); }
+std::string frmMain::OutsideFolder() const {
+  return services_.folders.AppPath + platform::NativePath("\\..");
+}
 
 }  // namespace ui

@@ -4,12 +4,8 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
-#include "startup/lifetime.hpp"
 #include "startup/procedure.hpp"
+#include "startup/services.hpp"
 #include "ui/FrmSysTrays.hpp"
 #include "ui/clsGraphicalButton.hpp"
 #include "ui/screen.hpp"
@@ -38,9 +34,8 @@ class frmMain {
   };
 
   // Shows nothing before Form_Load. `window` outlives this object and delivers no event afterwards.
-  frmMain(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-          startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, const web::Hosts& hosts,
-          Screen& screen, controls::MainWindow& window, Actions actions);
+  frmMain(const startup::Services& services, const web::Hosts& hosts, Screen& screen,
+          controls::MainWindow& window, Actions actions);
   ~frmMain();
   frmMain(const frmMain&) = delete;
 
@@ -74,11 +69,7 @@ class frmMain {
   void Form_QueryUnload(controls::UnloadMode mode);
   void tmrShow_Timer();
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   const web::Hosts& hosts_;
   Screen& screen_;
   controls::MainWindow& window_;

@@ -19,15 +19,9 @@ constexpr double kSlideMs = 400;  // what a whole slide takes on any screen
 
 }  // namespace
 
-frmNotify::frmNotify(platform::Host& host, const startup::Folders& folders,
-                     const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-                     startup::Lifetime& lifetime, Screen& screen)
-    : Timer1(window, "Timer1", host.events.Timers(), kDesignIntervalMs),
-      host_(host),
-      folders_(folders),
-      deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+frmNotify::frmNotify(const startup::Services& services, Screen& screen)
+    : Timer1(window, "Timer1", services.host.events.Timers(), kDesignIntervalMs),
+      services_(services),
       screen_(screen) {
   window.MouseMove += [this](controls::MouseButton) { ShowTexts(); };
   lblNews.MouseMove += [this](controls::MouseButton) { lblNews_MouseMove(); };
@@ -42,10 +36,10 @@ frmNotify::~frmNotify() { screen_.Detach(window); }
 
 void frmNotify::Form_Load() {
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string picture = folders_.GraphicsDir + "Noticia.jpg";
+        const std::string picture = services_.folders.GraphicsDir + "Noticia.jpg";
         if (platform::IsFile(picture)) window.Picture = picture;
         StyleNews(false);
         line = 20;
@@ -84,15 +78,15 @@ bool frmNotify::Slide(double from, double to) {
   const double direction = to < from ? -1 : 1;
   const auto steps = static_cast<int>(std::abs(to - from) / kStepTwips);
   const double stepMs = kSlideMs * kStepTwips / std::max(height_, kStepTwips);
-  const std::uint64_t start = host_.clock.Milliseconds();
+  const std::uint64_t start = services_.host.clock.Milliseconds();
   for (int step = 0; step <= steps; ++step) {
     Place(step == steps ? to : from + direction * step * kStepTwips);
     if (!window.Visible) window.Visible = true;
-    host_.events.DoEvents();
-    if (slide_ != mine || lifetime_.Ending()) return false;
+    services_.host.events.DoEvents();
+    if (slide_ != mine || services_.lifetime.Ending()) return false;
     const auto due = start + static_cast<std::uint64_t>(stepMs * step);
-    const std::uint64_t now = host_.clock.Milliseconds();
-    if (now < due) host_.clock.Sleep(static_cast<std::uint32_t>(due - now));
+    const std::uint64_t now = services_.host.clock.Milliseconds();
+    if (now < due) services_.host.clock.Sleep(static_cast<std::uint32_t>(due - now));
   }
   return true;
 }
@@ -128,8 +122,8 @@ void frmNotify::StyleNews(bool hovered) {
 
 void frmNotify::lblNews_Click() {
   if (lblNews.Caption.Get() != kSeeWhole) return;
-  host_.shell.OpenPage(deployment_.web + "/web/index.php?id=" + std::to_string(number_),
-                       folders_.AppPath + platform::NativePath("\\.."));
+  services_.host.shell.OpenPage(services_.deployment.web + "/web/index.php?id=" + std::to_string(number_),
+                                services_.folders.AppPath + platform::NativePath("\\.."));
 }
 
 void frmNotify::lblTitle_Click() {

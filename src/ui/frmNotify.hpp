@@ -4,11 +4,7 @@
 #include <string>
 
 #include "controls/kinds.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "ui/screen.hpp"
 
 namespace ui {
@@ -17,8 +13,7 @@ namespace ui {
 // Its two labels are its two buttons.
 class frmNotify {
  public:
-  frmNotify(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-            startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, Screen& screen);
+  frmNotify(const startup::Services& services, Screen& screen);
   ~frmNotify();
   frmNotify(const frmNotify&) = delete;
 
@@ -45,11 +40,7 @@ class frmNotify {
   bool Slide(double from, double to);
   void Place(double offsetTwips);
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   Screen& screen_;
   std::string text_, title_;
   std::int32_t number_ = 0;

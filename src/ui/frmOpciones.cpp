@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/numeric.hpp"
 #include "platform/files.hpp"
-#include "util/numeric.hpp"
 
 namespace ui {
 namespace {
@@ -90,7 +90,7 @@ void frmOpciones::LoadPicture(clsGraphicalButton& button, controls::ImageControl
   const auto path = [&](const char* state) { return OptionPicture(services_.folders, name, state); };
   try {
     button.Initialize(control, path("_n"), path("_a"), path("_c"), lit_, isCheck ? path("_c") : "");
-  } catch (const util::RuntimeError& error) {
+  } catch (const base::RuntimeError& error) {
     if (!missingPicture_) missingPicture_ = error;
   }
 }
@@ -144,7 +144,7 @@ void frmOpciones::ShowFrameRate() {
 
 void frmOpciones::ShowMemory() {
   Window.lblMemory.Caption =
-      util::NumberText(util::RoundHalfEven(Config().MaxVideoMemory / kMegabyte)) + " MB";
+      base::NumberText(base::RoundHalfEven(Config().MaxVideoMemory / kMegabyte)) + " MB";
 }
 
 void frmOpciones::ShowSilenced() {

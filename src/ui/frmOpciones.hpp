@@ -6,12 +6,12 @@
 #include <optional>
 #include <string>
 
+#include "base/runtime_error.hpp"
 #include "ui/clsGraphicalButton.hpp"
 #include "ui/frmCustomK.hpp"
 #include "ui/frmMessagesConfigurateds.hpp"
 #include "ui/frmOpciones_controls.hpp"
 #include "ui/settings_window.hpp"
-#include "util/runtime_error.hpp"
 
 namespace ui {
 
@@ -73,7 +73,7 @@ class frmOpciones {
   std::array<clsGraphicalButton, std::size(kOptionButtons)> buttons_;
   clsGraphicalButton silenciarWav_, mapa_;
   bool picturesLoaded_ = false;
-  std::optional<util::RuntimeError> missingPicture_;
+  std::optional<base::RuntimeError> missingPicture_;
   bool ready_ = false;  // false while the window is loading: filling the controls writes nothing
   SettingsWindow opened_;
 };

@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "ui/frmOpciones.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 
 namespace ui {
 namespace {
@@ -49,7 +49,7 @@ void Step(Volume& volume, int by) {
 }
 
 std::int32_t ChosenNumber(const controls::ComboBox& list) {
-  return util::ToInt32(util::Val(list.Entries().at(static_cast<std::size_t>(list.ListIndex.Get()))));
+  return base::ToInt32(base::Val(list.Entries().at(static_cast<std::size_t>(list.ListIndex.Get()))));
 }
 
 }  // namespace
@@ -148,7 +148,7 @@ void frmOpciones::cmbMemory_Change() {
 
 void frmOpciones::cmbVideo_Mode_Change() {
   if (Window.cmbVideo_Mode.ListIndex < 0) Window.cmbVideo_Mode.Select(0);
-  Config().VIDEO_MODE = util::ToByte(Window.cmbVideo_Mode.ListIndex.Get());
+  Config().VIDEO_MODE = base::ToByte(Window.cmbVideo_Mode.ListIndex.Get());
   Window.VideoModeChanged = true;
   Save();
 }
@@ -185,7 +185,7 @@ void frmOpciones::ConnectSound() {
 
 // The number in the list's text; 0, which is no sound, for anything that no sound could have.
 int frmOpciones::ChosenSound() const {
-  const double number = util::RoundHalfEven(util::Val(Window.cmbWavsList.Text.Get()));
+  const double number = base::RoundHalfEven(base::Val(Window.cmbWavsList.Text.Get()));
   return std::fabs(number) < 1e9 ? static_cast<int>(number) : 0;
 }
 
@@ -223,8 +223,8 @@ void frmOpciones::ConnectButtons() {
   }
   On(Window.txtCantMensajes.LostFocus, "txtCantMensajes_LostFocus", [this](int& line) {
     line = 10;
-    const std::string text(util::Trim(Window.txtCantMensajes.Text.Get()));
-    Window.txtCantMensajes.Text = util::IsNumeric(text) ? text : "5";
+    const std::string text(base::Trim(Window.txtCantMensajes.Text.Get()));
+    Window.txtCantMensajes.Text = base::IsNumeric(text) ? text : "5";
   });
 }
 
@@ -246,7 +246,7 @@ void frmOpciones::imgDefaultOptions_Click() {
 void frmOpciones::OpenPage(const std::string& path) {
   const std::string above = services_.folders.AppPath + platform::NativePath("\\..");
   if (!services_.host.shell.OpenPage(services_.deployment.web + path, above)) {
-    throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+    throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
   }
 }
 

@@ -4,21 +4,16 @@
 #include <string>
 
 #include "controls/control.hpp"
-#include "platform/host.hpp"
 #include "settings/modGameIni.hpp"
 #include "settings/sound_table.hpp"
-#include "startup/deployment.hpp"
 #include "startup/procedure.hpp"
+#include "startup/services.hpp"
 #include "ui/screen.hpp"
 
 namespace ui {
 
 // What the windows of the settings work with. Everything outlives the windows.
-struct SettingsServices {
-  platform::Host& host;
-  const startup::Folders& folders;
-  const startup::Deployment& deployment;
-  startup::ErrorRecorder& recorder;
+struct SettingsServices : startup::Services {
   Screen& screen;
   settings::modGameIni& gameIni;
   settings::SoundTable& sounds;

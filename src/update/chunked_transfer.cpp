@@ -1,8 +1,8 @@
 #include "update/chunked_transfer.hpp"
 
+#include "base/numeric.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
 
 namespace update {
 namespace {
@@ -11,18 +11,14 @@ constexpr int kRequestTimeoutSeconds = 10;
 constexpr std::size_t kChunk = 1024;
 constexpr std::uint32_t kSampleMs = 500;
 
-std::string WholeKb(double bytes) { return util::NumberText(util::RoundHalfEven(bytes / 1024)); }
+std::string WholeKb(double bytes) { return base::NumberText(base::RoundHalfEven(bytes / 1024)); }
 
 }  // namespace
 
-ChunkedTransfer::ChunkedTransfer(platform::Host& host, const startup::Deployment& deployment,
-                                 startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
-                                 controls::MainWindow& frmMain, web::Inet1& inet, web::DownloadState& state,
+ChunkedTransfer::ChunkedTransfer(const startup::Services& services, controls::MainWindow& frmMain,
+                                 web::Inet1& inet, web::DownloadState& state,
                                  std::function<void()> closeLauncher)
-    : host_(host),
-      deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+    : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       state_(state),
@@ -39,23 +35,23 @@ void ChunkedTransfer::Inet1_StateChanged(int stateNumber) {
     }
   } catch (...) {
     state_.Completed = state_.Failed = true;
-    recorder_.LogError(
+    services_.recorder.LogError(
         "Se ha perdido la conexión, porfavor reintenta la realizar las actualizaciones. Si el problema "
         "persiste "
         "repórtalo en el foro de Kelvarin " +
-        deployment_.forum + "\r\nDescrición del error: " + startup::CurrentFailure(0).description);
+        services_.deployment.forum + "\r\nDescrición del error: " + startup::CurrentFailure(0).description);
   }
 }
 
 void ChunkedTransfer::ReceiveBody() {
   inet_.SetRequestTimeout(kRequestTimeoutSeconds);
-  const double total = util::ToInt32(util::Val(inet_.GetHeader("Content-length")));
+  const double total = base::ToInt32(base::Val(inet_.GetHeader("Content-length")));
   frmMain_.lblEstado.Caption = "Descarga iniciada. Directory: " + state_.TargetPath;
   platform::OutputFile target(state_.TargetPath);
   std::vector<std::byte> chunk = inet_.GetChunk(kChunk);
-  host_.events.DoEvents();
+  services_.host.events.DoEvents();
   while (!chunk.empty()) {
-    if (state_.CancelRequested || lifetime_.Ending()) {
+    if (state_.CancelRequested || services_.lifetime.Ending()) {
       platform::TryRemoveFile(state_.TargetPath);
       closeLauncher_();
       return;
@@ -69,8 +65,8 @@ void ChunkedTransfer::ReceiveBody() {
       frmMain_.ProgressBar1.Value = frmMain_.ProgressBar1.Value + step;
     }
     ShowVelocity(total);
-    state_.WatchdogStart = host_.clock.SystemUptime();
-    host_.events.DoEvents();
+    state_.WatchdogStart = services_.host.clock.SystemUptime();
+    services_.host.events.DoEvents();
   }
   if (inet_.BodyFailed()) {
     Inet1_StateChanged(web::kStateError);
@@ -85,7 +81,7 @@ void ChunkedTransfer::ReceiveBody() {
 // The value sampled is the whole size, which no chunk reduces: the first sample shows it, every later one 0.
 // Players have always seen it so.
 void ChunkedTransfer::Sample(double total) {
-  const std::uint32_t now = host_.clock.SystemUptime();
+  const std::uint32_t now = services_.host.clock.SystemUptime();
   if (platform::Elapsed(now, sampleTime_) <= kSampleMs) return;
   speed_ = static_cast<float>((total - sampleValue_) / 1024);
   sampleTime_ = now;
@@ -93,9 +89,9 @@ void ChunkedTransfer::Sample(double total) {
 }
 
 void ChunkedTransfer::ShowVelocity(double total) {
-  const double rounded = util::RoundHalfEven(static_cast<double>(speed_) * 100) / 100;
+  const double rounded = base::RoundHalfEven(static_cast<double>(speed_) * 100) / 100;
   frmMain_.lblVelocity.Caption =
-      WholeKb(total) + "kb de " + WholeKb(total) + "kb a " + util::NumberText(rounded * 2) + "kb/s";
+      WholeKb(total) + "kb de " + WholeKb(total) + "kb a " + base::NumberText(rounded * 2) + "kb/s";
 }
 
 }  // namespace update

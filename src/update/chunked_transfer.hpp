@@ -3,10 +3,7 @@
 #include <functional>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "web/Inet1.hpp"
 #include "web/download_state.hpp"
 
@@ -16,10 +13,8 @@ namespace update {
 // DownloadState.TargetPath and shows size and speed.
 class ChunkedTransfer {
  public:
-  ChunkedTransfer(platform::Host& host, const startup::Deployment& deployment,
-                  startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
-                  controls::MainWindow& frmMain, web::Inet1& inet, web::DownloadState& state,
-                  std::function<void()> closeLauncher);
+  ChunkedTransfer(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
+                  web::DownloadState& state, std::function<void()> closeLauncher);
 
   void Inet1_StateChanged(int stateNumber);
 
@@ -28,10 +23,7 @@ class ChunkedTransfer {
   void Sample(double total);
   void ShowVelocity(double total);
 
-  platform::Host& host_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   web::Inet1& inet_;
   web::DownloadState& state_;

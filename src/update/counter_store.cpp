@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 
 namespace update {
 namespace {
@@ -15,19 +15,19 @@ constexpr std::uint64_t kLargestCounter = 4096;  // a counter is a line; anythin
 }  // namespace
 
 std::string CounterStore::FileOf(const std::string& category) const {
-  return folders_.InitDir + "AU" + category + ".ini";
+  return services_.folders.InitDir + "AU" + category + ".ini";
 }
 
 std::string CounterStore::Report(const char* procedure, const std::string& line,
                                  const std::string& description) const {
   return "Error en la linea N" + line + " del procedimiento " + procedure + ", descripción: " + description +
-         "Reporta esto mediante el soporte WEB en " + deployment_.support;
+         "Reporta esto mediante el soporte WEB en " + services_.deployment.support;
 }
 
 std::int16_t CounterStore::Read(const std::string& category) {
   std::int16_t number = 0;
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
         const std::string file = FileOf(category);
@@ -36,7 +36,7 @@ std::int16_t CounterStore::Read(const std::string& category) {
         const std::string text = platform::ReadWhole(file, kLargestCounter);
         const std::string_view first = std::string_view(text).substr(0, text.find_first_of("\r\n"));
         line = 30;
-        if (util::IsNumeric(first)) number = std::max<std::int16_t>(0, util::ToInt16(util::Val(first)));
+        if (base::IsNumeric(first)) number = std::max<std::int16_t>(0, base::ToInt16(base::Val(first)));
       },
       [&](const startup::Failure& failure) { return Report("8", failure.Line(), failure.description); });
   return number;
@@ -44,7 +44,7 @@ std::int16_t CounterStore::Read(const std::string& category) {
 
 bool CounterStore::Write(const std::string& category, std::int16_t number) {
   return startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
         const std::string file = FileOf(category), text = std::to_string(number) + "\r\n";

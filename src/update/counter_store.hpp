@@ -4,9 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
+#include "startup/services.hpp"
 
 namespace update {
 
@@ -17,9 +15,7 @@ inline constexpr std::array<const char*, 7> kCategories = {"Init", "Mapas", "Gra
 // How many patches of each category are installed: one line of plain text per category in AU<category>.ini.
 class CounterStore {
  public:
-  CounterStore(const startup::Folders& folders, const startup::Deployment& deployment,
-               startup::ErrorRecorder& recorder)
-      : folders_(folders), deployment_(deployment), recorder_(recorder) {}
+  explicit CounterStore(const startup::Services& services) : services_(services) {}
 
   // 0 when there is none or it is no number of patches.
   std::int16_t Read(const std::string& category);
@@ -32,9 +28,7 @@ class CounterStore {
  private:
   std::string Report(const char* procedure, const std::string& line, const std::string& description) const;
 
-  const startup::Folders& folders_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
+  const startup::Services& services_;
 };
 
 }  // namespace update

@@ -3,8 +3,8 @@
 #include <charconv>
 #include <exception>
 
+#include "base/text.hpp"
 #include "util/clsFastString.hpp"
-#include "util/text.hpp"
 
 namespace update {
 namespace {

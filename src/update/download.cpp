@@ -1,10 +1,10 @@
 #include "update/download.hpp"
 
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
+#include "base/url.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
-#include "util/url_path.hpp"
 
 namespace update {
 namespace {
@@ -18,12 +18,12 @@ constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Des
 }  // namespace
 
 void Download::Pause() {
-  with_.host.clock.Sleep(kRoundMs);
-  with_.host.events.DoEvents();
+  with_.services.host.clock.Sleep(kRoundMs);
+  with_.services.host.events.DoEvents();
 }
 
 bool Download::TimedOut() const {
-  return platform::Elapsed(with_.host.clock.SystemUptime(), with_.state.WatchdogStart) > kWatchdogMs;
+  return platform::Elapsed(with_.services.host.clock.SystemUptime(), with_.state.WatchdogStart) > kWatchdogMs;
 }
 
 void Download::RemoveTarget() { platform::TryRemoveFile(with_.state.TargetPath); }
@@ -32,15 +32,15 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
   web::DownloadState& state = with_.state;
   std::string local;
   startup::Guarded(
-      with_.recorder,
+      with_.services.recorder,
       [&](int& line) {
         line = 10;
         with_.frmMain.lblEstado.Caption = "Actualizando, aguarde un momento...";
         const std::string url =
-            with_.hosts.CurrentUpdateURL + remoteFolder + "Bin/" + util::UrlPath(record.inBin) + ".kvn";
+            with_.hosts.CurrentUpdateURL + remoteFolder + "Bin/" + base::UrlPath(record.inBin) + ".kvn";
         line = 20;
-        state.TargetPath =
-            with_.folders.ResourcesUpdateDir + platform::kSeparator + platform::NativePath(record.inBin);
+        state.TargetPath = with_.services.folders.ResourcesUpdateDir + platform::kSeparator +
+                           platform::NativePath(record.inBin);
         local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
         line = 30;
@@ -50,7 +50,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         line = 50;
         with_.frmMain.lblName.Caption = "Descargando actualizaciones: " + std::to_string(index) + "/" +
                                         std::to_string(count) + " - " +
-                                        std::string(util::Field(record.path, 3, '\\'));
+                                        std::string(base::Field(record.path, 3, '\\'));
         with_.frmMain.lblDirectorio.Caption = state.TargetPath;
         state.Finished = false;
       },
@@ -69,15 +69,15 @@ DownloadResult Download::DescargarArchivo(const std::string& name, bool unpack) 
   for (;;) {
     try {
       return unpackOnly ? FinishArchive(unpack) : FetchArchive(name, url, unpack, line);
-    } catch (const util::RuntimeError& error) {
-      if (error.Is(util::ErrorNumber::InterfaceNotSupported)) {
+    } catch (const base::RuntimeError& error) {
+      if (error.Is(base::ErrorNumber::InterfaceNotSupported)) {
         result = UnpackerMissing(mayTryAgain);
         unpackOnly = true;
         if (result == DownloadResult::TryAgain) continue;
         return result;
       }
       const startup::Failure failure = startup::CurrentFailure(line);
-      with_.recorder.LogError(
+      with_.services.recorder.LogError(
           failure.Opening() +
           " en el procedimiento DescargarArchivo del módulo Formulario frmMain en la línea: " +
           failure.Line() + " Nombre: " + name + " U: " + url);
@@ -92,24 +92,24 @@ DownloadResult Download::FetchArchive(const std::string& name, const std::string
   controls::MainWindow& frmMain = with_.frmMain;
   line = 10;
   frmMain.lblName.Caption = name;
-  frmMain.lblDirectorio.Caption = with_.folders.BinDir + platform::kSeparator;
-  state.TargetPath = with_.folders.AppPath + platform::kSeparator + util::Replaced(name, "/", "");
+  frmMain.lblDirectorio.Caption = with_.services.folders.BinDir + platform::kSeparator;
+  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
   state.Completed = state.Failed = false;
   line = 20;
   for (const std::string& old : {state.TargetPath, state.TargetPath + ".txt"}) {
     if (!platform::IsFile(old)) continue;
     platform::RemoveFile(old);
-    with_.host.events.DoEvents();
+    with_.services.host.events.DoEvents();
   }
   line = 30;
   frmMain.lblEstado.Caption = "Actualizando juego, por favor aguarde unos minutos.";
   state.Finished = false;
   line = 40;
   with_.transfers.DownloadUrlToFile(url, state.TargetPath);
-  state.WatchdogStart = with_.host.clock.SystemUptime();
+  state.WatchdogStart = with_.services.host.clock.SystemUptime();
   line = 50;
   while (!state.Finished) {
-    if (state.CancelRequested || with_.lifetime.Ending()) {
+    if (state.CancelRequested || with_.services.lifetime.Ending()) {
       RemoveTarget();
       with_.closeLauncher();
       return DownloadResult::Cancelled;
@@ -128,11 +128,12 @@ DownloadResult Download::FinishArchive(bool unpack) {
   }
   bool unpacked = true;
   if (unpack) {
-    unpacked = with_.unzip.Unzip(with_.state.TargetPath, with_.folders.AppPath + platform::kSeparator);
+    unpacked =
+        with_.unzip.Unzip(with_.state.TargetPath, with_.services.folders.AppPath + platform::kSeparator);
     RemoveTarget();
   }
   with_.frmMain.tmrUpdates.Set(false);
-  if (with_.lifetime.Ending()) return DownloadResult::Cancelled;
+  if (with_.services.lifetime.Ending()) return DownloadResult::Cancelled;
   return unpacked ? DownloadResult::Done : DownloadResult::UnpackFailed;
 }
 
@@ -144,7 +145,7 @@ DownloadResult Download::OnTimeOut() {
     ++SilentRetryCount;
     return DownloadResult::TryAgain;
   }
-  const auto answer = with_.host.dialogs.Show(kTimeOutQuestion, platform::DialogButtons::YesNo);
+  const auto answer = with_.services.host.dialogs.Show(kTimeOutQuestion, platform::DialogButtons::YesNo);
   TimeoutCount = 0;
   if (answer != platform::DialogAnswer::Yes) return DownloadResult::GivenUp;
   state.RetryPending = true;
@@ -154,17 +155,17 @@ DownloadResult Download::OnTimeOut() {
 }
 
 DownloadResult Download::UnpackerMissing(bool& mayTryAgain) {
-  const std::string library = with_.folders.BinDir + platform::NativePath("\\Unzip32.dll");
+  const std::string library = with_.services.folders.BinDir + platform::NativePath("\\Unzip32.dll");
   if (mayTryAgain && platform::IsFile(library)) {
     mayTryAgain = false;
-    with_.host.shell.OpenFile("regsvr32 " + library, with_.folders.BinDir);
+    with_.services.host.shell.OpenFile("regsvr32 " + library, with_.services.folders.BinDir);
     return DownloadResult::TryAgain;
   }
-  with_.host.dialogs.Show(
+  with_.services.host.dialogs.Show(
       "El juego esta dañado. Le faltan archivos escenciales. Porfavor reinstale Kelvarin, bajelo desde: " +
-      with_.deployment.client1 + " " + with_.deployment.client2);
+      with_.services.deployment.client1 + " " + with_.services.deployment.client2);
   RemoveTarget();
-  with_.lifetime.End(1);
+  with_.services.lifetime.End(1);
   return DownloadResult::Cancelled;
 }
 
@@ -172,23 +173,23 @@ void Download::DescargarCliente() {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   startup::Guarded(
-      with_.recorder,
+      with_.services.recorder,
       [&](int& line) {
         line = 10;
         frmMain.lblEstado.Caption = "Descargando cliente completo...";
         frmMain.lblName.Caption = "Cliente Kelvarin.zip";
-        frmMain.lblDirectorio.Caption = with_.folders.BinDir + platform::kSeparator;
-        state.TargetPath = with_.folders.BinDir + platform::NativePath("\\Kelvarin.zip");
+        frmMain.lblDirectorio.Caption = with_.services.folders.BinDir + platform::kSeparator;
+        state.TargetPath = with_.services.folders.BinDir + platform::NativePath("\\Kelvarin.zip");
         line = 20;
         if (platform::IsFile(state.TargetPath)) {
           platform::RemoveFile(state.TargetPath);
-          with_.host.events.DoEvents();
+          with_.services.host.events.DoEvents();
         }
         line = 30;
         state.Finished = false;
         with_.transfers.DownloadUrlToFile(with_.hosts.CurrentUpdateURL + "Kelvarin.zip", state.TargetPath);
         state.Completed = state.Failed = false;
-        state.WatchdogStart = with_.host.clock.SystemUptime();
+        state.WatchdogStart = with_.services.host.clock.SystemUptime();
         line = 40;
         // The archive goes before it is unpacked: the full-client path has always ended so, and the unpacking
         // reports that there is none.
@@ -199,7 +200,8 @@ void Download::DescargarCliente() {
       [&](const startup::Failure& failure) {
         return failure.Opening() +
                " en el procedimiento DescargarCliente del modulo Formulario frmMain en la línea " +
-               failure.Line() + " reporta esto mediante el soporte WEB en " + with_.deployment.support;
+               failure.Line() + " reporta esto mediante el soporte WEB en " +
+               with_.services.deployment.support;
       });
 }
 
@@ -208,7 +210,7 @@ void Download::DescargarCliente() {
 void Download::AwaitClient() {
   web::DownloadState& state = with_.state;
   while (!state.Finished) {
-    if (state.CancelRequested || with_.lifetime.Ending()) {
+    if (state.CancelRequested || with_.services.lifetime.Ending()) {
       RemoveTarget();
       with_.closeLauncher();
       return;
@@ -220,7 +222,7 @@ void Download::AwaitClient() {
     Pause();
   }
   if (!state.Failed) {
-    with_.unzip.Unzip(state.TargetPath, with_.folders.BinDir + platform::kSeparator);
+    with_.unzip.Unzip(state.TargetPath, with_.services.folders.BinDir + platform::kSeparator);
     with_.frmMain.tmrUpdates.Set(false);
   }
   RemoveTarget();

@@ -4,11 +4,7 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "update/index_file.hpp"
 #include "update/smodUnzip.hpp"
 #include "web/download_state.hpp"
@@ -29,11 +25,7 @@ enum class DownloadResult {
 class Download {
  public:
   struct Collaborators {
-    platform::Host& host;
-    const startup::Folders& folders;
-    const startup::Deployment& deployment;
-    startup::ErrorRecorder& recorder;
-    startup::Lifetime& lifetime;
+    const startup::Services& services;
     controls::MainWindow& frmMain;
     web::DownloadState& state;
     const web::Hosts& hosts;

@@ -1,9 +1,9 @@
 #include "update/game_launch.hpp"
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/procedure.hpp"
-#include "util/runtime_error.hpp"
 
 namespace update {
 namespace {
@@ -12,14 +12,10 @@ constexpr const char* kLibrarySet = "0.4.1";
 
 }  // namespace
 
-GameLaunch::GameLaunch(platform::Host& host, const startup::Folders& folders, const startup::RunFlags& flags,
-                       startup::ErrorRecorder& recorder, controls::MainWindow& frmMain,
+GameLaunch::GameLaunch(const startup::Services& services, controls::MainWindow& frmMain,
                        LibraryCheck& libraries, std::function<void(bool)> enablePlay,
                        std::function<void()> closeLauncher)
-    : host_(host),
-      folders_(folders),
-      flags_(flags),
-      recorder_(recorder),
+    : services_(services),
       frmMain_(frmMain),
       libraries_(libraries),
       enablePlay_(std::move(enablePlay)),
@@ -33,7 +29,7 @@ void GameLaunch::cmdIniciar_Click() {
 
 void GameLaunch::EjecutarKelvar(const std::string& parameter) {
   startup::Guarded(
-      recorder_, [&](int& line) { Launch(parameter, line); },
+      services_.recorder, [&](int& line) { Launch(parameter, line); },
       [](const startup::Failure& failure) {
         return failure.Opening() + " in procedure EjecutarKelvar of Formulario frmMain";
       });
@@ -44,32 +40,35 @@ void GameLaunch::Launch(const std::string& parameter, int& line) {
   using platform::DialogAnswer;
   namespace keys = startup::keys;
   line = 10;
-  const DialogAnswer answer = flags_.StaffClient
-                                  ? host_.dialogs.Show("¿Que cliente deseas ejecutar?",
-                                                       platform::DialogButtons::YesNoCancel, "Kelvar Online")
-                                  : DialogAnswer::No;
+  const DialogAnswer answer =
+      services_.flags.StaffClient
+          ? services_.host.dialogs.Show("¿Que cliente deseas ejecutar?", platform::DialogButtons::YesNoCancel,
+                                        "Kelvar Online")
+          : DialogAnswer::No;
   line = 20;
-  if (host_.settings.Get(keys::kLibraries, keys::kVersion, keys::kV) != kLibrarySet) {
-    host_.settings.Set(keys::kLibraries, keys::kVersion, keys::kV, kLibrarySet);
+  if (services_.host.settings.Get(keys::kLibraries, keys::kVersion, keys::kV) != kLibrarySet) {
+    services_.host.settings.Set(keys::kLibraries, keys::kVersion, keys::kV, kLibrarySet);
     libraries_.VerificarLibrerias();
   }
   if (answer == DialogAnswer::Cancel) return;
   line = 30;
-  host_.settings.Set(keys::kOpen, keys::kF, keys::kA, std::to_string(host_.clock.SystemUptime()));
+  services_.host.settings.Set(keys::kOpen, keys::kF, keys::kA,
+                              std::to_string(services_.host.clock.SystemUptime()));
   const std::string suffix = answer == DialogAnswer::Yes ? "-DX8G" : "-DX8";
-  const std::string client = folders_.BinDir + platform::NativePath("\\KVN") + suffix + ".exe";
+  const std::string client = services_.folders.BinDir + platform::NativePath("\\KVN") + suffix + ".exe";
   line = 40;
   if (!platform::IsFile(client)) {
-    host_.dialogs.Show("No se encuentra KVN" + suffix + ".exe");
+    services_.host.dialogs.Show("No se encuentra KVN" + suffix + ".exe");
     return;
   }
   platform::StartRequest request;
   request.program = client;
   request.commandLine = client + " " + parameter;
   request.style = platform::WindowStyle::NormalFocus;
-  request.workingFolder = folders_.BinDir;
+  request.workingFolder = services_.folders.BinDir;
   line = 50;
-  if (!host_.processes.Start(request)) throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+  if (!services_.host.processes.Start(request))
+    throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
 }
 
 }  // namespace update

@@ -4,10 +4,7 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
-#include "startup/run_flags.hpp"
+#include "startup/services.hpp"
 #include "update/library_check.hpp"
 
 namespace update {
@@ -15,8 +12,7 @@ namespace update {
 // The play button and what it ends in.
 class GameLaunch {
  public:
-  GameLaunch(platform::Host& host, const startup::Folders& folders, const startup::RunFlags& flags,
-             startup::ErrorRecorder& recorder, controls::MainWindow& frmMain, LibraryCheck& libraries,
+  GameLaunch(const startup::Services& services, controls::MainWindow& frmMain, LibraryCheck& libraries,
              std::function<void(bool)> enablePlay, std::function<void()> closeLauncher);
 
   // Sets the update engine going; the button is off until a run ends without the game.
@@ -29,10 +25,7 @@ class GameLaunch {
  private:
   void Launch(const std::string& parameter, int& line);
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::RunFlags& flags_;
-  startup::ErrorRecorder& recorder_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   LibraryCheck& libraries_;
   std::function<void(bool)> enablePlay_;

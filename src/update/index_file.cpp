@@ -4,11 +4,11 @@
 #include <cstdint>
 #include <span>
 
+#include "base/relative_name.hpp"
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
-#include "util/relative_name.hpp"
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
 
 namespace update {
 namespace {
@@ -23,7 +23,7 @@ class Reader {
   std::uint64_t Left() const { return left_; }
 
   std::string Take(std::size_t count) {
-    if (count > left_) throw util::RuntimeError(util::ErrorNumber::InputPastEndOfFile);
+    if (count > left_) throw base::RuntimeError(base::ErrorNumber::InputPastEndOfFile);
     std::string taken;
     while (taken.size() < count) {
       if (at_ == filled_) Refill();
@@ -49,7 +49,7 @@ class Reader {
   void Refill() {
     at_ = 0;
     filled_ = file_.Read(buffer_);
-    if (filled_ == 0) throw util::RuntimeError(util::ErrorNumber::InputPastEndOfFile);
+    if (filled_ == 0) throw base::RuntimeError(base::ErrorNumber::InputPastEndOfFile);
   }
 
   platform::InputFile file_;
@@ -60,12 +60,12 @@ class Reader {
 
 IndexRecord MakeRecord(const std::string& digest, const std::string& rawPath) {
   IndexRecord record;
-  record.digest = util::Lower(digest);
-  record.path = platform::FromAnsi(util::Replaced(util::Replaced(rawPath, "\r", ""), "\n", ""));
-  record.refusal = util::WhyUnsafe(record.path);
+  record.digest = base::Lower(digest);
+  record.path = platform::FromAnsi(base::Replaced(base::Replaced(rawPath, "\r", ""), "\n", ""));
+  record.refusal = base::WhyUnsafe(record.path);
   if (!record.refusal.empty()) return record;
-  const std::string relative = util::WithSlashes(record.path);
-  if (record.path.front() != '\\' || !util::Upper(relative).starts_with(kBinFolder)) {
+  const std::string relative = base::WithSlashes(record.path);
+  if (record.path.front() != '\\' || !base::Upper(relative).starts_with(kBinFolder)) {
     record.refusal = "it is not inside Bin";
     return record;
   }
@@ -75,7 +75,7 @@ IndexRecord MakeRecord(const std::string& digest, const std::string& rawPath) {
 
 }  // namespace
 
-bool IndexRecord::HasDigest() const { return !util::Contains(digest, "not found"); }
+bool IndexRecord::HasDigest() const { return !base::Contains(digest, "not found"); }
 
 void IndexFile::Read(const std::string& path) {
   records_.clear();
@@ -83,7 +83,7 @@ void IndexFile::Read(const std::string& path) {
   Reader reader(path);
   const auto count = static_cast<std::int32_t>(reader.TakeNumber(4));
   if (count < 0 || static_cast<std::uint64_t>(count) > reader.Left() / (kDigestSize + kLengthSize)) {
-    throw util::RuntimeError(util::ErrorNumber::Overflow);
+    throw base::RuntimeError(base::ErrorNumber::Overflow);
   }
   for (std::int32_t i = 0; i < count; ++i) {
     const std::string digest = reader.Take(kDigestSize);

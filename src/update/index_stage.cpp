@@ -2,14 +2,14 @@
 
 #include <unordered_set>
 
+#include "base/relative_name.hpp"
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
+#include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "update/packed_file.hpp"
 #include "update/verification.hpp"
-#include "util/relative_name.hpp"
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
-#include "web/blocking.hpp"
 
 namespace update {
 namespace {
@@ -20,41 +20,33 @@ constexpr std::int32_t kLargestIndex = 256 << 20;  // bytes; a game of a million
 constexpr std::size_t kNotedRefusals = 10;
 constexpr std::size_t kFilesPerRound = 16;  // between two looks at the player's events
 
-std::string Folded(std::string_view name) { return util::UpperLatin(util::Replaced(name, " ", "")); }
+std::string Folded(std::string_view name) { return base::UpperLatin(base::Replaced(name, " ", "")); }
 
 }  // namespace
 
-IndexStage::IndexStage(platform::Host& host, const startup::Folders& folders, const startup::RunFlags& flags,
-                       startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
-                       controls::MainWindow& frmMain, Download& download)
-    : host_(host),
-      folders_(folders),
-      flags_(flags),
-      recorder_(recorder),
-      lifetime_(lifetime),
-      frmMain_(frmMain),
-      download_(download) {}
+IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download)
+    : services_(services), frmMain_(frmMain), download_(download) {}
 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
-  const std::string packed = folders_.AppPath + platform::kSeparator + kIndexName;
+  const std::string packed = services_.folders.AppPath + platform::kSeparator + kIndexName;
   const std::string unpacked = packed + ".txt";
   bool good = false;
   try {
     if (download_.DescargarArchivo(kIndexName, false) == DownloadResult::Done) {
-      if (ClaimedSize(packed) > kLargestIndex) throw util::RuntimeError(util::ErrorNumber::Overflow);
-      web::RunBlocking(host_.events, lifetime_, [&](std::stop_token stop) {
+      if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
+      startup::RunBlocking(services_, [&](std::stop_token stop) {
         ExpandPackedFile(packed, unpacked, stop, platform::OutputFile::Lasting::No);
         index_.Read(unpacked);
       });
       good = true;
     }
   } catch (...) {
-    recorder_.Note("Info.kvn: " + startup::CurrentFailure(0).Opening());
+    services_.recorder.Note("Info.kvn: " + startup::CurrentFailure(0).Opening());
   }
   platform::TryRemoveFile(packed);
   platform::TryRemoveFile(unpacked);
-  host_.events.DoEvents();
+  services_.host.events.DoEvents();
   NoteRefusals();
   return good;
 }
@@ -63,40 +55,42 @@ void IndexStage::NoteRefusals() const {
   std::size_t count = 0;
   for (const IndexRecord& record : index_.Records()) {
     if (record.refusal.empty()) continue;
-    if (++count <= kNotedRefusals) recorder_.Note("Info.kvn: \"" + record.path + "\": " + record.refusal);
+    if (++count <= kNotedRefusals)
+      services_.recorder.Note("Info.kvn: \"" + record.path + "\": " + record.refusal);
   }
   if (count > kNotedRefusals)
-    recorder_.Note("Info.kvn: " + std::to_string(count) + " entradas rechazadas en total");
+    services_.recorder.Note("Info.kvn: " + std::to_string(count) + " entradas rechazadas en total");
 }
 
 void IndexStage::RemoveForeignFiles() const {
   if (!index_.ReadWholly() || index_.Records().empty()) return;
-  const bool developmentCopy = platform::IsFolder(folders_.BinDir + platform::NativePath("\\CODIGOS")) ||
-                               platform::IsFile(folders_.BinDir + platform::NativePath("\\Client.vbp"));
+  const bool developmentCopy =
+      platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
+      platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
   if (developmentCopy) return;
-  web::RunBlocking(host_.events, lifetime_, [&](std::stop_token stop) {
+  startup::RunBlocking(services_, [&](std::stop_token stop) {
     std::unordered_set<std::string> named{Folded(kRecordName)};
     for (const IndexRecord& record : index_.Records()) named.insert(Folded(record.inBin));
-    for (const platform::FoundFile& file : platform::ListTree(folders_.BinDir)) {
+    for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
       if (stop.stop_requested()) return;
-      if (util::Contains(platform::FileNameOf(file.path), "$")) continue;
-      if (named.contains(Folded(util::WithSlashes(file.path)))) continue;
-      platform::TryRemoveFile(folders_.BinDir + platform::kSeparator + file.path);
+      if (base::Contains(platform::FileNameOf(file.path), "$")) continue;
+      if (named.contains(Folded(base::WithSlashes(file.path)))) continue;
+      platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
     }
   });
 }
 
 bool IndexStage::Wanted(const IndexRecord& record) const {
   return record.refusal.empty() && record.HasDigest() &&
-         (flags_.StaffClient || !util::Contains(record.path, "KVNG"));
+         (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
 }
 
 std::string IndexStage::PathOf(const IndexRecord& record) const {
-  return folders_.BinDir + platform::kSeparator + platform::NativePath(record.inBin);
+  return services_.folders.BinDir + platform::kSeparator + platform::NativePath(record.inBin);
 }
 
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
-  DigestRecord proved(folders_.BinDir + platform::kSeparator + kRecordName);
+  DigestRecord proved(services_.folders.BinDir + platform::kSeparator + kRecordName);
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
   std::vector<Verification::Target> targets(records.size());
@@ -104,13 +98,13 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     if (Wanted(records[i])) targets[i] = {PathOf(records[i]), records[i].inBin};
   }
   std::vector<FileProof> proofs(records.size());
-  const auto ended = [&] { return lifetime_.Ending() || abandoned(); };
+  const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
   {
-    Verification verification(std::move(targets), proved, host_.events, lifetime_);
+    Verification verification(std::move(targets), proved, services_.host.events, services_.lifetime);
     for (std::size_t i = 0; i < records.size() && !ended(); ++i) {
       proofs[i] = verification.Take(i);
       frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
-      if (i % kFilesPerRound == 0) host_.events.DoEvents();
+      if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
       if (Wanted(records[i]) && proofs[i].digest != records[i].digest && !ended()) FetchAgain(i);
     }
   }
@@ -123,7 +117,8 @@ void IndexStage::FetchAgain(std::size_t i) {
   frmMain_.lblEstado.Caption =
       "Progreso de actualización: " + std::to_string(number) + "/" + std::to_string(count);
   const IndexRecord& record = index_.Records()[i];
-  if (!download_.DownloadClient(number, count, record)) recorder_.Note("No se pudo descargar " + record.path);
+  if (!download_.DownloadClient(number, count, record))
+    services_.recorder.Note("No se pudo descargar " + record.path);
 }
 
 void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& proved) {
@@ -137,9 +132,9 @@ void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& pr
     }
   }
   try {
-    proved.Save([this](const std::string& text) { recorder_.LogError(text); });
-  } catch (const util::RuntimeError& error) {  // costs the next start time, nothing else
-    recorder_.Note(std::string(kRecordName) + ": " + error.Description());
+    proved.Save([this](const std::string& text) { services_.recorder.LogError(text); });
+  } catch (const base::RuntimeError& error) {  // costs the next start time, nothing else
+    services_.recorder.Note(std::string(kRecordName) + ": " + error.Description());
   }
 }
 

@@ -4,11 +4,7 @@
 #include <vector>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
-#include "startup/lifetime.hpp"
-#include "startup/run_flags.hpp"
+#include "startup/services.hpp"
 #include "update/digest_record.hpp"
 #include "update/download.hpp"
 #include "update/index_file.hpp"
@@ -19,9 +15,7 @@ namespace update {
 // Proves the files below Bin against the published index and fetches what is damaged or missing.
 class IndexStage {
  public:
-  IndexStage(platform::Host& host, const startup::Folders& folders, const startup::RunFlags& flags,
-             startup::ErrorRecorder& recorder, startup::Lifetime& lifetime, controls::MainWindow& frmMain,
-             Download& download);
+  IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download);
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
@@ -42,11 +36,7 @@ class IndexStage {
   void NoteRefusals() const;
   std::string PathOf(const IndexRecord& record) const;
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::RunFlags& flags_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Download& download_;
   IndexFile index_;

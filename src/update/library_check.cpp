@@ -1,11 +1,11 @@
 #include "update/library_check.hpp"
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
+#include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "startup/system_directory.hpp"
 #include "util/clsHashing.hpp"
-#include "util/runtime_error.hpp"
-#include "web/blocking.hpp"
 
 namespace update {
 namespace {
@@ -19,7 +19,7 @@ constexpr const char* kLibraries[] = {"COMCTL32.OCX", "COMDLG32.OCX",    "CSWSK3
 std::string DigestOrNone(const std::string& path, std::stop_token stop) {
   try {
     return util::clsHashing().MD5File(path, stop);
-  } catch (const util::RuntimeError&) {
+  } catch (const base::RuntimeError&) {
     return {};
   }
 }
@@ -34,37 +34,38 @@ void LibraryCheck::RegistrarLibreria(const std::string& folder, const std::strin
   request.program = "regsvr32.exe";
   request.commandLine = "regsvr32 \"" + folder + file + "\" /s";
   request.style = platform::WindowStyle::Minimised;
-  host_.processes.Start(request);
-  host_.events.DoEvents();
+  services_.host.processes.Start(request);
+  services_.host.events.DoEvents();
 }
 
 void LibraryCheck::RefreshGraphicsLibrary() {
-  const std::string own = folders_.BinDir + platform::kSeparator + kGraphicsLibrary;
-  const std::string system = startup::ObtenerDirectorio(recorder_) + platform::kSeparator + kGraphicsLibrary;
-  web::RunBlocking(host_.events, lifetime_, [&](std::stop_token stop) {
+  const std::string own = services_.folders.BinDir + platform::kSeparator + kGraphicsLibrary;
+  const std::string system =
+      startup::ObtenerDirectorio(services_.recorder) + platform::kSeparator + kGraphicsLibrary;
+  startup::RunBlocking(services_, [&](std::stop_token stop) {
     if (!platform::IsFile(own) || DigestOrNone(own, stop) == DigestOrNone(system, stop)) return;
     try {
       platform::CloneFile(own, system);
-    } catch (const util::RuntimeError&) {  // without rights to the system folder the game uses what is there
+    } catch (const base::RuntimeError&) {  // without rights to the system folder the game uses what is there
     }
   });
 }
 
 void LibraryCheck::VerificarLibrerias() {
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
         frmMain_.lblName.Caption = "Verificando librerías, por favor aguarde.";
         line = 20;
-        for (const char* library : kLibraries) RegistrarLibreria(folders_.BinDir, library);
+        for (const char* library : kLibraries) RegistrarLibreria(services_.folders.BinDir, library);
         line = 30;
         RefreshGraphicsLibrary();
         line = 40;
         RegistrarLibreria("", kGraphicsLibrary);
         line = 50;
         frmMain_.lblName.Caption = "Librerias correctas.";
-        host_.dialogs.Show("Se han registrado las librerias correctamente.");
+        services_.host.dialogs.Show("Se han registrado las librerias correctamente.");
       },
       [&](const startup::Failure& failure) {
         return failure.Opening() + " in procedure VerificarLibrerias of Formulario frmMain in line " +

@@ -2,9 +2,7 @@
 
 #include <string>
 
-#include "platform/host.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 
 namespace update {
 
@@ -12,17 +10,14 @@ namespace update {
 // 1950).
 class modCompression {
  public:
-  modCompression(platform::Host& host, startup::ErrorRecorder& recorder, startup::Lifetime& lifetime)
-      : host_(host), recorder_(recorder), lifetime_(lifetime) {}
+  explicit modCompression(const startup::Services& services) : services_(services) {}
 
   // Expands `source` over `destination`, whose folders are made; events are handled meanwhile. On failure,
   // which is shown to the player, the old destination stays and the result is false.
   bool Descomprimir(const std::string& source, const std::string& destination);
 
  private:
-  platform::Host& host_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
 };
 
 }  // namespace update

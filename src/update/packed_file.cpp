@@ -5,9 +5,9 @@
 #include <span>
 #include <vector>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "update/inflater.hpp"
-#include "util/runtime_error.hpp"
 
 namespace update {
 namespace {
@@ -16,7 +16,7 @@ constexpr std::size_t kHeaderSize = 4;
 constexpr std::size_t kPiece = 128 * 1024;
 constexpr std::uint64_t kBestRatio = 1032;  // no deflate stream expands further (zlib's technical details)
 
-[[noreturn]] void Damaged() { throw util::RuntimeError(util::ErrorNumber::InvalidFileFormat); }
+[[noreturn]] void Damaged() { throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat); }
 
 std::int32_t ReadClaim(platform::InputFile& file) {
   std::array<std::byte, kHeaderSize> header{};

@@ -8,10 +8,10 @@ namespace update {
 
 void Repair::cmdReiniciarUpdates_Click() {
   startup::Guarded(
-      recorder_,
+      services_.recorder,
       [&](int& line) {
         line = 10;
-        const auto answer = host_.dialogs.Show(
+        const auto answer = services_.host.dialogs.Show(
             "¿Estás seguro que deseas reiniciar los Updates para intentar reparar el juego?\r\nEste proceso "
             "puede "
             "tardar varios minutos.",
@@ -21,17 +21,17 @@ void Repair::cmdReiniciarUpdates_Click() {
         frmMain_.NewsTimer.Set(false);
         startOver_();
         line = 30;
-        platform::WriteWhole(folders_.BinDir + platform::NativePath("\\MD5Update.ini"), " \r\n");
+        platform::WriteWhole(services_.folders.BinDir + platform::NativePath("\\MD5Update.ini"), " \r\n");
         for (const char* category : kCategories) {
           line += 10;
-          platform::WriteWhole(folders_.InitDir + "AU" + category + ".ini", "0\r\n");
+          platform::WriteWhole(services_.folders.InitDir + "AU" + category + ".ini", "0\r\n");
         }
         frmMain_.tmrUpdates.Set(true);
       },
       [&](const startup::Failure& failure) {
         return failure.Opening() +
                " en el procedimiento cmdReiniciarUpdates_Click del modulo Formulario frmMain en la línea " +
-               failure.Line() + " reporta esto mediante el soporte WEB en " + deployment_.support;
+               failure.Line() + " reporta esto mediante el soporte WEB en " + services_.deployment.support;
       });
 }
 

@@ -3,10 +3,7 @@
 #include <functional>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
+#include "startup/services.hpp"
 
 namespace update {
 
@@ -14,22 +11,13 @@ namespace update {
 // proves all.
 class Repair {
  public:
-  Repair(platform::Host& host, const startup::Folders& folders, const startup::Deployment& deployment,
-         startup::ErrorRecorder& recorder, controls::MainWindow& frmMain, std::function<void()> startOver)
-      : host_(host),
-        folders_(folders),
-        deployment_(deployment),
-        recorder_(recorder),
-        frmMain_(frmMain),
-        startOver_(std::move(startOver)) {}
+  Repair(const startup::Services& services, controls::MainWindow& frmMain, std::function<void()> startOver)
+      : services_(services), frmMain_(frmMain), startOver_(std::move(startOver)) {}
 
   void cmdReiniciarUpdates_Click();
 
  private:
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   std::function<void()> startOver_;  // tells a check that is under way
 };

@@ -3,18 +3,18 @@
 #include <random>
 #include <vector>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/unzip.hpp"
+#include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "update/zip_archive.hpp"
-#include "util/runtime_error.hpp"
-#include "web/blocking.hpp"
 
 namespace update {
 namespace {
 
 [[noreturn]] void Refuse(const std::string& why) {
-  throw util::RuntimeError(util::ErrorNumber::InvalidFileFormat, why);
+  throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat, why);
 }
 
 // A folder of its own for each archive: an unpacker that outlived a killed launcher may still write into an
@@ -22,7 +22,7 @@ namespace {
 std::string FreshStaging(const std::string& root) {
   try {
     platform::RemoveTree(root);
-  } catch (const util::RuntimeError&) {  // what is left of it goes the next time
+  } catch (const base::RuntimeError&) {  // what is left of it goes the next time
   }
   std::random_device random;
   return root + platform::kSeparator + std::to_string(random());
@@ -32,7 +32,7 @@ void ExtractTo(const std::string& archive, const std::string& staging) {
   platform::MakeFolders(staging);
   const int code = platform::UnzipArchive(archive, staging);
   if (code == platform::kUnzipProgramMissing)
-    throw util::RuntimeError(util::ErrorNumber::InterfaceNotSupported);
+    throw base::RuntimeError(base::ErrorNumber::InterfaceNotSupported);
   if (code != platform::kUnzipOk) Refuse("The unpacker ended with code " + std::to_string(code));
 }
 
@@ -88,15 +88,14 @@ void Install(const std::string& archive, const std::string& root, const std::str
 }  // namespace
 
 bool smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
-  const std::string root = folders_.Scratch("Unzip");
+  const std::string root = services_.folders.Scratch("Unzip");
   try {
-    web::RunBlocking(host_.events, lifetime_,
-                     [&](std::stop_token stop) { Install(archive, root, directory, stop); });
-    return !lifetime_.Ending();
-  } catch (const util::RuntimeError& error) {
-    if (error.Is(util::ErrorNumber::InterfaceNotSupported)) throw;
-    recorder_.Note(platform::FileNameOf(archive) + ": " + error.Description());
-    host_.dialogs.Show("Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
+    startup::RunBlocking(services_, [&](std::stop_token stop) { Install(archive, root, directory, stop); });
+    return !services_.lifetime.Ending();
+  } catch (const base::RuntimeError& error) {
+    if (error.Is(base::ErrorNumber::InterfaceNotSupported)) throw;
+    services_.recorder.Note(platform::FileNameOf(archive) + ": " + error.Description());
+    services_.host.dialogs.Show("Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
     return false;
   }
 }

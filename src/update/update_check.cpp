@@ -2,9 +2,9 @@
 
 #include <utility>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
-#include "util/runtime_error.hpp"
 
 namespace update {
 namespace {
@@ -18,26 +18,26 @@ constexpr int kBitmapsPerRound = 1'000;  // between two looks at the player's ev
 
 void UpdateCheck::Show(const char* status) {
   with_.frmMain.lblEstado.Caption = status;
-  with_.host.clock.Sleep(kPauseMs);
-  with_.host.events.DoEvents();
+  with_.services.host.clock.Sleep(kPauseMs);
+  with_.services.host.events.DoEvents();
 }
 
 void UpdateCheck::tmrUpdates_Timer() {
   Step step = Step::Stop;
   startOver_ = false;
   startup::Guarded(
-      with_.recorder, [&](int& line) { step = Run(line); },
+      with_.services.recorder, [&](int& line) { step = Run(line); },
       [&](const startup::Failure& failure) {
         return failure.Opening() +
                " en el procedimiento tmrUpdates_Timer del modulo Formulario frmMain en la línea " +
                failure.Line() + " Tmp: " + working_ + "Reporta esto mediante el soporte WEB en " +
-               with_.deployment.support;
+               with_.services.deployment.support;
       });
   Finish(step);
 }
 
 void UpdateCheck::Finish(Step step) {
-  if (with_.lifetime.Ending() || step == Step::Ended) return;
+  if (with_.services.lifetime.Ending() || step == Step::Ended) return;
   if (step == Step::NextTick) {
     with_.frmMain.tmrUpdates.Set(true);
     return;
@@ -45,7 +45,7 @@ void UpdateCheck::Finish(Step step) {
   confirmHost_ = true;
   with_.frmMain.tmrUpdates.Set(false);
   with_.enablePlay(true);
-  if (with_.flags.UpdatesOnly) with_.lifetime.End(1);
+  if (with_.services.flags.UpdatesOnly) with_.services.lifetime.End(1);
 }
 
 UpdateCheck::Step UpdateCheck::Run(int& line) {
@@ -55,9 +55,9 @@ UpdateCheck::Step UpdateCheck::Run(int& line) {
   line = 20;
   with_.instance.Release();
   if (const Step step = IndexLoop(line); step != Step::GoOn) return step;
-  if (with_.lifetime.Ending()) return Step::Ended;
+  if (with_.services.lifetime.Ending()) return Step::Ended;
   Complete(line);
-  return with_.lifetime.Ending() ? Step::Ended : Step::Stop;
+  return with_.services.lifetime.Ending() ? Step::Ended : Step::Stop;
 }
 
 // The patches, then the index; a failed index starts again with the patches as long as the player wants it.
@@ -65,19 +65,19 @@ UpdateCheck::Step UpdateCheck::IndexLoop(int& line) {
   for (;;) {
     if (const Step step = PatchStage(line); step != Step::GoOn) return step;
     with_.download.remoteFolder = "NewAct2/";
-    if (with_.flags.UpdatesOnly) {
-      with_.lifetime.End(0);
+    if (with_.services.flags.UpdatesOnly) {
+      with_.services.lifetime.End(0);
       return Step::Ended;
     }
     line = 110;
     working_ = "Info.kvn";
     const bool fetched = with_.index.Fetch();
-    if (with_.lifetime.Ending()) return Step::Ended;
+    if (with_.services.lifetime.Ending()) return Step::Ended;
     if (startOver_) return Step::NextTick;
     if (fetched) break;
-    const auto answer =
-        with_.host.dialogs.Show("No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?",
-                                platform::DialogButtons::YesNo);
+    const auto answer = with_.services.host.dialogs.Show(
+        "No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?",
+        platform::DialogButtons::YesNo);
     if (answer != platform::DialogAnswer::Yes) break;
     confirmHost_ = true;
   }
@@ -93,18 +93,18 @@ UpdateCheck::Step UpdateCheck::PatchStage(int& line) {
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool timedOut = std::exchange(with_.state.RetryPending, false);
   if (std::exchange(confirmHost_, false) || timedOut) with_.selection.ComenzarActualizacion();
-  if (with_.lifetime.Ending()) return Step::Ended;
+  if (with_.services.lifetime.Ending()) return Step::Ended;
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return Step::NextTick;
   line = 40;
   with_.inet.SetRequestTimeout(kListTimeoutSeconds);
   working_ = with_.hosts.WebBaseURL + "OldAct/" + "Update.ini";
   const std::string text = with_.inet.OpenURL(working_);
-  if (with_.lifetime.Ending()) return Step::Ended;
+  if (with_.services.lifetime.Ending()) return Step::Ended;
   if (text.empty()) return Step::Stop;
   line = 50;
-  const UpdateList list(with_.host.profiles, with_.folders.AppPath + platform::NativePath("\\Update.ini"),
-                        text);
+  const UpdateList list(with_.services.host.profiles,
+                        with_.services.folders.AppPath + platform::NativePath("\\Update.ini"), text);
   Show("Buscando actualizaciones...");
   line = 60;
   PatchCounts remote{}, local{};
@@ -134,7 +134,7 @@ UpdateCheck::Step UpdateCheck::ApplyPatches(const PatchCounts& remote, const Pat
       if (const Step step = ApplyPatch(i, number); step != Step::GoOn) return step;
     }
   }
-  return with_.lifetime.Ending() ? Step::Ended : Step::GoOn;
+  return with_.services.lifetime.Ending() ? Step::Ended : Step::GoOn;
 }
 
 UpdateCheck::Step UpdateCheck::ApplyPatch(std::size_t category, int number) {
@@ -161,17 +161,17 @@ void UpdateCheck::Complete(int& line) {
   with_.installation.DescomprimirArchivos();
   line = 150;
   RemoveLooseBitmaps();
-  if (with_.lifetime.Ending()) return;
+  if (with_.services.lifetime.Ending()) return;
   line = 160;
-  with_.launch.EjecutarKelvar(with_.deployment.parameter);
+  with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
 }
 
 // Old clients left their graphics as numbered bitmaps; the first one tells whether there are any.
 void UpdateCheck::RemoveLooseBitmaps() {
-  if (!platform::IsFile(with_.folders.GraphicsDir + "1.bmp")) return;
-  for (int i = 0; i <= kLastBitmap && !with_.lifetime.Ending(); ++i) {
-    platform::TryRemoveFile(with_.folders.GraphicsDir + std::to_string(i) + ".bmp");
-    if (i % kBitmapsPerRound == 0) with_.host.events.DoEvents();
+  if (!platform::IsFile(with_.services.folders.GraphicsDir + "1.bmp")) return;
+  for (int i = 0; i <= kLastBitmap && !with_.services.lifetime.Ending(); ++i) {
+    platform::TryRemoveFile(with_.services.folders.GraphicsDir + std::to_string(i) + ".bmp");
+    if (i % kBitmapsPerRound == 0) with_.services.host.events.DoEvents();
   }
 }
 

@@ -4,13 +4,8 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/folders.hpp"
 #include "startup/instance_lock.hpp"
-#include "startup/lifetime.hpp"
-#include "startup/run_flags.hpp"
+#include "startup/services.hpp"
 #include "update/counter_store.hpp"
 #include "update/download.hpp"
 #include "update/game_launch.hpp"
@@ -26,12 +21,7 @@ namespace update {
 class UpdateCheck {
  public:
   struct Collaborators {
-    platform::Host& host;
-    const startup::Folders& folders;
-    const startup::Deployment& deployment;
-    const startup::RunFlags& flags;
-    startup::ErrorRecorder& recorder;
-    startup::Lifetime& lifetime;
+    const startup::Services& services;
     startup::InstanceLock& instance;
     controls::MainWindow& frmMain;
     web::DownloadState& state;

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "base/runtime_error.hpp"
 #include "util/clsHashing.hpp"
-#include "util/runtime_error.hpp"
 
 namespace update {
 namespace {
@@ -62,7 +62,7 @@ FileProof Verification::Prove(const Target& target, std::stop_token stop) const 
     FileProof proof{util::clsHashing().MD5File(target.path, stop), false, before};
     if (platform::StampOf(target.path) != before) proof.stamp.reset();
     return proof;
-  } catch (const util::RuntimeError&) {
+  } catch (const base::RuntimeError&) {
     return {};
   }
 }

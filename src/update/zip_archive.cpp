@@ -4,10 +4,10 @@
 #include <cstring>
 #include <span>
 
+#include "base/relative_name.hpp"
+#include "base/runtime_error.hpp"
 #include "platform/encoding.hpp"
 #include "update/inflater.hpp"
-#include "util/relative_name.hpp"
-#include "util/runtime_error.hpp"
 
 namespace update {
 namespace {
@@ -23,7 +23,7 @@ constexpr std::uint16_t kUnicodePathField = 0x7075;
 constexpr std::size_t kPiece = 128 * 1024;
 
 [[noreturn]] void Refuse(const std::string& why) {
-  throw util::RuntimeError(util::ErrorNumber::InvalidFileFormat, why);
+  throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat, why);
 }
 
 std::uint16_t Word(const std::byte* at) {
@@ -83,7 +83,7 @@ bool IsLink(const std::byte* central) {
 
 void JudgeName(const std::string& name) {
   if (name.starts_with('/') || name.starts_with('\\')) Refuse("Entry \"" + name + "\": the name is absolute");
-  if (const std::string why = util::WhyUnsafe(name); !why.empty()) Refuse("Entry \"" + name + "\": " + why);
+  if (const std::string why = base::WhyUnsafe(name); !why.empty()) Refuse("Entry \"" + name + "\": " + why);
 }
 
 // An unpacker may prefer the name of this extra field, so that one is judged too.
@@ -125,7 +125,7 @@ void ZipArchive::ReadDirectory() {
     const std::string name = (Word(record + 8) & kUtf8Flag) ? raw : platform::FromAnsi(raw);
     JudgeName(name);
     JudgeExtraFields(std::span(record + kCentralSize + nameLength, extraLength));
-    Entry entry{util::WithSlashes(name), raw.ends_with('/') || raw.ends_with('\\'),
+    Entry entry{base::WithSlashes(name), raw.ends_with('/') || raw.ends_with('\\'),
                 DoubleWord(record + 24), DoubleWord(record + 20),
                 DoubleWord(record + 16), Word(record + 10),
                 DoubleWord(record + 42)};

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <exception>
 
-#include "util/numeric.hpp"
-#include "util/runtime_error.hpp"
+#include "base/numeric.hpp"
+#include "base/runtime_error.hpp"
 
 namespace util {
 namespace {

@@ -7,7 +7,7 @@
 #include <stop_token>
 #include <thread>
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 #include "web/text_fetch.hpp"
 
 namespace web {
@@ -105,21 +105,20 @@ struct Inet1::Transfer : platform::HttpSink {
   }
 };
 
-Inet1::Inet1(platform::Host& host, startup::Lifetime& lifetime) : host_(host), lifetime_(lifetime) {}
+Inet1::Inet1(const startup::Services& services) : services_(services) {}
 
 Inet1::~Inet1() { Cancel(); }
 
 std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
   if (StillExecuting()) return {};
-  const auto transfer = std::make_shared<Transfer>(lifetime_.Token());
-  transfer->events = &host_.events;
+  const auto transfer = std::make_shared<Transfer>(services_.lifetime.Token());
+  transfer->events = &services_.host.events;
   transfer_ = transfer;
   platform::HttpRequest request{.url = url};
   request.wholeLimitMs =
       requestTimeoutSeconds_ > 0 ? static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000 : kTextLimitMs;
   if (options.wholeLimitMs != 0) request.wholeLimitMs = options.wholeLimitMs;
-  TextAnswer answer =
-      FetchText(host_, lifetime_, std::move(request), options.cache, transfer->stop.get_token());
+  TextAnswer answer = FetchText(services_, std::move(request), options.cache, transfer->stop.get_token());
   transfer->Finish(answer.outcome);
   if (transfer_ == transfer) head_ = std::move(answer.head);
   return std::move(answer.text);
@@ -128,16 +127,17 @@ std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
 void Inet1::Execute(const std::string& url) {
   if (StillExecuting()) return;
   head_ = {};
-  transfer_ = std::make_shared<Transfer>(lifetime_.Token());
+  transfer_ = std::make_shared<Transfer>(services_.lifetime.Token());
   Transfer& transfer = *transfer_;
-  transfer.events = &host_.events;
+  transfer.events = &services_.host.events;
   platform::HttpRequest request{.url = url};
   if (requestTimeoutSeconds_ > 0) {
     request.stallLimitMs = static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000;
     request.connectLimitMs = std::min(request.connectLimitMs, request.stallLimitMs);
   }
-  transfer.worker = std::jthread([&transfer, &http = host_.http, request] { transfer.Run(http, request); });
-  announcing_ = host_.events.Timers().Start(kAnnounceMs, [this] { Announce(); });
+  transfer.worker =
+      std::jthread([&transfer, &http = services_.host.http, request] { transfer.Run(http, request); });
+  announcing_ = services_.host.events.Timers().Start(kAnnounceMs, [this] { Announce(); });
 }
 
 void Inet1::Announce() {
@@ -151,7 +151,7 @@ void Inet1::Announce() {
 }
 
 void Inet1::StopAnnouncing() {
-  host_.events.Timers().Stop(announcing_);
+  services_.host.events.Timers().Stop(announcing_);
   announcing_ = 0;
 }
 
@@ -162,7 +162,7 @@ std::vector<std::byte> Inet1::GetChunk(std::size_t size) {
     bool atEnd = false;
     std::vector<std::byte> chunk = transfer->Take(size, atEnd);
     if (!chunk.empty() || atEnd) return chunk;
-    host_.events.WaitEvents(kRoundMs);
+    services_.host.events.WaitEvents(kRoundMs);
   }
 }
 
@@ -172,7 +172,7 @@ bool Inet1::BodyFailed() const {
   return transfer_->ended && !transfer_->outcome.Complete();
 }
 
-std::string Inet1::GetHeader(const std::string& name) const { return head_.Header(util::Lower(name)); }
+std::string Inet1::GetHeader(const std::string& name) const { return head_.Header(base::Lower(name)); }
 
 void Inet1::Cancel() {
   StopAnnouncing();

@@ -6,8 +6,7 @@
 #include <vector>
 
 #include "controls/control.hpp"
-#include "platform/host.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "web/text_options.hpp"
 
 namespace web {
@@ -18,7 +17,7 @@ inline constexpr int kStateResponseCompleted = 12;
 // The main window's internet transfer control: one request at a time.
 class Inet1 {
  public:
-  Inet1(platform::Host& host, startup::Lifetime& lifetime);
+  explicit Inet1(const startup::Services& services);
   ~Inet1();
 
   // Fetches a URL and returns the body as text (UTF-8; at most 16 MiB) whatever the status; empty on failure
@@ -51,8 +50,7 @@ class Inet1 {
   void Announce();
   void StopAnnouncing();
 
-  platform::Host& host_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   int requestTimeoutSeconds_ = 0;
   platform::HttpHead head_;  // of the last answer
   platform::TimerQueue::Id announcing_ = 0;

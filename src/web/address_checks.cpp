@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <array>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 #include "web/smodXmlHttp.hpp"
 
 namespace web {
@@ -24,7 +24,7 @@ constexpr std::string_view kNoAddress = "Null No AU";
 }  // namespace
 
 bool IsTextToken(std::string_view text) {
-  const std::string codes = platform::ToAnsi(util::Lower(text));
+  const std::string codes = platform::ToAnsi(base::Lower(text));
   return std::all_of(codes.begin(), codes.end(), [](char c) {
     const auto code = static_cast<unsigned char>(c);
     return (code >= '0' && code <= 'z') || code == 255 || code == ' ';
@@ -32,21 +32,21 @@ bool IsTextToken(std::string_view text) {
 }
 
 bool IsInRange(std::string_view text, int kind) {
-  if (kind < 0 || static_cast<std::size_t>(kind) >= kRanges.size() || !util::IsNumeric(text)) return false;
+  if (kind < 0 || static_cast<std::size_t>(kind) >= kRanges.size() || !base::IsNumeric(text)) return false;
   const Range& range = kRanges[static_cast<std::size_t>(kind)];
-  const double value = util::Val(text);
+  const double value = base::Val(text);
   return value >= range.low && value <= range.high;
 }
 
 bool IsDottedAddress(std::string_view text) {
-  const auto parts = util::Split(text, '.');
+  const auto parts = base::Split(text, '.');
   return parts.size() == 4 && std::all_of(parts.begin(), parts.end(),
                                           [](std::string_view part) { return IsInRange(part, kByteKind); });
 }
 
 bool IsColonList(std::string_view text) {
   if (text.empty() || text == " " || text == kNoAddress) return false;
-  const auto parts = util::Split(text, ':');
+  const auto parts = base::Split(text, ':');
   return parts.size() <= kMostColonParts &&
          std::all_of(parts.begin(), parts.end(),
                      [](std::string_view part) { return IsInRange(part, kInt16Kind) || IsTextToken(part); });

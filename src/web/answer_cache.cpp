@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 namespace web {
 namespace {
@@ -29,9 +29,9 @@ std::uint64_t Seconds(std::string_view digits) {
 Directives DirectivesOf(const platform::HttpHead& head) {
   Directives directives;
   bool mustAsk = false;
-  const std::string control = util::Lower(head.Header("cache-control"));
-  for (const std::string_view piece : util::Split(control, ',')) {
-    const std::string_view directive = util::Trim(piece);
+  const std::string control = base::Lower(head.Header("cache-control"));
+  for (const std::string_view piece : base::Split(control, ',')) {
+    const std::string_view directive = base::Trim(piece);
     if (directive == "no-store") directives.store = false;
     if (directive == "no-cache") mustAsk = true;
     if (directive.starts_with("max-age=")) directives.seconds = Seconds(directive.substr(8));

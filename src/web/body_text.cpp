@@ -4,8 +4,8 @@
 #include <array>
 #include <cstddef>
 
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
-#include "util/text.hpp"
 
 namespace web {
 namespace {
@@ -55,11 +55,11 @@ bool IsUtf8(std::string_view text) {
 // Both names mean Windows-1252 on the web; it is the code page of the systems this program is for.
 bool SaysAnsi(std::string_view contentType) {
   constexpr std::string_view kKey = "charset=";
-  const std::string lower = util::Lower(contentType);
+  const std::string lower = base::Lower(contentType);
   const std::size_t start = lower.find(kKey);
   if (start == std::string::npos) return false;
   const std::string_view rest = std::string_view(lower).substr(start + kKey.size());
-  const std::string name = util::Replaced(util::Trim(util::Field(rest, 1, ';')), "\"", "");
+  const std::string name = base::Replaced(base::Trim(base::Field(rest, 1, ';')), "\"", "");
   return name == "iso-8859-1" || name == "windows-1252";
 }
 

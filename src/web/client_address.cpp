@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "util/numeric.hpp"
-#include "util/text.hpp"
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "web/attempts.hpp"
 #include "web/host_selection.hpp"
 
@@ -10,22 +10,22 @@ namespace {
 
 // Three numbers with "/" between them.
 bool IsDate(std::string_view text) {
-  const auto parts = util::Split(text, '/');
-  return parts.size() == 3 && std::all_of(parts.begin(), parts.end(), util::IsNumeric);
+  const auto parts = base::Split(text, '/');
+  return parts.size() == 3 && std::all_of(parts.begin(), parts.end(), base::IsNumeric);
 }
 
 }  // namespace
 
 std::string HostSelection::AddressQueryUrl() const {
   constexpr const char* kScript = "/web/include/ipdate.php";
-  if (deployment_.IsSecondHost(hosts_.WebBaseURL)) return deployment_.api + kScript;
+  if (services_.deployment.IsSecondHost(hosts_.WebBaseURL)) return services_.deployment.api + kScript;
   return hosts_.WebBaseURL + "../.." + kScript;
 }
 
 // Takes date and address out of an answer; false when its address is of no kind at all.
 bool HostSelection::TakeAddress(const std::string& body) {
-  const std::string date(util::Field(body, 1, '-'));
-  const std::string address(util::Field(body, 2, '-'));
+  const std::string date(base::Field(body, 1, '-'));
+  const std::string address(base::Field(body, 2, '-'));
   const bool dotted = web::IsDottedAddress(address);
   if (!dotted && !web::IsColonList(address)) return false;
   const bool dated = IsDate(date);
@@ -39,14 +39,14 @@ bool HostSelection::TakeAddress(const std::string& body) {
 // is there when they are used up.
 std::string HostSelection::ClientAddressQuery() {
   if (ServerDate.empty() || PublicAddress.empty()) {
-    web::Attempts attempts(lifetime_, ServerDate.empty() ? 0 : 1);
+    web::Attempts attempts(services_.lifetime, ServerDate.empty() ? 0 : 1);
     const std::string url = AddressQueryUrl();
     std::string body;
     bool first = true;
     while (attempts.Next()) {
       body = first ? transfers_.GetHttpText(url) : inet_.OpenURL(url);
       first = false;
-      if (web::IsDottedAddress(util::Field(body, 2, '-'))) break;
+      if (web::IsDottedAddress(base::Field(body, 2, '-'))) break;
     }
     if (!TakeAddress(body)) return {};
   }

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 
 namespace modGeneral {
 namespace {
@@ -18,9 +18,9 @@ constexpr const char* kProbeFile = "Online.txt";
 
 // A page with status 200 in place of the digit gives itself away by these words.
 bool IsGoodAnswer(const std::string& body) {
-  if (util::NumberText(util::Val(body)) != "1") return false;
-  const std::string upper = util::Upper(body);
-  return !util::Contains(upper, "DOCTYPE") && !util::Contains(upper, "ERROR");
+  if (base::NumberText(base::Val(body)) != "1") return false;
+  const std::string upper = base::Upper(body);
+  return !base::Contains(upper, "DOCTYPE") && !base::Contains(upper, "ERROR");
 }
 
 auto WordsOf(const char* procedure) {
@@ -31,15 +31,10 @@ auto WordsOf(const char* procedure) {
 
 }  // namespace
 
-HostSelection::HostSelection(platform::Host& host, const startup::Deployment& deployment,
-                             startup::ErrorRecorder& recorder, startup::Lifetime& lifetime,
-                             controls::MainWindow& frmMain, web::Inet1& inet, web::smodXmlHttp& transfers,
-                             web::Hosts& hosts,
+HostSelection::HostSelection(const startup::Services& services, controls::MainWindow& frmMain,
+                             web::Inet1& inet, web::smodXmlHttp& transfers, web::Hosts& hosts,
                              const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs)
-    : host_(host),
-      deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+    : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       transfers_(transfers),
@@ -47,21 +42,21 @@ HostSelection::HostSelection(platform::Host& host, const startup::Deployment& de
       probeLimitsMs_(probeLimitsMs) {}
 
 void HostSelection::RestoreHosts() {
-  hosts_.CurrentUpdateURL = host_.settings.Get(keys::kApplication, keys::kLastUrl, keys::kUrl);
-  hosts_.WebBaseURL = host_.settings.Get(keys::kApplication, keys::kUrlWeb, keys::kUrl);
+  hosts_.CurrentUpdateURL = services_.host.settings.Get(keys::kApplication, keys::kLastUrl, keys::kUrl);
+  hosts_.WebBaseURL = services_.host.settings.Get(keys::kApplication, keys::kUrlWeb, keys::kUrl);
 }
 
 // An operator may list one address twice; the walk goes on from the place it has reached, not from the first
 // entry that reads the same, or it would never get beyond.
 std::string HostSelection::NextMirror() {
-  const auto& ring = deployment_.mirrors;
+  const auto& ring = services_.deployment.mirrors;
   if (ring[place_] != hosts_.CurrentUpdateURL) {
     const auto found = std::find(ring.begin(), ring.end(), hosts_.CurrentUpdateURL);
     place_ = found == ring.end() ? ring.size() - 1 : static_cast<std::size_t>(found - ring.begin());
   }
   for (std::size_t step = 1; step <= ring.size(); ++step) {
     const std::size_t next = (place_ + step) % ring.size();
-    if (!deployment_.usable[next]) continue;
+    if (!services_.deployment.usable[next]) continue;
     place_ = next;
     return ring[next];
   }
@@ -78,38 +73,38 @@ void HostSelection::SwitchURL() {
     } else {
       frmMain_.lblEstado.Caption = "Web inalcanzable, buscando web alternativa...";
     }
-    for (std::uint32_t i = 0; i < kPauseSlices && !lifetime_.Ending(); ++i) {
-      host_.clock.Sleep(kPauseMs / kPauseSlices);
-      host_.events.DoEvents();
+    for (std::uint32_t i = 0; i < kPauseSlices && !services_.lifetime.Ending(); ++i) {
+      services_.host.clock.Sleep(kPauseMs / kPauseSlices);
+      services_.host.events.DoEvents();
     }
   };
-  startup::Guarded(recorder_, body, WordsOf("SwitchURL"));
+  startup::Guarded(services_.recorder, body, WordsOf("SwitchURL"));
 }
 
 bool HostSelection::Passable(const std::string& baseURL) const {
-  const auto& ring = deployment_.mirrors;
+  const auto& ring = services_.deployment.mirrors;
   const auto found = std::find(ring.begin(), ring.end(), baseURL);
-  return found == ring.end() || deployment_.usable[static_cast<std::size_t>(found - ring.begin())];
+  return found == ring.end() || services_.deployment.usable[static_cast<std::size_t>(found - ring.begin())];
 }
 
 void HostSelection::ComenzarActualizacion() {
   const auto body = [this](int&) {
-    while (!lifetime_.Ending() &&
+    while (!services_.lifetime.Ending() &&
            !(Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile))) {
       SwitchURL();
     }
-    if (lifetime_.Ending()) return;
+    if (services_.lifetime.Ending()) return;
     hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
     Persist(keys::kLastUrl, hosts_.CurrentUpdateURL);
     Persist(keys::kUrlWeb, hosts_.WebBaseURL);
   };
-  startup::Guarded(recorder_, body, WordsOf("ComenzarActualizacion"));
+  startup::Guarded(services_.recorder, body, WordsOf("ComenzarActualizacion"));
 }
 
 // The news timer comes by every two seconds; the disk is spared what it holds already.
 void HostSelection::Persist(const char* section, const std::string& url) {
-  if (host_.settings.Get(keys::kApplication, section, keys::kUrl) == url) return;
-  host_.settings.Set(keys::kApplication, section, keys::kUrl, url);
+  if (services_.host.settings.Get(keys::kApplication, section, keys::kUrl) == url) return;
+  services_.host.settings.Set(keys::kApplication, section, keys::kUrl, url);
 }
 
 // The news timer confirms the mirror every two seconds; a mirror that marks its answer as fresh is spared
@@ -117,7 +112,7 @@ void HostSelection::Persist(const char* section, const std::string& url) {
 bool HostSelection::CheckOnline(const std::string& baseURL, const std::string& fileName) {
   const std::string url = baseURL + fileName;
   LastCheckOK = false;
-  for (std::size_t attempt = 0; attempt < probeLimitsMs_.size() && !lifetime_.Ending(); ++attempt) {
+  for (std::size_t attempt = 0; attempt < probeLimitsMs_.size() && !services_.lifetime.Ending(); ++attempt) {
     web::TextOptions options{.wholeLimitMs = probeLimitsMs_[attempt]};
     std::string body;
     if (attempt == 0) {

@@ -5,10 +5,7 @@
 #include <string>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "web/Inet1.hpp"
 #include "web/answer_cache.hpp"
 #include "web/download_state.hpp"
@@ -27,8 +24,7 @@ inline constexpr std::array<std::uint32_t, kProbeAttempts> kProbeLimitsMs = {10'
 // Finds a mirror that answers and remembers it.
 class HostSelection {
  public:
-  HostSelection(platform::Host& host, const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-                startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
+  HostSelection(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
                 web::smodXmlHttp& transfers, web::Hosts& hosts,
                 const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs = kProbeLimitsMs);
 
@@ -55,10 +51,7 @@ class HostSelection {
   std::string AddressQueryUrl() const;
   bool TakeAddress(const std::string& body);
 
-  platform::Host& host_;
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   web::Inet1& inet_;
   web::smodXmlHttp& transfers_;

@@ -1,8 +1,8 @@
 #include "web/news_query.hpp"
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 #include "web/attempts.hpp"
 
 namespace web {
@@ -14,13 +14,10 @@ constexpr const char* kScript = "web/include/noticiasbase.php";
 
 }  // namespace
 
-NewsQuery::NewsQuery(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-                     startup::Lifetime& lifetime, controls::MainWindow& frmMain, Inet1& inet,
+NewsQuery::NewsQuery(const startup::Services& services, controls::MainWindow& frmMain, Inet1& inet,
                      smodXmlHttp& transfers, const Hosts& hosts, modGeneral::HostSelection& selection,
                      modGeneral::ServerList& servers)
-    : deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+    : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       transfers_(transfers),
@@ -32,7 +29,7 @@ NewsQuery::NewsQuery(const startup::Deployment& deployment, startup::ErrorRecord
 // update from then on, so the rest is left out.
 void NewsQuery::Timer_Timer() {
   const bool wasOn = frmMain_.NewsTimer.On();
-  const auto goOn = [&] { return !lifetime_.Ending() && frmMain_.NewsTimer.On() == wasOn; };
+  const auto goOn = [&] { return !services_.lifetime.Ending() && frmMain_.NewsTimer.On() == wasOn; };
   const auto body = [&](int& line) {
     line = 10;
     const std::string answer = Ask(goOn);
@@ -50,18 +47,18 @@ void NewsQuery::Timer_Timer() {
     line = 70;
     if (goOn()) frmMain_.lblEstado.Caption = "";
   };
-  startup::Guarded(recorder_, body, [](const startup::Failure& failure) {
+  startup::Guarded(services_.recorder, body, [](const startup::Failure& failure) {
     return failure.Opening() + " en el procedimiento Timer_Timer del modulo Formulario frmMain en la línea " +
            failure.Line();
   });
 }
 
 std::string NewsQuery::Ask(const std::function<bool()>& goOn) {
-  const bool secondHost = deployment_.IsSecondHost(hosts_.WebBaseURL);
+  const bool secondHost = services_.deployment.IsSecondHost(hosts_.WebBaseURL);
   const std::string base = hosts_.WebBaseURL + (secondHost ? "/" : "../../") + kScript;
-  const std::string api = deployment_.api + "/" + kScript;
+  const std::string api = services_.deployment.api + "/" + kScript;
   const TextOptions options{.cache = &cache_};
-  Attempts attempts(lifetime_);
+  Attempts attempts(services_.lifetime);
   std::string answer;
   for (bool first = true; answer.empty() && goOn() && attempts.Next(); first = false) {
     const bool viaInet = first == secondHost;
@@ -72,10 +69,10 @@ std::string NewsQuery::Ask(const std::function<bool()>& goOn) {
 }
 
 void NewsQuery::TakeNews(const std::string& answer) {
-  const std::string_view news = util::Field(answer, 1, '@');
-  if (news.size() == answer.size() || !util::Contains(news, "|")) return;
-  const std::int32_t number = util::ToInt32(util::Val(util::Field(news, 1, '|')));
-  const std::string title(util::Field(news, 3, '|'));
+  const std::string_view news = base::Field(answer, 1, '@');
+  if (news.size() == answer.size() || !base::Contains(news, "|")) return;
+  const std::int32_t number = base::ToInt32(base::Val(base::Field(news, 1, '|')));
+  const std::string title(base::Field(news, 3, '|'));
   if (title != lastTitle_) {
     lastTitle_ = title;
     shown_ = false;
@@ -84,7 +81,7 @@ void NewsQuery::TakeNews(const std::string& answer) {
   if (shown_ && ticks_ < kTicksUntilShownAgain) return;
   ticks_ = 0;
   shown_ = true;
-  if (showMessage) showMessage(util::Replaced(util::Field(news, 4, '|'), "-", "/"), title, number, kShownMs);
+  if (showMessage) showMessage(base::Replaced(base::Field(news, 4, '|'), "-", "/"), title, number, kShownMs);
 }
 
 }  // namespace web

@@ -14,9 +14,9 @@ class NewsQuery {
   // ShowMessage of the news pop-up: text, title, number, milliseconds.
   using ShowMessage = std::function<void(const std::string&, const std::string&, std::int32_t, std::int32_t)>;
 
-  NewsQuery(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-            startup::Lifetime& lifetime, controls::MainWindow& frmMain, Inet1& inet, smodXmlHttp& transfers,
-            const Hosts& hosts, modGeneral::HostSelection& selection, modGeneral::ServerList& servers);
+  NewsQuery(const startup::Services& services, controls::MainWindow& frmMain, Inet1& inet,
+            smodXmlHttp& transfers, const Hosts& hosts, modGeneral::HostSelection& selection,
+            modGeneral::ServerList& servers);
 
   void Timer_Timer();
 
@@ -26,9 +26,7 @@ class NewsQuery {
   std::string Ask(const std::function<bool()>& goOn);
   void TakeNews(const std::string& answer);
 
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Inet1& inet_;
   smodXmlHttp& transfers_;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "startup/procedure.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 #include "web/attempts.hpp"
 
 namespace modGeneral {
@@ -18,19 +18,19 @@ constexpr const char* kOnline = "ONLINE";
 constexpr controls::Colour kRed = 255;
 constexpr controls::Colour kGreen = 65280;
 
-bool IsOnline(const Server& server) { return util::Upper(server.state) == kOnline; }
+bool IsOnline(const Server& server) { return base::Upper(server.state) == kOnline; }
 
 Server ServerOf(std::string_view record) {
-  const auto text = [record](int n) { return std::string(util::Field(record, n, '@')); };
-  const auto number = [record](int n) { return util::Val(util::Field(record, n, '@')); };
-  return {.field1 = util::ToByte(number(1)),
+  const auto text = [record](int n) { return std::string(base::Field(record, n, '@')); };
+  const auto number = [record](int n) { return base::Val(base::Field(record, n, '@')); };
+  return {.field1 = base::ToByte(number(1)),
           .name = text(2),
           .state = text(3),
           .field4 = text(4),
-          .field5 = util::ToInt32(number(5)),
-          .players = util::ToInt16(number(6)),
+          .field5 = base::ToInt32(number(5)),
+          .players = base::ToInt16(number(6)),
           .remark = text(7),
-          .field8 = util::ToInt32(number(8))};
+          .field8 = base::ToInt32(number(8))};
 }
 
 std::string RecordOf(const Server& server) {
@@ -45,7 +45,7 @@ std::string CaptionOf(const Server& server) {
   if (IsOnline(server)) {
     caption += kOnline + (" - " + std::to_string(server.players)) + " Users.";
   } else {
-    caption += util::Upper(server.state);
+    caption += base::Upper(server.state);
   }
   return server.remark.empty() ? caption : caption + " - " + server.remark;
 }
@@ -58,12 +58,9 @@ auto WordsOf(const char* procedure) {
 
 }  // namespace
 
-ServerList::ServerList(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-                       startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
+ServerList::ServerList(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
                        web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection)
-    : deployment_(deployment),
-      recorder_(recorder),
-      lifetime_(lifetime),
+    : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       transfers_(transfers),
@@ -93,17 +90,17 @@ std::string ServerList::GetServersList() {
       selection_.ComenzarActualizacion();
     }
   };
-  startup::Guarded(recorder_, body, WordsOf("GetServersList"));
+  startup::Guarded(services_.recorder, body, WordsOf("GetServersList"));
   return answer;
 }
 
 // The two ways of fetching take turns.
 std::string ServerList::Ask() {
-  const bool secondHost = deployment_.IsSecondHost(hosts_.WebBaseURL);
+  const bool secondHost = services_.deployment.IsSecondHost(hosts_.WebBaseURL);
   const std::string url =
       hosts_.WebBaseURL + "../../web/include/info.php" + (secondHost ? "" : "?op=complete");
   const web::TextOptions options{.cache = &cache_};
-  web::Attempts attempts(lifetime_);
+  web::Attempts attempts(services_.lifetime);
   std::string answer;
   for (bool viaInet = secondHost; answer.empty() && attempts.Next(); viaInet = !viaInet) {
     answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
@@ -117,7 +114,7 @@ void ServerList::SetCaptions(const char* caption) {
 
 void ServerList::Parse(const std::string& answer) {
   listParsed_ = false;
-  if (!util::Contains(answer, "|")) {
+  if (!base::Contains(answer, "|")) {
     selection_.ComenzarActualizacion();
     return;
   }
@@ -142,7 +139,7 @@ void ServerList::OrderLblServerList() {
       label.Caption = CaptionOf(servers_[i]);
     }
   };
-  startup::Guarded(recorder_, body, WordsOf("OrderLblServerList"));
+  startup::Guarded(services_.recorder, body, WordsOf("OrderLblServerList"));
 }
 
 }  // namespace modGeneral

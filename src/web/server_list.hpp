@@ -23,8 +23,7 @@ struct Server {
 // The servers and their three labels in the main window.
 class ServerList {
  public:
-  ServerList(const startup::Deployment& deployment, startup::ErrorRecorder& recorder,
-             startup::Lifetime& lifetime, controls::MainWindow& frmMain, web::Inet1& inet,
+  ServerList(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
              web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection);
 
   // Asks, parses, shows; adds the servers that are up to Text. The raw answer, empty when nothing arrived.
@@ -41,9 +40,7 @@ class ServerList {
   std::string Ask();
   void SetCaptions(const char* caption);
 
-  const startup::Deployment& deployment_;
-  startup::ErrorRecorder& recorder_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   web::Inet1& inet_;
   web::smodXmlHttp& transfers_;

@@ -6,11 +6,11 @@
 #include <optional>
 #include <stop_token>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
+#include "startup/blocking.hpp"
 #include "web/answer_cache.hpp"
-#include "web/blocking.hpp"
 #include "web/text_fetch.hpp"
 
 namespace web {
@@ -89,7 +89,7 @@ class Progress {
     const std::uint64_t total = received_.total;
     Sample(bytes);
     const std::string amount = KbText(bytes) + (total == 0 ? "" : " de " + KbText(total));
-    frmMain_.lblVelocity.Caption = amount + " a " + util::NumberText(speed_) + "kb/s";
+    frmMain_.lblVelocity.Caption = amount + " a " + base::NumberText(speed_) + "kb/s";
     if (total != 0) Raise(bytes, total);
   }
 
@@ -102,14 +102,14 @@ class Progress {
  private:
   static constexpr std::uint64_t kSampleMs = 500;
 
-  static std::string KbText(std::uint64_t bytes) { return std::to_string(util::Kilobytes(bytes)) + "kb"; }
+  static std::string KbText(std::uint64_t bytes) { return std::to_string(base::Kilobytes(bytes)) + "kb"; }
 
   void Sample(std::uint64_t bytes) {
     const std::uint64_t elapsed = clock_.Milliseconds() - sampleTime_;
     if (elapsed == 0 || (sampled_ && elapsed <= kSampleMs)) return;
     const double kilobytesPerSecond =
         static_cast<double>(bytes - sampleBytes_) / 1024 * 1000 / static_cast<double>(elapsed);
-    speed_ = util::RoundHalfEven(kilobytesPerSecond * 100) / 100;
+    speed_ = base::RoundHalfEven(kilobytesPerSecond * 100) / 100;
     if (elapsed <= kSampleMs) return;  // the first moments are measured from the start
     sampled_ = true;
     sampleTime_ += elapsed;
@@ -117,9 +117,9 @@ class Progress {
   }
 
   void Raise(std::uint64_t bytes, std::uint64_t total) {
-    const double most = std::max<double>(1, static_cast<double>(util::Kilobytes(total)));
+    const double most = std::max<double>(1, static_cast<double>(base::Kilobytes(total)));
     frmMain_.ProgressBar1.Max = most;
-    frmMain_.ProgressBar1.Value = std::min(most, static_cast<double>(util::Kilobytes(bytes)));
+    frmMain_.ProgressBar1.Value = std::min(most, static_cast<double>(base::Kilobytes(bytes)));
   }
 
   platform::Clock& clock_;
@@ -143,46 +143,46 @@ std::string smodXmlHttp::GetHttpText(const std::string& url, const TextOptions& 
   platform::HttpRequest request{.url = url,
                                 .headers = {{"Content-Type", "application/x-www-form-urlencoded"}}};
   request.wholeLimitMs = options.wholeLimitMs != 0 ? options.wholeLimitMs : kTextLimitMs;
-  const std::string scratch = folders_.Scratch("Tmp.tmp");
+  const std::string scratch = services_.folders.Scratch("Tmp.tmp");
   const auto keepCopy = [&](const platform::HttpHead& head, const std::string& bytes) {
     if (head.status == 200) Attempt([&] { platform::WriteWhole(scratch, bytes); });
   };
-  TextAnswer answer = FetchText(host_, lifetime_, std::move(request), options.cache, {}, keepCopy);
+  TextAnswer answer = FetchText(services_, std::move(request), options.cache, {}, keepCopy);
   if (Unreachable(answer.outcome)) ShowUnreachable();
   return std::move(answer.text);
 }
 
 void smodXmlHttp::ShowUnreachable() {
   const std::string host =
-      util::Replaced(util::Replaced(hosts_.CurrentUpdateURL, "/update/kvn2011/", ""), "/files", "");
+      base::Replaced(base::Replaced(hosts_.CurrentUpdateURL, "/update/kvn2011/", ""), "/files", "");
   frmMain_.lblName.Caption = "No se pudo acceder a " + host;
 }
 
 void smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
   state_.Finished = false;
   // Nothing is fetched where the save would be refused.
-  if (lifetime_.Ending() || platform::IsFile(localPath)) return;
+  if (services_.lifetime.Ending() || platform::IsFile(localPath)) return;
   Received received;
-  Progress progress(host_.clock, frmMain_, received);
+  Progress progress(services_.host.clock, frmMain_, received);
   std::stop_source cancel;
   bool saved = false;
   const auto work = [&](std::stop_token stop) {
     FileSink sink(localPath, OutputFile::Existing::Refuse, false, received);
-    const platform::HttpOutcome outcome = host_.http.Get({.url = url}, sink, stop);
+    const platform::HttpOutcome outcome = services_.host.http.Get({.url = url}, sink, stop);
     // What is saved here is unpacked and deleted; after a power cut it is fetched again.
     saved = outcome.Complete() && sink.Commit(OutputFile::Lasting::No);
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
     if (saved && outcome.status == 200) {
-      Attempt([&] { platform::ShareFile(localPath, folders_.Scratch("tmp.tmp")); });
+      Attempt([&] { platform::ShareFile(localPath, services_.folders.Scratch("tmp.tmp")); });
     }
   };
   const auto onRound = [&] {
     if (state_.CancelRequested) cancel.request_stop();
     progress.Show();
   };
-  Attempt([&] { RunBlocking(host_.events, lifetime_, work, onRound, cancel.get_token()); });
+  Attempt([&] { startup::RunBlocking(services_, work, onRound, cancel.get_token()); });
   if (saved) progress.ShowEnd();
   state_.Finished = saved;
 }
@@ -193,12 +193,13 @@ bool smodXmlHttp::DownloadFile(const std::string& Url, const std::string& LocalF
   bool saved = false;
   const auto work = [&](std::stop_token stop) {
     FileSink sink(LocalFilename, OutputFile::Existing::Replace, true, received);
-    saved = host_.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit(OutputFile::Lasting::Yes);
+    saved =
+        services_.host.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit(OutputFile::Lasting::Yes);
   };
   const auto onRound = [&] {
     if (state_.CancelRequested) cancel.request_stop();
   };
-  Attempt([&] { RunBlocking(host_.events, lifetime_, work, onRound, cancel.get_token()); });
+  Attempt([&] { startup::RunBlocking(services_, work, onRound, cancel.get_token()); });
   return saved;
 }
 

@@ -4,9 +4,7 @@
 #include <string_view>
 
 #include "controls/main_window.hpp"
-#include "platform/host.hpp"
-#include "startup/folders.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "web/download_state.hpp"
 #include "web/text_options.hpp"
 
@@ -15,14 +13,9 @@ namespace web {
 // The transfer primitives. Each is a blocking call for its caller while events go on being handled.
 class smodXmlHttp {
  public:
-  smodXmlHttp(platform::Host& host, const startup::Folders& folders, startup::Lifetime& lifetime,
-              controls::MainWindow& frmMain, DownloadState& state, const Hosts& hosts)
-      : host_(host),
-        folders_(folders),
-        lifetime_(lifetime),
-        frmMain_(frmMain),
-        state_(state),
-        hosts_(hosts) {}
+  smodXmlHttp(const startup::Services& services, controls::MainWindow& frmMain, DownloadState& state,
+              const Hosts& hosts)
+      : services_(services), frmMain_(frmMain), state_(state), hosts_(hosts) {}
 
   // The body of an answer as text (UTF-8; at most 16 MiB), whatever the status; empty when the transfer
   // fails, and then, if there was no answer at all, lblName says so. The body of a 200 is also left in the
@@ -42,9 +35,7 @@ class smodXmlHttp {
  private:
   void ShowUnreachable();
 
-  platform::Host& host_;
-  const startup::Folders& folders_;
-  startup::Lifetime& lifetime_;
+  const startup::Services& services_;
   controls::MainWindow& frmMain_;
   DownloadState& state_;
   const Hosts& hosts_;

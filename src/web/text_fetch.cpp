@@ -3,7 +3,7 @@
 #include <exception>
 #include <utility>
 
-#include "web/blocking.hpp"
+#include "startup/blocking.hpp"
 #include "web/body_text.hpp"
 
 namespace web {
@@ -24,15 +24,15 @@ class MemorySink : public platform::HttpSink {
 
 }  // namespace
 
-TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, platform::HttpRequest request,
-                     AnswerCache* cache, std::stop_token stop, const OnBody& onBody) {
+TextAnswer FetchText(const startup::Services& services, platform::HttpRequest request, AnswerCache* cache,
+                     std::stop_token stop, const OnBody& onBody) {
   TextAnswer answer;
-  if (lifetime.Ending()) {
+  if (services.lifetime.Ending()) {
     answer.outcome.error = platform::HttpError::Cancelled;
     return answer;
   }
   if (cache) {
-    if (auto kept = cache->Fresh(request.url, host.clock.Milliseconds())) {
+    if (auto kept = cache->Fresh(request.url, services.host.clock.Milliseconds())) {
       answer.outcome = {platform::HttpError::None, 200};
       answer.text = std::move(*kept);
       return answer;
@@ -42,11 +42,11 @@ TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, pl
   }
   MemorySink sink;
   const auto work = [&](std::stop_token token) {
-    answer.outcome = host.http.Get(request, sink, token);
+    answer.outcome = services.host.http.Get(request, sink, token);
     if (answer.outcome.Complete() && onBody) onBody(sink.head, sink.bytes);
   };
   try {
-    RunBlocking(host.events, lifetime, work, {}, std::move(stop));
+    startup::RunBlocking(services, work, {}, std::move(stop));
   } catch (const std::exception&) {  // no memory, no thread: a query that failed like any other
     answer.outcome.error = platform::HttpError::Other;
   }
@@ -54,7 +54,8 @@ TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, pl
   if (!answer.outcome.Complete()) return answer;
   answer.text = BodyText(answer.head.Header("content-type"), std::move(sink.bytes));
   if (cache) {
-    answer.text = cache->Take(request.url, answer.head, std::move(answer.text), host.clock.Milliseconds());
+    answer.text =
+        cache->Take(request.url, answer.head, std::move(answer.text), services.host.clock.Milliseconds());
   }
   return answer;
 }

@@ -4,8 +4,7 @@
 #include <stop_token>
 #include <string>
 
-#include "platform/host.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 #include "web/answer_cache.hpp"
 
 namespace web {
@@ -27,7 +26,7 @@ struct TextAnswer {
 using OnBody = std::function<void(const platform::HttpHead&, const std::string& bytes)>;
 
 // Fetches a text while events go on being handled. `cache` may be null.
-TextAnswer FetchText(platform::Host& host, const startup::Lifetime& lifetime, platform::HttpRequest request,
-                     AnswerCache* cache, std::stop_token stop = {}, const OnBody& onBody = {});
+TextAnswer FetchText(const startup::Services& services, platform::HttpRequest request, AnswerCache* cache,
+                     std::stop_token stop = {}, const OnBody& onBody = {});
 
 }  // namespace web

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <chrono>
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 namespace support {
 namespace {
@@ -51,14 +51,14 @@ std::string HeadOf(const Answer& answer) {
 SeenRequest ParsedRequest(std::string_view head) {
   SeenRequest request;
   bool first = true;
-  for (const std::string_view raw : util::Split(head, '\n')) {
+  for (const std::string_view raw : base::Split(head, '\n')) {
     const std::string_view line = raw.ends_with('\r') ? raw.substr(0, raw.size() - 1) : raw;
     if (first) {
-      request.method = util::Field(line, 1, ' ');
-      request.target = util::Field(line, 2, ' ');
+      request.method = base::Field(line, 1, ' ');
+      request.target = base::Field(line, 2, ' ');
       first = false;
     } else if (const std::size_t colon = line.find(':'); colon != std::string_view::npos) {
-      request.headers.emplace_back(util::Lower(line.substr(0, colon)), util::Trim(line.substr(colon + 1)));
+      request.headers.emplace_back(base::Lower(line.substr(0, colon)), base::Trim(line.substr(colon + 1)));
     }
   }
   return request;

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "base/text.hpp"
 #include "startup/deployment.hpp"
 #include "update/counter_store.hpp"
-#include "util/text.hpp"
 
 namespace support {
 
@@ -27,7 +27,7 @@ void GameMirror::AddPatch(const std::string& category, const std::vector<ZipItem
 }
 
 void GameMirror::AddBinFile(const std::string& name, const std::string& bytes) {
-  const std::string slashed = util::Replaced(name, "\\", "/");
+  const std::string slashed = base::Replaced(name, "\\", "/");
   index_.push_back({Md5Of(bytes), "\\Bin\\" + name});
   expected_["Bin/" + slashed] = bytes;
   server.On(PathOf("NewAct2/Bin/" + slashed + ".kvn"), Text(MakePacked(bytes)));

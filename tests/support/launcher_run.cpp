@@ -4,9 +4,9 @@
 
 #include <chrono>
 
+#include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
-#include "util/relative_name.hpp"
 
 namespace support {
 namespace {
@@ -74,7 +74,7 @@ bool LauncherRun::Shown(const std::string& text) const {
 std::map<std::string, std::string> LauncherRun::GameFiles() const {
   std::map<std::string, std::string> files;
   for (const platform::FoundFile& found : platform::ListTree(folder / game)) {
-    const std::string name = util::WithSlashes(found.path);
+    const std::string name = base::WithSlashes(found.path);
     const bool own = name == "Deployment.ini" || name == "Bin/MD5Update.ini" ||
                      name.starts_with("RECURSOS/INIT/AU") || name == "RECURSOS/INIT/ConfigVideo.cfg" ||
                      name == "RECURSOS/INIT/UPDATE/Tmp.tmp" || name == "RECURSOS/INIT/UPDATE/tmp.tmp";

@@ -5,19 +5,16 @@
 #include <string>
 
 #include "platform/files.hpp"
-#include "startup/deployment.hpp"
-#include "startup/error_recorder.hpp"
 #include "support/faulty_server.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "web/news_query.hpp"
 
 namespace support {
 
 // The web floor of a launcher that is installed in a temporary folder, with seven mirrors that are of no use
 // until a test names some.
-struct WebWorld {
-  WebWorld() {
+struct WebWorld : TestServices {
+  WebWorld() : TestServices("game") {
     platform::MakeFolders(folders.Scratch(""));
     deployment.api = "http://127.0.0.1:1";
   }
@@ -52,21 +49,14 @@ struct WebWorld {
     });
   }
 
-  TestHost host;
-  TempFolder folder;
-  startup::Folders folders{folder / "game"};
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
-  startup::Deployment deployment;
   controls::MainWindow frmMain{host.events->Timers()};
   web::DownloadState state;
   web::Hosts hosts;
-  web::smodXmlHttp transfers{host.host, folders, lifetime, frmMain, state, hosts};
-  web::Inet1 inet{host.host, lifetime};
-  modGeneral::HostSelection selection{host.host, deployment, recorder, lifetime,       frmMain,
-                                      inet,      transfers,  hosts,    {500, 500, 500}};
-  modGeneral::ServerList servers{deployment, recorder, lifetime, frmMain, inet, transfers, hosts, selection};
-  web::NewsQuery news{deployment, recorder, lifetime, frmMain, inet, transfers, hosts, selection, servers};
+  web::smodXmlHttp transfers{services, frmMain, state, hosts};
+  web::Inet1 inet{services};
+  modGeneral::HostSelection selection{services, frmMain, inet, transfers, hosts, {500, 500, 500}};
+  modGeneral::ServerList servers{services, frmMain, inet, transfers, hosts, selection};
+  web::NewsQuery news{services, frmMain, inet, transfers, hosts, selection, servers};
 };
 
 }  // namespace support

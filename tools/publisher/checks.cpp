@@ -3,6 +3,8 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "publisher/failure.hpp"
@@ -14,8 +16,6 @@
 #include "update/index_file.hpp"
 #include "update/packed_file.hpp"
 #include "update/zip_archive.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -46,27 +46,27 @@ std::uint64_t SizeOf(const std::string& path) {
 
 // The tests of launchers, made on the body of an answer.
 bool GoodProbe(const std::string& body) {
-  const std::string upper = util::Upper(body);
-  return util::NumberText(util::Val(body)) == "1" && !util::Contains(upper, "DOCTYPE") &&
-         !util::Contains(upper, "ERROR");
+  const std::string upper = base::Upper(body);
+  return base::NumberText(base::Val(body)) == "1" && !base::Contains(upper, "DOCTYPE") &&
+         !base::Contains(upper, "ERROR");
 }
 
 bool GoodServers(const std::string& body) {
   constexpr std::size_t kFields = 8;
-  const auto records = util::Split(body, '|');
-  return records.size() > 1 && util::Split(records[0], '@').size() >= kFields;
+  const auto records = base::Split(body, '|');
+  return records.size() > 1 && base::Split(records[0], '@').size() >= kFields;
 }
 
 bool GoodNews(const std::string& body) {
   constexpr std::size_t kFields = 4;
-  const auto pieces = util::Split(body, '@');
-  return pieces.size() > 1 && util::Split(pieces[0], '|').size() >= kFields;
+  const auto pieces = base::Split(body, '@');
+  return pieces.size() > 1 && base::Split(pieces[0], '|').size() >= kFields;
 }
 
 bool GoodDateAndAddress(const std::string& body) {
-  const auto fields = util::Split(body, '-');
-  const bool date = fields[0] == "{date}" || util::Split(fields[0], '/').size() == 3;
-  return fields.size() > 1 && date && !util::Trim(fields[1]).empty();
+  const auto fields = base::Split(body, '-');
+  const bool date = fields[0] == "{date}" || base::Split(fields[0], '/').size() == 3;
+  return fields.size() > 1 && date && !base::Trim(fields[1]).empty();
 }
 
 struct AnswerRule {
@@ -81,7 +81,7 @@ std::vector<int> ReadCounts(const Layout& layout) {
   const ScratchFolder scratch;
   const Layout asRead(scratch / "list");
   platform::MakeFolders(asRead.Patches());
-  platform::WriteWhole(asRead.UpdateList(), util::Replaced(text, " ", "\r\n"));
+  platform::WriteWhole(asRead.UpdateList(), base::Replaced(text, " ", "\r\n"));
   std::vector<int> counts;
   for (const char* category : update::kCategories) {
     try {
@@ -197,7 +197,7 @@ void CheckIndex(const Layout& layout, Findings& findings, Console& console) {
   std::set<std::string> seen;
   std::uint64_t total = 0;
   for (const update::IndexRecord& record : index.Records()) {
-    if (!seen.insert(util::Upper(record.path)).second) {
+    if (!seen.insert(base::Upper(record.path)).second) {
       findings.Problem(layout.Index() + ": it names \"" + record.path + "\" twice");
     }
     total += SizeOf(layout.Packed(record.inBin));

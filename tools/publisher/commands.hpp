@@ -9,7 +9,7 @@
 namespace publisher {
 
 // One function per command, each in a file of its name. False: a problem was found and told. Failure or
-// util::RuntimeError: it could not be done, and the publication is as it was.
+// base::RuntimeError: it could not be done, and the publication is as it was.
 bool Init(const CommandLine& line, Console& console);
 bool Patch(const CommandLine& line, Console& console);
 bool Index(const CommandLine& line, Console& console);

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-#include "util/runtime_error.hpp"
+#include "base/runtime_error.hpp"
 
 namespace publisher {
 
@@ -18,7 +18,7 @@ template <class Work>
 auto Naming(const std::string& path, Work work) {
   try {
     return work();
-  } catch (const util::RuntimeError& error) {
+  } catch (const base::RuntimeError& error) {
     throw Failure(path + ": " + error.Description());
   }
 }

@@ -1,5 +1,6 @@
 #include <atomic>
 
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "publisher/commands.hpp"
 #include "publisher/failure.hpp"
@@ -10,7 +11,6 @@
 #include "publisher/parallel.hpp"
 #include "publisher/publication_lock.hpp"
 #include "publisher/source_files.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -21,13 +21,13 @@ constexpr std::string_view kLaunchersOwn = "MD5Update.ini";
 std::vector<SourceFile> ReadBin(const std::string& bin, const Layout& layout, Console& console) {
   std::vector<SourceFile> files = ReadSource(bin, "Bin/", layout.Root(), console.err);
   std::erase_if(files, [&](const SourceFile& file) {
-    if (!util::EqualIgnoringCase(file.name, kLaunchersOwn)) return false;
+    if (!base::EqualIgnoringCase(file.name, kLaunchersOwn)) return false;
     console.err << "warning: " << file.path << ": left out, since launchers keep their own record there\n";
     return true;
   });
   for (const SourceFile& file : files) {
     // Launchers take this text out of the whole path when they unpack.
-    if (util::Contains(file.name, ".kvn")) throw Failure(file.path + ": its name must not hold \".kvn\"");
+    if (base::Contains(file.name, ".kvn")) throw Failure(file.path + ": its name must not hold \".kvn\"");
     if (file.size > kLargestPacked) throw Failure(file.path + ": a file of 2 GiB or more cannot be packed");
     if (file.size == 0) {
       console.err << "warning: " << file.path

@@ -1,8 +1,8 @@
 #include "publisher/index_writer.hpp"
 
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
 #include "publisher/little_endian.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -18,7 +18,7 @@ std::string IndexBytes(const std::vector<IndexEntry>& entries) {
   for (const IndexEntry& entry : entries) {
     std::string digest = entry.digest.empty() ? kNoDigest : entry.digest;
     digest.resize(kDigestSize, ' ');
-    const std::string path = platform::ToAnsi("\\Bin\\" + util::Replaced(entry.name, "/", "\\"));
+    const std::string path = platform::ToAnsi("\\Bin\\" + base::Replaced(entry.name, "/", "\\"));
     bytes += digest;
     AppendLittleEndian(bytes, path.size(), 2);
     bytes += path;

@@ -2,10 +2,10 @@
 
 #include <vector>
 
+#include "base/relative_name.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "publisher/failure.hpp"
-#include "util/relative_name.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -13,7 +13,7 @@ namespace {
 // "." and ".." taken out and doubled separators joined; none when the path climbs above its start.
 std::optional<std::string> Resolved(std::string_view urlPath) {
   std::vector<std::string_view> parts;
-  for (const std::string_view part : util::Split(urlPath, '/')) {
+  for (const std::string_view part : base::Split(urlPath, '/')) {
     if (part.empty() || part == ".") continue;
     if (part != "..") {
       parts.push_back(part);
@@ -54,12 +54,12 @@ std::string Layout::PackedIn(const std::string& gameFiles, std::string_view inBi
 
 std::optional<std::string> Layout::FileFor(std::string_view urlPath) const {
   const std::optional<std::string> path = Resolved(urlPath);
-  if (!path || util::Contains(*path, "\\")) return std::nullopt;
+  if (!path || base::Contains(*path, "\\")) return std::nullopt;
   const auto below = [&](std::string_view prefix, std::string_view folder) -> std::optional<std::string> {
     if (!path->starts_with(prefix)) return std::nullopt;
     const std::string name = std::string(folder) + path->substr(prefix.size());
     // Names with a leading dot are nobody's to ask for.
-    if (!util::WhyUnsafe(name).empty() || util::Contains("/" + name, "/.")) return std::nullopt;
+    if (!base::WhyUnsafe(name).empty() || base::Contains("/" + name, "/.")) return std::nullopt;
     return root_ + "/" + name;
   };
   for (const std::string_view mirror : kMirrorPaths) {

@@ -10,9 +10,9 @@
 #include <mutex>
 #include <thread>
 
+#include "base/text.hpp"
 #include "publisher/failure.hpp"
 #include "publisher/served_file.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -44,7 +44,7 @@ std::string FilledIn(const std::string& text, const std::string& address) {
   localtime_r(&now, &parts);
   std::array<char, 16> date{};
   std::strftime(date.data(), date.size(), "%d/%m/%Y", &parts);
-  return util::Replaced(util::Replaced(text, "{date}", date.data()), "{address}", address);
+  return base::Replaced(base::Replaced(text, "{date}", date.data()), "{address}", address);
 }
 
 }  // namespace
@@ -112,7 +112,7 @@ void MirrorServer::State::AnswerAddress(const httplib::Request& request, httplib
     response.set_content(FilledIn(platform::ReadWhole(path, kLargestTemplate), request.remote_addr),
                          "text/html; charset=utf-8");
     response.set_header("Cache-Control", "no-store");
-  } catch (const util::RuntimeError&) {
+  } catch (const base::RuntimeError&) {
     response.status = 404;
   }
 }
@@ -134,7 +134,7 @@ bool MirrorServer::State::Send(ServedFile& served, std::size_t offset, std::size
       std::chrono::duration_cast<std::chrono::steady_clock::duration>(std::chrono::duration<double>(seconds));
   return count != 0 && WaitUntil(start + due) &&
          sink.write(reinterpret_cast<const char*>(piece.data()), count);
-} catch (const util::RuntimeError&) {
+} catch (const base::RuntimeError&) {
   return false;  // the client sees a body that is cut short
 }
 

@@ -5,8 +5,8 @@
 #include <array>
 #include <ctime>
 
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
 
 namespace publisher {
 namespace {
@@ -52,12 +52,12 @@ std::optional<ServedFile> OpenServed(const std::string& path) try {
                       "\"" + std::to_string(stamp->size) + "-" + std::to_string(stamp->modified) + "\"",
                       HttpDate(described.st_mtime), TypeOf(path)};
   }
-} catch (const util::RuntimeError&) {
+} catch (const base::RuntimeError&) {
   return std::nullopt;
 }
 
 bool Names(const std::string& ifNoneMatch, const std::string& etag) {
-  return util::Trim(ifNoneMatch) == "*" || util::Contains(ifNoneMatch, etag);
+  return base::Trim(ifNoneMatch) == "*" || base::Contains(ifNoneMatch, etag);
 }
 
 }  // namespace publisher

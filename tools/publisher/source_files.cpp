@@ -4,11 +4,11 @@
 #include <filesystem>
 #include <map>
 
+#include "base/relative_name.hpp"
+#include "base/text.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "publisher/failure.hpp"
-#include "util/relative_name.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -64,11 +64,11 @@ bool Holds(const fs::path& folder, const fs::path& inner) {
 }  // namespace
 
 std::string WhyUnpublishable(std::string_view name) {
-  if (util::Contains(name, "\\")) return "its name holds a \"\\\"";
+  if (base::Contains(name, "\\")) return "its name holds a \"\\\"";
   if (platform::FromAnsi(platform::ToAnsi(name)) != name) {
     return "its name has characters that Windows-1252 lacks";
   }
-  const std::string why = util::WhyUnsafe(name);
+  const std::string why = base::WhyUnsafe(name);
   return why.empty() ? std::string{} : "launchers refuse the name: " + why;
 }
 

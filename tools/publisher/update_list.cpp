@@ -1,11 +1,11 @@
 #include "publisher/update_list.hpp"
 
+#include "base/numeric.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "publisher/failure.hpp"
 #include "update/counter_store.hpp"
-#include "util/numeric.hpp"
-#include "util/text.hpp"
 
 namespace publisher {
 namespace {
@@ -23,8 +23,8 @@ std::string EmptyUpdateList() {
 int NewestPatch(const Layout& layout, const std::string& category) {
   const std::string file = layout.UpdateList();
   const std::string text = platform::MakeProfileFiles()->GetVar(file, kSection, category);
-  const double number = util::Val(text);
-  if (!util::IsNumeric(text) || number != static_cast<int>(number) || number < 0 || number > kHighestPatch) {
+  const double number = base::Val(text);
+  if (!base::IsNumeric(text) || number != static_cast<int>(number) || number < 0 || number > kHighestPatch) {
     throw Failure(file + ": \"" + text + "\" of " + category + " is no number of patches");
   }
   return static_cast<int>(number);

@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "base/runtime_error.hpp"
 #include "platform/digest.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -13,7 +13,7 @@ struct FreeContext {
 };
 
 void Require(int done) {
-  if (done != 1) throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+  if (done != 1) throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
 }
 
 }  // namespace

@@ -7,10 +7,10 @@
 #include <filesystem>
 #include <system_error>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/posix/system_error.hpp"
 #include "platform/posix/unique_fd.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -55,7 +55,7 @@ void RemoveTree(const std::string& folder) {
 void MakeFolder(const std::string& path) {
   if (mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && IsFolder(path))) return;
   const int code = errno;
-  if (code == EEXIST) throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+  if (code == EEXIST) throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
   RaiseErrno(code == ENOENT ? ENOTDIR : code, path);
 }
 
@@ -111,7 +111,7 @@ InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>
   if (!handle_->fd) RaiseErrno(errno, path);
   struct stat status;
   if (fstat(handle_->fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+    throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
   }
 }
 

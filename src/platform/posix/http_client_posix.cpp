@@ -11,8 +11,9 @@
 #include <memory>
 #include <mutex>
 
+#include "base/text.hpp"
+#include "base/url.hpp"
 #include "platform/machine.hpp"
-#include "util/text.hpp"
 
 namespace platform {
 namespace {
@@ -273,7 +274,7 @@ class Exchange {
     }
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) return true;
-    head_.headers.emplace_back(util::Lower(line.substr(0, colon)), util::Trim(line.substr(colon + 1)));
+    head_.headers.emplace_back(base::Lower(line.substr(0, colon)), base::Trim(line.substr(colon + 1)));
     return true;
   }
 
@@ -326,7 +327,7 @@ class CurlHttpClient : public HttpClient {
   }
 
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
-    std::string url = ResolvedUrl(request.url);
+    std::string url = base::ResolvedUrl(request.url);
     if (url.empty()) return {HttpError::BadUrl, 0};
     const Lent lent(*this);
     Exchange exchange(*lent.session, request, sink, std::move(stop));
@@ -335,8 +336,8 @@ class CurlHttpClient : public HttpClient {
       std::string redirect;
       outcome = exchange.Fetch(url, redirect);
       if (redirect.empty()) return outcome;
-      if (!RedirectAllowed(url, redirect)) break;
-      url = ResolvedUrl(redirect);
+      if (!base::RedirectAllowed(url, redirect)) break;
+      url = base::ResolvedUrl(redirect);
     }
     return {HttpError::RefusedRedirect, outcome.status};
   }

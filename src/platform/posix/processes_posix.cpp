@@ -14,10 +14,10 @@
 #include <set>
 #include <thread>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/posix/unique_fd.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {

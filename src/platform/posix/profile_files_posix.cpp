@@ -1,10 +1,10 @@
 #include <sys/stat.h>
 
+#include "base/runtime_error.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "platform/ini_text.hpp"
 #include "platform/machine.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -45,7 +45,7 @@ class PosixProfileFiles : public ProfileFiles {
       std::string text = old;
       for (const auto& [key, value] : entries) SetIniValue(text, ToAnsi(section), ToAnsi(key), ToAnsi(value));
       if (text != old) WriteWhole(file, text);
-    } catch (const util::RuntimeError&) {  // the file stays as it was
+    } catch (const base::RuntimeError&) {  // the file stays as it was
     }
   }
 
@@ -54,7 +54,7 @@ class PosixProfileFiles : public ProfileFiles {
   static std::string Text(const std::string& file) {
     try {
       return ReadWhole(file, kLargestFile);
-    } catch (const util::RuntimeError&) {
+    } catch (const base::RuntimeError&) {
       return {};
     }
   }

@@ -3,11 +3,11 @@
 
 #include <cstdlib>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/ini_text.hpp"
 #include "platform/machine.hpp"
 #include "platform/posix/unique_fd.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -30,7 +30,7 @@ class PosixSettingsStore : public SettingsStore {
                   const std::string& key) override {
     try {
       return IniValue(ReadWhole(FileOf(application), kLargestFile), section, key).value_or("");
-    } catch (const util::RuntimeError&) {
+    } catch (const base::RuntimeError&) {
       return {};
     }
   }
@@ -39,8 +39,8 @@ class PosixSettingsStore : public SettingsStore {
            const std::string& value) override {
     try {
       Write(FileOf(application), section, key, value);
-    } catch (const util::RuntimeError&) {
-      throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+    } catch (const base::RuntimeError&) {
+      throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
     }
   }
 
@@ -52,7 +52,7 @@ class PosixSettingsStore : public SettingsStore {
   static void Write(const std::string& file, const std::string& section, const std::string& key,
                     const std::string& value) {
     if (HoldsLineBreak(section + key + value)) {
-      throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+      throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
     }
     MakeFolders(FolderOf(file));
     // Two launchers may write at once, and neither may lose the other's value.

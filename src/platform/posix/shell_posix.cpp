@@ -1,4 +1,4 @@
-#include "platform/http_client.hpp"
+#include "base/url.hpp"
 #include "platform/machine.hpp"
 
 namespace platform {
@@ -10,7 +10,7 @@ class PosixShell : public Shell {
   explicit PosixShell(TellOutside tell) : tell_(std::move(tell)) {}
 
   bool OpenPage(const std::string& url, const std::string&) override {
-    if (ResolvedUrl(url).empty()) return false;
+    if (base::ResolvedUrl(url).empty()) return false;
     tell_("Open " + url);
     return true;
   }

@@ -2,13 +2,13 @@
 
 #include <cerrno>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
 
-using util::ErrorNumber;
+using base::ErrorNumber;
 
 struct Translation {
   int code;
@@ -40,12 +40,12 @@ constexpr Translation kTranslations[] = {
 void RaiseErrno(int code, const std::string& path) {
   if (code == ENOENT) {
     const bool folderThere = path.empty() || IsFolder(FolderOf(path) + kSeparator);
-    throw util::RuntimeError(folderThere ? ErrorNumber::FileNotFound : ErrorNumber::PathNotFound);
+    throw base::RuntimeError(folderThere ? ErrorNumber::FileNotFound : ErrorNumber::PathNotFound);
   }
   for (const Translation& entry : kTranslations) {
-    if (entry.code == code) throw util::RuntimeError(entry.number);
+    if (entry.code == code) throw base::RuntimeError(entry.number);
   }
-  throw util::RuntimeError(ErrorNumber::DeviceIoError);
+  throw base::RuntimeError(ErrorNumber::DeviceIoError);
 }
 
 }  // namespace platform

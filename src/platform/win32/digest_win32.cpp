@@ -6,9 +6,9 @@
 #include <array>
 #include <limits>
 
+#include "base/runtime_error.hpp"
 #include "platform/digest.hpp"
 #include "platform/win32/handles.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -32,7 +32,7 @@ constexpr KindEntry kKinds[] = {{BCRYPT_MD5_ALGORITHM, 16}, {BCRYPT_SHA1_ALGORIT
 constexpr std::size_t kLongestDigest = 20;
 
 void Require(NTSTATUS status) {
-  if (!BCRYPT_SUCCESS(status)) throw util::RuntimeError(util::ErrorNumber::DeviceIoError);
+  if (!BCRYPT_SUCCESS(status)) throw base::RuntimeError(base::ErrorNumber::DeviceIoError);
 }
 
 }  // namespace

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <atomic>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/system_error.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -159,7 +159,7 @@ void ShareFile(const std::string& from, const std::string& to) {
   }
   try {
     ReplaceFileWith(neighbour, to);
-  } catch (const util::RuntimeError&) {
+  } catch (const base::RuntimeError&) {
     TryRemoveFile(neighbour);
     throw;
   }

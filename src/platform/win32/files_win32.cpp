@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <functional>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/moved_aside.hpp"
 #include "platform/win32/system_error.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -165,7 +165,7 @@ void MakeFolder(const std::string& path) {
   if (CreateDirectoryW(SystemPath(path).c_str(), nullptr)) return;
   const DWORD code = GetLastError();
   if (IsFolder(path)) return;
-  if (code == ERROR_ALREADY_EXISTS) throw util::RuntimeError(util::ErrorNumber::PathFileAccessError);
+  if (code == ERROR_ALREADY_EXISTS) throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
   RaiseSystemError(code);
 }
 

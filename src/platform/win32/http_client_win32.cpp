@@ -2,6 +2,7 @@
 // after windows.h, which it builds on
 #include <shlwapi.h>
 
+#include "base/url.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/wide.hpp"
 #include "platform/win32/winhttp_exchange.hpp"
@@ -47,7 +48,7 @@ class WinHttpClient : public HttpClient {
  public:
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     TransferLimits limits(request, std::move(stop));
-    std::string url = ResolvedUrl(request.url);
+    std::string url = base::ResolvedUrl(request.url);
     if (url.empty()) return {HttpError::BadUrl, 0};
     int status = 0;
     for (int followed = 0; followed <= kMostRedirects; ++followed) {
@@ -60,8 +61,8 @@ class WinHttpClient : public HttpClient {
         sink.Begin(exchange.Head());
         return {exchange.ReadBody(sink), status};
       }
-      if (!RedirectAllowed(url, redirect)) break;
-      url = ResolvedUrl(redirect);
+      if (!base::RedirectAllowed(url, redirect)) break;
+      url = base::ResolvedUrl(redirect);
     }
     return {HttpError::RefusedRedirect, status};
   }

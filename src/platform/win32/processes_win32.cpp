@@ -3,12 +3,12 @@
 #include <shellapi.h>
 #include <tlhelp32.h>
 
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/com_apartment.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/text.hpp"
 
 namespace platform {
 namespace {
@@ -44,7 +44,7 @@ std::string ArgumentsOf(const StartRequest& request) {
   std::size_t end = std::min(line.find(' '), line.size());
   if (line.starts_with(request.program)) end = request.program.size();
   if (line.starts_with('"')) end = std::min(line.find('"', 1), line.size() - 1) + 1;
-  return std::string(util::Trim(line.substr(end)));
+  return std::string(base::Trim(line.substr(end)));
 }
 
 // A program whose manifest demands administrator rights cannot be started by CreateProcess; the shell asks

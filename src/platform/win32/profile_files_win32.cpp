@@ -2,12 +2,12 @@
 
 #include <cstring>
 
+#include "base/runtime_error.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "platform/ini_text.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -70,7 +70,7 @@ std::string TextOf(const std::string& file) {
   try {
     const std::string bytes = ReadWhole(file, kLargestFile);
     return IsWide(bytes) ? FromWideFile(bytes) : FromAnsi(bytes);
-  } catch (const util::RuntimeError&) {
+  } catch (const base::RuntimeError&) {
     return {};
   }
 }
@@ -108,7 +108,7 @@ class SystemProfileFiles : public ProfileFiles {
       WriteWhole(file, edited);
       // All arguments missing: what the system holds of the file in memory is read anew.
       WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(file).c_str());
-    } catch (const util::RuntimeError&) {  // the file stays as it was, which is all that is promised
+    } catch (const base::RuntimeError&) {  // the file stays as it was, which is all that is promised
     }
   }
 };

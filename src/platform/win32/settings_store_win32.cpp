@@ -1,7 +1,7 @@
+#include "base/runtime_error.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
@@ -40,7 +40,7 @@ class RegistrySettings : public SettingsStore {
       status = RegSetValueExW(folder.Get(), Wide(key).c_str(), 0, REG_SZ, bytes,
                               static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     }
-    if (status != ERROR_SUCCESS) throw util::RuntimeError(util::ErrorNumber::InvalidProcedureCall);
+    if (status != ERROR_SUCCESS) throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
   }
 };
 

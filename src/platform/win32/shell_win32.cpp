@@ -2,10 +2,11 @@
 // after windows.h, which it builds on
 #include <shellapi.h>
 
+#include "base/text.hpp"
+#include "base/url.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/com_apartment.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/text.hpp"
 
 namespace platform {
 namespace {
@@ -26,14 +27,14 @@ bool Open(const std::string& target, const std::string& workingFolder, int showC
 class SystemShell : public Shell {
  public:
   bool OpenPage(const std::string& url, const std::string& workingFolder) override {
-    if (ResolvedUrl(url).empty()) return false;
+    if (base::ResolvedUrl(url).empty()) return false;
     // A quote or blank would end the address in the browser's command line.
-    const std::string safe = util::Replaced(util::Replaced(url, "\"", "%22"), " ", "%20");
+    const std::string safe = base::Replaced(base::Replaced(url, "\"", "%22"), " ", "%20");
     return Open(safe, workingFolder, SW_SHOWNORMAL);
   }
 
   bool OpenFile(const std::string& file, const std::string& workingFolder) override {
-    if (file.empty() || util::Contains(file, "://")) return false;
+    if (file.empty() || base::Contains(file, "://")) return false;
     return Open(file, workingFolder, SW_HIDE);
   }
 };

@@ -1,12 +1,12 @@
 #include "platform/win32/system_error.hpp"
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "util/runtime_error.hpp"
 
 namespace platform {
 namespace {
 
-using util::ErrorNumber;
+using base::ErrorNumber;
 
 // winerror.h of some toolchains lacks these names.
 constexpr DWORD kVirusInfected = 225;
@@ -52,12 +52,12 @@ constexpr Translation kTranslations[] = {
 
 void RaiseSystemError(DWORD code, const std::string& path) {
   if (code == ERROR_ACCESS_DENIED && !path.empty() && IsFolder(path)) {
-    throw util::RuntimeError(ErrorNumber::PathFileAccessError);
+    throw base::RuntimeError(ErrorNumber::PathFileAccessError);
   }
   for (const Translation& entry : kTranslations) {
-    if (entry.code == code) throw util::RuntimeError(entry.number);
+    if (entry.code == code) throw base::RuntimeError(entry.number);
   }
-  throw util::RuntimeError(ErrorNumber::DeviceIoError);
+  throw base::RuntimeError(ErrorNumber::DeviceIoError);
 }
 
 }  // namespace platform

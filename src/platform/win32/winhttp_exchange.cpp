@@ -5,8 +5,8 @@
 #include <mutex>
 #include <optional>
 
+#include "base/text.hpp"
 #include "platform/win32/wide.hpp"
-#include "util/text.hpp"
 
 namespace platform {
 namespace {
@@ -251,12 +251,12 @@ void WinHttpExchange::TakeHead() {
   WinHttpQueryHeaders(exchange_.Get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX,
                       raw.data(), &size, WINHTTP_NO_HEADER_INDEX);
   const std::string lines = Narrow(raw.c_str());
-  for (const std::string_view line : util::Split(lines, '\n')) {
+  for (const std::string_view line : base::Split(lines, '\n')) {
     const std::size_t colon = line.find(':');
     if (colon == std::string_view::npos) continue;  // the status line
     std::string_view value = line.substr(colon + 1);
     if (value.ends_with('\r')) value.remove_suffix(1);
-    head_.headers.emplace_back(util::Lower(line.substr(0, colon)), util::Trim(value));
+    head_.headers.emplace_back(base::Lower(line.substr(0, colon)), base::Trim(value));
   }
   const std::string length = head_.Header("content-length");
   std::uint64_t announced = 0;

@@ -2,7 +2,7 @@
 
 #include <charconv>
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 namespace ui {
 namespace {
@@ -20,12 +20,12 @@ std::optional<PlayerLine> ReadPlayerLine(std::string_view line) {
   PlayerLine read;
   std::string_view target = line;
   if (const std::size_t equals = line.find('='); equals != std::string_view::npos) {
-    target = util::Trim(line.substr(0, equals));
+    target = base::Trim(line.substr(0, equals));
     read.act = PlayerAct::Enter;
     read.value = line.substr(equals + 1);
-    if (target == "tray") return ReadTrayMessage(util::Trim(read.value));
+    if (target == "tray") return ReadTrayMessage(base::Trim(read.value));
   } else {
-    target = util::Trim(target);
+    target = base::Trim(target);
     if (target.ends_with('~')) {
       read.act = PlayerAct::Point;
       target.remove_suffix(1);
@@ -43,10 +43,10 @@ std::optional<PlayerLine> ReadPlayerLine(std::string_view line) {
 }
 
 std::optional<platform::DialogAnswer> ReadAnswer(std::string_view line, platform::DialogButtons buttons) {
-  line = util::Trim(line);
-  if (util::EqualIgnoringCase(line, "Yes")) return platform::DialogAnswer::Yes;
-  if (util::EqualIgnoringCase(line, "No")) return platform::DialogAnswer::No;
-  if (util::EqualIgnoringCase(line, "Cancel") && buttons == platform::DialogButtons::YesNoCancel) {
+  line = base::Trim(line);
+  if (base::EqualIgnoringCase(line, "Yes")) return platform::DialogAnswer::Yes;
+  if (base::EqualIgnoringCase(line, "No")) return platform::DialogAnswer::No;
+  if (base::EqualIgnoringCase(line, "Cancel") && buttons == platform::DialogButtons::YesNoCancel) {
     return platform::DialogAnswer::Cancel;
   }
   return std::nullopt;

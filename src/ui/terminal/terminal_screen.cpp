@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "ui/terminal/player.hpp"
-#include "util/text.hpp"
 
 namespace ui {
 namespace {
@@ -135,7 +135,7 @@ bool TerminalScreen::OnLine(const std::string& line) {
     } else {
       complaint = Obey(*read);
     }
-  } else if (!util::Trim(line).empty()) {
+  } else if (!base::Trim(line).empty()) {
     complaint = "not understood";
   }
   if (!complaint.empty()) errors_ << OneLine(line) << ": " << complaint << std::endl;

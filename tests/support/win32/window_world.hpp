@@ -12,15 +12,14 @@
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/wide.hpp"
 #include "startup/launcher_settings.hpp"
-#include "support/temp_folder.hpp"
-#include "support/test_host.hpp"
+#include "support/test_services.hpp"
 #include "ui/frmMain.hpp"
 #include "ui/win32/win32_screen.hpp"
 
 namespace support {
 
 // The main window as a real one, driven by real messages, with nothing behind its buttons.
-struct WindowWorld {
+struct WindowWorld : TestServices {
   // Loads and shows it with the pictures that are then in the graphics folder.
   void Load() {
     Ask("0");
@@ -107,17 +106,11 @@ struct WindowWorld {
     EXPECT_TRUE(looked);
   }
 
-  support::TempFolder folder;
-  support::TestHost host;
-  startup::Folders folders{folder.Path()};
-  startup::Deployment deployment;
-  startup::Lifetime lifetime{*host.events};
-  startup::ErrorRecorder recorder{host.host, folders, lifetime};
   web::Hosts hosts;
   ui::win32::Win32Screen screen;
   controls::MainWindow window{host.events->Timers()};
   int plays = 0, repairs = 0, options = 0;
-  ui::frmMain main{host.host, folders, deployment, recorder, lifetime, hosts, screen, window, Actions()};
+  ui::frmMain main{services, hosts, screen, window, Actions()};
   HWND handle = nullptr;
 };
 

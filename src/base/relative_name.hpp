@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace util {
+namespace base {
 
 // Why a name that came from outside may not be used as a path inside a folder; empty when it may.
 // A name is relative, its parts separated by "\" or "/", leading and doubled separators tolerated. Refused on
@@ -15,4 +15,4 @@ std::string WhyUnsafe(std::string_view name);
 // The name with "/" between its parts and no leading, trailing or doubled separator.
 std::string WithSlashes(std::string_view name);
 
-}  // namespace util
+}  // namespace base

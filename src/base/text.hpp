@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-namespace util {
+namespace base {
 
 // ASCII case only: names, keys and states of the formats are compared byte by byte otherwise.
 std::string Upper(std::string_view text);
@@ -23,4 +23,4 @@ std::vector<std::string_view> Split(std::string_view text, char separator);
 // The n-th piece (1-based) of `text` split at `separator`; empty when there are fewer.
 std::string_view Field(std::string_view text, int n, char separator);
 
-}  // namespace util
+}  // namespace base

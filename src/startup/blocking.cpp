@@ -1,11 +1,11 @@
-#include "web/blocking.hpp"
+#include "startup/blocking.hpp"
 
 #include <atomic>
 #include <cstdint>
 #include <exception>
 #include <thread>
 
-namespace web {
+namespace startup {
 namespace {
 
 // The work wakes the loop when it ends, so this limit only paces `onRound` and costs no latency.
@@ -16,9 +16,8 @@ constexpr std::uint32_t kRoundMs = 50;
 // A thread of its own for each call: starting one takes some ten microseconds, far less than the request that
 // follows, and the HTTP client keeps its connections for whichever thread comes next. Calls nest (a handler
 // may start another one meanwhile), which a fixed pool would have to make room for.
-void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
-                 const std::function<void(std::stop_token)>& work, const std::function<void()>& onRound,
-                 std::stop_token stop) {
+void RunBlocking(const Services& services, const std::function<void(std::stop_token)>& work,
+                 const std::function<void()>& onRound, std::stop_token stop) {
   std::atomic<bool> ended = false;
   std::exception_ptr failure;
   std::jthread worker([&](std::stop_token token) {
@@ -28,15 +27,15 @@ void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
       failure = std::current_exception();
     }
     ended.store(true, std::memory_order_release);
-    events.Wake();
+    services.host.events.Wake();
   });
   {
     // Stops are asked for on this thread only, so these callbacks never run while they are being destroyed.
     const auto passOn = [&worker] { worker.request_stop(); };
-    const std::stop_callback atTheEnd(lifetime.Token(), passOn);
+    const std::stop_callback atTheEnd(services.lifetime.Token(), passOn);
     const std::stop_callback onDemand(stop, passOn);
     while (!ended.load(std::memory_order_acquire)) {
-      events.WaitEvents(kRoundMs);
+      services.host.events.WaitEvents(kRoundMs);
       if (onRound) onRound();
     }
   }
@@ -44,4 +43,4 @@ void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
   if (failure) std::rethrow_exception(failure);
 }
 
-}  // namespace web
+}  // namespace startup

@@ -1,11 +1,11 @@
-#include "util/relative_name.hpp"
+#include "base/relative_name.hpp"
 
 #include <algorithm>
 #include <array>
 
-#include "util/text.hpp"
+#include "base/text.hpp"
 
-namespace util {
+namespace base {
 namespace {
 
 constexpr std::size_t kLongestName = 240;
@@ -72,4 +72,4 @@ std::string WithSlashes(std::string_view name) {
   return result;
 }
 
-}  // namespace util
+}  // namespace base

@@ -1,6 +1,6 @@
-#include "util/runtime_error.hpp"
+#include "base/runtime_error.hpp"
 
-namespace util {
+namespace base {
 
 std::string_view DescriptionOf(ErrorNumber number) {
   switch (number) {
@@ -44,4 +44,4 @@ std::string_view DescriptionOf(ErrorNumber number) {
   return "Application-defined or object-defined error";
 }
 
-}  // namespace util
+}  // namespace base

@@ -1,8 +1,8 @@
-#include "util/text.hpp"
+#include "base/text.hpp"
 
 #include <algorithm>
 
-namespace util {
+namespace base {
 namespace {
 
 char UpperChar(char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; }
@@ -79,4 +79,4 @@ std::string_view Field(std::string_view text, int n, char separator) {
   return text.substr(0, text.find(separator));
 }
 
-}  // namespace util
+}  // namespace base

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace util {
+namespace base {
 
 // The classic run-time's error numbers that this program raises or translates to.
 enum class ErrorNumber {
@@ -48,4 +48,4 @@ class RuntimeError : public std::exception {
   std::string description_;
 };
 
-}  // namespace util
+}  // namespace base

@@ -3,17 +3,15 @@
 #include <functional>
 #include <stop_token>
 
-#include "platform/event_loop.hpp"
-#include "startup/lifetime.hpp"
+#include "startup/services.hpp"
 
-namespace web {
+namespace startup {
 
 // Runs `work` on another thread while the interface thread goes on handling events; returns when it has
 // ended. The program's end, or `stop` from a handler meanwhile, is passed on to the token that `work` gets.
 // `onRound`, if given, runs on the interface thread after each round of events. An exception of `work` is
 // rethrown here.
-void RunBlocking(platform::EventLoop& events, const startup::Lifetime& lifetime,
-                 const std::function<void(std::stop_token)>& work, const std::function<void()>& onRound = {},
-                 std::stop_token stop = {});
+void RunBlocking(const Services& services, const std::function<void(std::stop_token)>& work,
+                 const std::function<void()>& onRound = {}, std::stop_token stop = {});
 
-}  // namespace web
+}  // namespace startup

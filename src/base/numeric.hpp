@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace util {
+namespace base {
 
 // The longest leading decimal number of `text` (leading blanks are skipped, a sign, a decimal point and an
 // exponent are understood); 0 when there is none.
@@ -27,4 +27,4 @@ std::string NumberText(double value);
 // bytes / 1024 as a whole number, rounded half to even.
 std::int64_t Kilobytes(std::uint64_t bytes);
 
-}  // namespace util
+}  // namespace base

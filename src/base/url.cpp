@@ -1,10 +1,9 @@
+#include "base/url.hpp"
+
 #include <algorithm>
-#include <string_view>
 #include <vector>
 
-#include "platform/http_client.hpp"
-
-namespace platform {
+namespace base {
 namespace {
 
 struct UrlPieces {
@@ -78,13 +77,6 @@ std::string WithoutDotSegments(std::string_view path) {
 
 }  // namespace
 
-std::string HttpHead::Header(const std::string& lowerCaseName) const {
-  for (const auto& [name, value] : headers) {
-    if (name == lowerCaseName) return value;
-  }
-  return {};
-}
-
 std::string ResolvedUrl(const std::string& url) {
   UrlPieces pieces;
   if (!Parse(url, pieces)) return {};
@@ -98,4 +90,20 @@ bool RedirectAllowed(const std::string& from, const std::string& to) {
   return !(source.scheme == "https" && target.scheme == "http");
 }
 
-}  // namespace platform
+std::string UrlPath(std::string_view relativePath) {
+  static constexpr char kHex[] = "0123456789ABCDEF";
+  static constexpr std::string_view kPlainMarks = "/-._~!$&'()*+,;=@";
+  std::string result;
+  for (const char c : relativePath) {
+    const bool letterOrDigit = (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    if (letterOrDigit || kPlainMarks.find(c) != std::string_view::npos) {
+      result += c;
+    } else {
+      const auto code = static_cast<unsigned char>(c);
+      result.append({'%', kHex[code >> 4], kHex[code & 15]});
+    }
+  }
+  return result;
+}
+
+}  // namespace base

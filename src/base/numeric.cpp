@@ -1,14 +1,14 @@
-#include "util/numeric.hpp"
+#include "base/numeric.hpp"
 
 #include <charconv>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 
-#include "util/runtime_error.hpp"
-#include "util/text.hpp"
+#include "base/runtime_error.hpp"
+#include "base/text.hpp"
 
-namespace util {
+namespace base {
 namespace {
 
 bool IsBlank(char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
@@ -90,4 +90,4 @@ std::int64_t Kilobytes(std::uint64_t bytes) {
   return static_cast<std::int64_t>(whole + (up ? 1 : 0));
 }
 
-}  // namespace util
+}  // namespace base
