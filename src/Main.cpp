@@ -1,4 +1,5 @@
 // Procedure Main of module modGeneral: the launcher's start-up, step by step.
+#include "base/runtime_error.hpp"
 #include "base/text.hpp"
 #include "launcher.hpp"
 #include "platform/files.hpp"
@@ -88,7 +89,11 @@ void Launcher::EndStaleClient() {
   request.program = "taskkill.exe";
   request.commandLine = std::string("taskkill.exe /f /t /im ") + kClientImage;
   request.style = platform::WindowStyle::Minimised;
-  host_.processes.Start(request);
+  try {
+    host_.processes.Start(request);
+  } catch (const base::RuntimeError& error) {  // the start goes on beside the old client
+    recorder_.Note(request.commandLine + ": " + error.Description());
+  }
 }
 
 // Neither message ends the start-up.

@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/posix/event_loop_posix.hpp"
@@ -67,7 +68,7 @@ TEST_F(NativeProcesses, AProgramGetsItsWordsItsFolderAndNothingOfOurs) {
              "printf '%s|' \"$@\" > words.tmp\nmv words.tmp words\n");
   const std::string program = folder / "my client.sh";  // not executable, as out of an archive
   const std::string line = "\"" + program + "\" one \"two words\" KELVARIN";
-  EXPECT_TRUE(processes->Start({program, line, WindowStyle::NormalFocus, folder.Path()}));
+  processes->Start({program, line, WindowStyle::NormalFocus, folder.Path()});
   EXPECT_EQ(told, std::vector<std::string>{"Run " + line});
   ASSERT_TRUE(Eventually([&] { return folder.Has("words"); }));
   EXPECT_EQ(folder.Get("words"), "one|two words|KELVARIN|");
@@ -77,22 +78,27 @@ TEST_F(NativeProcesses, AProgramGetsItsWordsItsFolderAndNothingOfOurs) {
 
 TEST_F(NativeProcesses, AnEndedChildLeavesTheProcessList) {
   folder.Put("stop.sh", "#!/bin/sh\necho $$ > pid.tmp\nmv pid.tmp pid\n");
-  ASSERT_TRUE(processes->Start({folder / "stop.sh", "stop.sh", WindowStyle::Hidden, folder.Path()}));
+  processes->Start({folder / "stop.sh", "stop.sh", WindowStyle::Hidden, folder.Path()});
   ASSERT_TRUE(Eventually([&] { return folder.Has("pid"); }));
   const std::string pid = folder.Get("pid");
   EXPECT_TRUE(Eventually([&] { return !IsFolder("/proc/" + pid.substr(0, pid.find('\n'))); }));
 }
 
 TEST_F(NativeProcesses, MissingProgramsAreToldOnly) {
-  EXPECT_TRUE(processes->Start({"RunDll32.exe", "RunDll32.exe InetCpl.cpl", WindowStyle::Minimised, ""}));
-  EXPECT_FALSE(processes->Start({folder / "none.exe", "none.exe", WindowStyle::NormalFocus, ""}));
+  processes->Start({"RunDll32.exe", "RunDll32.exe InetCpl.cpl", WindowStyle::Minimised, ""});
+  try {
+    processes->Start({folder / "none.exe", "none.exe", WindowStyle::NormalFocus, ""});
+    FAIL() << "a program that is not there was started";
+  } catch (const base::RuntimeError& error) {
+    EXPECT_TRUE(error.Is(base::ErrorNumber::FileNotFound));
+    EXPECT_EQ(error.Description(), "No such file or directory");
+  }
   EXPECT_EQ(told.size(), 2u);
 }
 
 TEST_F(NativeProcesses, AScriptRunsUnderItsOwnName) {
   folder.Put("Kelvarin.Client.exe", "#!/bin/sh\nuntil [ -e stop ]; do sleep 0.02; done\n");
-  ASSERT_TRUE(
-      processes->Start({folder / "Kelvarin.Client.exe", "x", WindowStyle::NormalFocus, folder.Path()}));
+  processes->Start({folder / "Kelvarin.Client.exe", "x", WindowStyle::NormalFocus, folder.Path()});
   const auto runs = [&] {
     const auto names = processes->RunningImageNames();
     return std::find(names.begin(), names.end(), "Kelvarin.Client.exe") != names.end();

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
@@ -22,15 +23,21 @@ constexpr const char* kDone = "Se han registrado las librerias correctamente.";
 
 // The system's own processes, on a machine that may lack the registration tool.
 struct RealProcesses : platform::Processes {
-  bool Start(const platform::StartRequest& request) override {
-    const bool registers = request.program == "regsvr32.exe";
+  void Start(const platform::StartRequest& request) override {
+    const bool registers = platform::FileNameOf(request.program) == "regsvr32.exe";
     registrations += registers;
     platform::StartRequest asked = request;
-    if (registers && !toolThere) asked.program = "no-regsvr32-here.exe";
-    const bool started = system->Start(asked);
-    failures += registers && !started;
-    return started;
+    // Wine without its 32-bit half has the tool in the other folder only.
+    if (registers) asked.program = toolThere ? "regsvr32.exe" : "no-regsvr32-here.exe";
+    if (registers) tool = request.program;
+    try {
+      system->Start(asked);
+    } catch (const base::RuntimeError&) {
+      failures += registers;
+      throw;
+    }
   }
+  void EndAtOnce(int exitStatus) override { system->EndAtOnce(exitStatus); }
   std::vector<std::string> RunningImageNames() override { return system->RunningImageNames(); }
   std::unique_ptr<platform::NamedLock> TakeLock(const std::string& name) override {
     return system->TakeLock(name);
@@ -38,6 +45,7 @@ struct RealProcesses : platform::Processes {
   std::unique_ptr<platform::Processes> system = platform::MakeProcesses({});
   bool toolThere = true;
   int registrations = 0, failures = 0;
+  std::string tool;  // as it was asked for
 };
 
 // The launch with processes that really start, the game in a folder with blanks and accents.
@@ -122,6 +130,7 @@ TEST_F(WindowsLaunchTest, RegistrationsThatFailDoNotStopTheLaunch) {
     Launch();
     EXPECT_EQ(processes.registrations, 11);
     EXPECT_EQ(processes.failures, toolThere ? 0 : 11);
+    EXPECT_EQ(processes.tool, startup::ObtenerDirectorio(recorder) + "\\regsvr32.exe");
     EXPECT_EQ(Echo(), Expected()) << toolThere;
     ASSERT_EQ(machine.dialogs.shown.size(), 1u);
     EXPECT_EQ(machine.dialogs.shown[0].text, kDone);

@@ -196,8 +196,8 @@ TEST(WindowsProfileFiles, AReadOnlyFileStaysAndNothingIsLeftBeside) {
 TEST(WindowsProcesses, StartWithTheirCommandLineAndFolder) {
   const TempFolder folder;
   const auto processes = MakeProcesses({});
-  EXPECT_TRUE(processes->Start(
-      {"cmd.exe", "cmd.exe /c echo [%CD%]>out & ren out done", WindowStyle::Hidden, folder.Path()}));
+  processes->Start(
+      {"cmd.exe", "cmd.exe /c echo [%CD%]>out & ren out done", WindowStyle::Hidden, folder.Path()});
   ASSERT_TRUE(Eventually([&] { return folder.Has("done"); }));
   EXPECT_NE(folder.Get("done").find(FileNameOf(folder.Path()) + "]"), std::string::npos);
 }
@@ -208,7 +208,9 @@ TEST(WindowsProcesses, ABareNameIsFoundInTheSystemFolderOnly) {
   CloneFile(SystemFolder() + "\\cmd.exe", folder / "decoy.exe");
   SetCurrentDirectoryW(Wide(folder.Path()).c_str());
   for (const char* program : {"decoy.exe", ".\\decoy.exe", "", "decoy", "\\decoy.exe", "x:decoy.exe"}) {
-    EXPECT_FALSE(processes->Start({program, "decoy.exe /c exit", WindowStyle::Hidden, ""})) << program;
+    EXPECT_THROW(processes->Start({program, "decoy.exe /c exit", WindowStyle::Hidden, ""}),
+                 base::RuntimeError)
+        << program;
   }
   HardenProcess();
   CloneFile(SystemFolder() + "\\version.dll", folder / "decoy.dll");

@@ -46,6 +46,10 @@ void ShareFile(const std::string& from, const std::string& to);
 void FlushFile(const std::string& path);    // its bytes are on the disk when this returns
 void FlushTree(const std::string& folder);  // as FlushFile, of every file below the folder
 
+// Bytes that this user may still write below `folder`, which exists; the largest number when the system does
+// not tell.
+std::uint64_t FreeSpace(const std::string& folder);
+
 struct FoundFile {
   std::string path;  // relative to the folder searched, platform separators
   bool operator==(const FoundFile&) const = default;

@@ -55,7 +55,9 @@ struct HttpRequest {
 
 struct HttpOutcome {
   HttpError error = HttpError::Other;
-  int status = 0;  // of the last answer, 0 when none came
+  int status = 0;                 // of the last answer, 0 when none came
+  std::uint32_t systemError = 0;  // the system's or library's own number for a failure, 0 when it named none
+  std::string systemText{};       // and its own words, UTF-8
   bool Complete() const { return error == HttpError::None; }
 };
 
@@ -64,6 +66,7 @@ struct HttpOutcome {
 class HttpClient {
  public:
   virtual ~HttpClient() = default;
+  // What the sink raises is raised again here.
   virtual HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) = 0;
 };
 

@@ -30,8 +30,12 @@ class Processes {
  public:
   virtual ~Processes() = default;
 
-  // Starts a program and does not wait for it; false when it could not be started.
-  virtual bool Start(const StartRequest& request) = 0;
+  // Starts a program and does not wait for it. Raises a base::RuntimeError (53, 70, 75, ...) whose
+  // description is the system's own text when it could not be started.
+  virtual void Start(const StartRequest& request) = 0;
+
+  // Ends this process at once: no window is unloaded, nothing is saved.
+  virtual void EndAtOnce(int exitStatus) = 0;
 
   // Executable file names (no folders) of the running processes.
   virtual std::vector<std::string> RunningImageNames() = 0;

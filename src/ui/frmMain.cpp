@@ -30,7 +30,7 @@ frmMain::frmMain(const startup::Services& services, const web::Hosts& hosts, Scr
       screen_(screen),
       window_(window),
       actions_(std::move(actions)),
-      FSys_(host, folders, deployment, recorder, screen) {
+      FSys_(services, screen) {
   WireWindow();
   WireHoverTexts();
   WireButtons();

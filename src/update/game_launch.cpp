@@ -1,6 +1,5 @@
 #include "update/game_launch.hpp"
 
-#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/procedure.hpp"
@@ -67,8 +66,7 @@ void GameLaunch::Launch(const std::string& parameter, int& line) {
   request.style = platform::WindowStyle::NormalFocus;
   request.workingFolder = services_.folders.BinDir;
   line = 50;
-  if (!services_.host.processes.Start(request))
-    throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
+  services_.host.processes.Start(request);
 }
 
 }  // namespace update

@@ -26,15 +26,19 @@ std::string DigestOrNone(const std::string& path, std::stop_token stop) {
 
 }  // namespace
 
-// Folder and file are joined as they are. Bin carries no closing separator, so its libraries are never found,
-// and "/s" keeps regsvr32 quiet about it; the commands stay as players' machines have always seen them.
+// The libraries are 32-bit ones, so the tool is the one of the folder for these. Folder and file are joined
+// as they are. Bin carries no closing separator, so its libraries are never found, and "/s" keeps regsvr32
+// quiet about it; the commands stay as players' machines have always seen them.
 void LibraryCheck::RegistrarLibreria(const std::string& folder, const std::string& file) {
   frmMain_.lblName.Caption = "Registrando " + file + "...";
   platform::StartRequest request;
-  request.program = "regsvr32.exe";
+  request.program = startup::ObtenerDirectorio(services_.recorder) + platform::kSeparator + "regsvr32.exe";
   request.commandLine = "regsvr32 \"" + folder + file + "\" /s";
   request.style = platform::WindowStyle::Minimised;
-  services_.host.processes.Start(request);
+  try {
+    services_.host.processes.Start(request);
+  } catch (const base::RuntimeError&) {  // a library that cannot be registered keeps nobody from playing
+  }
   services_.host.events.DoEvents();
 }
 

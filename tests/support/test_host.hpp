@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -57,16 +58,18 @@ struct RecordedLock : platform::NamedLock {
 
 class RecordedProcesses : public platform::Processes {
  public:
-  bool Start(const platform::StartRequest& request) override {
+  void Start(const platform::StartRequest& request) override {
     started.push_back(request);
-    return startSucceeds;
+    if (onStart) onStart(request);
   }
+  void EndAtOnce(int exitStatus) override { endedAtOnce = exitStatus; }
   std::vector<std::string> RunningImageNames() override { return running; }
   std::unique_ptr<platform::NamedLock> TakeLock(const std::string& name) override;
 
   std::vector<platform::StartRequest> started;
   std::vector<std::string> running, locksTaken, locksReleased;
-  bool startSucceeds = true;
+  std::function<void(const platform::StartRequest&)> onStart;  // may raise, as the system does
+  std::optional<int> endedAtOnce;
   bool lockExists = false;
 };
 

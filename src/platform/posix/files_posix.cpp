@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,6 +30,12 @@ bool IsFile(const std::string& path) {
 bool IsFolder(const std::string& path) {
   struct stat status;
   return StatOf(path, status) && S_ISDIR(status.st_mode);
+}
+
+std::uint64_t FreeSpace(const std::string& folder) {
+  struct statvfs volume;
+  if (statvfs(folder.c_str(), &volume) != 0) return UINT64_MAX;
+  return static_cast<std::uint64_t>(volume.f_bavail) * volume.f_frsize;
 }
 
 std::optional<FileStamp> StampOf(const std::string& path) {

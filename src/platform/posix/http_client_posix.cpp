@@ -160,6 +160,7 @@ class Exchange {
     headBytes_ = 0;
     headDone_ = false;
     redirecting_ = refused_ = false;
+    libraryError_ = CURLE_OK;
     curl_easy_setopt(easy_, CURLOPT_URL, url.c_str());
     const HttpError error = Perform();
     if (failure_) std::rethrow_exception(failure_);
@@ -167,8 +168,13 @@ class Exchange {
       redirect = Absolute(url, head_.Header("location"));
       return {HttpError::None, head_.status};
     }
-    if (error == HttpError::None && !headDone_) return {HttpError::Other, head_.status};
-    return {error, head_.status};
+    HttpOutcome outcome{error, head_.status};
+    if (error == HttpError::None && !headDone_) outcome.error = HttpError::Other;
+    if (libraryError_ != CURLE_OK) {
+      outcome.systemError = static_cast<std::uint32_t>(libraryError_);
+      outcome.systemText = curl_easy_strerror(libraryError_);
+    }
+    return outcome;
   }
 
  private:
@@ -231,7 +237,9 @@ class Exchange {
     int queued = 0;
     const CURLMsg* message = curl_multi_info_read(multi_, &queued);
     if (!message || message->msg != CURLMSG_DONE) return HttpError::Other;
-    return refused_ ? HttpError::Refused : ErrorOf(message->data.result);
+    if (refused_) return HttpError::Refused;
+    libraryError_ = message->data.result;
+    return ErrorOf(libraryError_);
   }
 
   // Runs what the sink does; an exception must not travel through the library's C frames.
@@ -314,6 +322,7 @@ class Exchange {
   HttpHead head_;
   std::size_t headBytes_ = 0;
   std::exception_ptr failure_;
+  CURLcode libraryError_ = CURLE_OK;
   bool headDone_ = false, redirecting_ = false, refused_ = false, added_ = false;
 };
 
@@ -328,7 +337,7 @@ class CurlHttpClient : public HttpClient {
 
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     std::string url = base::ResolvedUrl(request.url);
-    if (url.empty()) return {HttpError::BadUrl, 0};
+    if (url.empty()) return {HttpError::BadUrl};
     const Lent lent(*this);
     Exchange exchange(*lent.session, request, sink, std::move(stop));
     HttpOutcome outcome;

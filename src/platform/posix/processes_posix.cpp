@@ -17,6 +17,7 @@
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
+#include "platform/posix/system_error.hpp"
 #include "platform/posix/unique_fd.hpp"
 
 namespace platform {
@@ -77,7 +78,7 @@ void AllowRunning(const std::string& program) {
   chmod(program.c_str(), (status.st_mode & 0777) | S_IXUSR);
 }
 
-bool Spawn(const std::string& program, const StartRequest& request) {
+void Spawn(const std::string& program, const StartRequest& request) {
   // The program stands in front of its own words, unquoted, and may have blanks in its path.
   const bool inFront = request.commandLine.starts_with(request.program);
   std::vector<std::string> words =
@@ -89,13 +90,11 @@ bool Spawn(const std::string& program, const StartRequest& request) {
   arguments.push_back(nullptr);
   const SpawnSettings settings(request.workingFolder);
   pid_t child = 0;
-  if (posix_spawn(&child, program.c_str(), &settings.actions, &settings.attributes, arguments.data(),
-                  environ) != 0) {
-    return false;
-  }
+  const int error = posix_spawn(&child, program.c_str(), &settings.actions, &settings.attributes,
+                                arguments.data(), environ);
+  if (error != 0) RaiseWithText(error, program);
   // Nobody else waits for the child, and it must not stay in the process list when it has ended.
   std::thread([child] { waitpid(child, nullptr, 0); }).detach();
-  return true;
 }
 
 std::string LinkText(const std::filesystem::path& link) {
@@ -178,14 +177,19 @@ class PosixProcesses : public Processes {
   explicit PosixProcesses(TellOutside tell) : tell_(std::move(tell)) {}
 
   // A bare name is mostly a system program of Windows; where Linux has none of that name, telling is all.
-  bool Start(const StartRequest& request) override {
+  void Start(const StartRequest& request) override {
     tell_("Run " + request.commandLine);
     const bool ofSystem = request.program.find('/') == std::string::npos;
     const std::string program = ofSystem ? SystemFolder() + kSeparator + request.program : request.program;
-    if (!IsFile(program)) return ofSystem;
+    if (!IsFile(program)) {
+      if (ofSystem) return;
+      RaiseWithText(ENOENT, program);
+    }
     if (!ofSystem) AllowRunning(program);
-    return Spawn(program, request);
+    Spawn(program, request);
   }
+
+  void EndAtOnce(int exitStatus) override { std::_Exit(exitStatus); }
 
   std::vector<std::string> RunningImageNames() override {
     std::set<std::string> names;

@@ -1,6 +1,7 @@
 #include "platform/posix/system_error.hpp"
 
 #include <cerrno>
+#include <system_error>
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
@@ -36,6 +37,15 @@ constexpr Translation kTranslations[] = {
 };
 
 }  // namespace
+
+void RaiseWithText(int code, const std::string& path) {
+  try {
+    RaiseErrno(code, path);
+  } catch (const base::RuntimeError& error) {
+    throw base::RuntimeError(static_cast<base::ErrorNumber>(error.Number()),
+                             std::generic_category().message(code));
+  }
+}
 
 void RaiseErrno(int code, const std::string& path) {
   if (code == ENOENT) {

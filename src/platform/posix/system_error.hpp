@@ -8,4 +8,7 @@ namespace platform {
 // missing folder.
 [[noreturn]] void RaiseErrno(int code, const std::string& path = {});
 
+// As RaiseErrno, described in the system's own words.
+[[noreturn]] void RaiseWithText(int code, const std::string& path);
+
 }  // namespace platform

@@ -129,6 +129,13 @@ bool IsFolder(const std::string& path) {
   return look && (look->attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+std::uint64_t FreeSpace(const std::string& folder) {
+  ULARGE_INTEGER available;
+  if (!GetDiskFreeSpaceExW(SystemPath(folder + kSeparator).c_str(), &available, nullptr, nullptr))
+    return UINT64_MAX;
+  return available.QuadPart;
+}
+
 std::optional<FileStamp> StampOf(const std::string& path) {
   const auto look = LookAt(path);
   if (!look || (look->attributes & FILE_ATTRIBUTE_DIRECTORY)) return std::nullopt;

@@ -49,17 +49,17 @@ class WinHttpClient : public HttpClient {
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     TransferLimits limits(request, std::move(stop));
     std::string url = base::ResolvedUrl(request.url);
-    if (url.empty()) return {HttpError::BadUrl, 0};
+    if (url.empty()) return {HttpError::BadUrl};
     int status = 0;
     for (int followed = 0; followed <= kMostRedirects; ++followed) {
       WinHttpExchange exchange(session_.Get(), request, limits);
       const HttpError error = exchange.Send(url);
-      if (error != HttpError::None) return {error, status};
+      if (error != HttpError::None) return exchange.Outcome(error, status);
       status = exchange.Head().status;
       const std::string redirect = RedirectOf(exchange.Head(), url);
       if (redirect.empty()) {
         sink.Begin(exchange.Head());
-        return {exchange.ReadBody(sink), status};
+        return exchange.Outcome(exchange.ReadBody(sink), status);
       }
       if (!base::RedirectAllowed(url, redirect)) break;
       url = base::ResolvedUrl(redirect);

@@ -8,6 +8,7 @@
 #include "platform/machine.hpp"
 #include "platform/win32/com_apartment.hpp"
 #include "platform/win32/handles.hpp"
+#include "platform/win32/system_error.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -49,7 +50,7 @@ std::string ArgumentsOf(const StartRequest& request) {
 
 // A program whose manifest demands administrator rights cannot be started by CreateProcess; the shell asks
 // the player for them.
-bool StartElevated(const StartRequest& request, const std::string& program) {
+void StartElevated(const StartRequest& request, const std::string& program) {
   const ComApartment com;
   const std::wstring file = Wide(program), arguments = Wide(ArgumentsOf(request)),
                      folder = Wide(request.workingFolder);
@@ -60,7 +61,7 @@ bool StartElevated(const StartRequest& request, const std::string& program) {
   start.lpParameters = arguments.c_str();
   start.lpDirectory = folder.empty() ? nullptr : folder.c_str();
   start.nShow = ShowCommandOf(request.style);
-  return ShellExecuteExW(&start) != 0;
+  if (!ShellExecuteExW(&start)) RaiseWithText(GetLastError(), program);
 }
 
 class SystemLock : public NamedLock {
@@ -75,9 +76,9 @@ class SystemLock : public NamedLock {
 
 class SystemProcesses : public Processes {
  public:
-  bool Start(const StartRequest& request) override {
+  void Start(const StartRequest& request) override {
     const std::string program = ProgramOf(request);
-    if (program.empty()) return false;
+    if (program.empty()) RaiseWithText(ERROR_BAD_PATHNAME);
     std::wstring line = Wide(request.commandLine);  // the call may write into it
     const std::wstring folder = Wide(request.workingFolder);
     STARTUPINFOW start{};
@@ -88,12 +89,16 @@ class SystemProcesses : public Processes {
     if (!CreateProcessW(SystemPath(program).c_str(), line.data(), nullptr, nullptr, FALSE,
                         CREATE_DEFAULT_ERROR_MODE, nullptr, folder.empty() ? nullptr : folder.c_str(), &start,
                         &started)) {
-      return GetLastError() == kElevationRequired && StartElevated(request, program);
+      const DWORD code = GetLastError();
+      if (code != kElevationRequired) RaiseWithText(code, program);
+      StartElevated(request, program);
+      return;
     }
     const unique_process process(started.hProcess);
     const unique_thread thread(started.hThread);
-    return true;
   }
+
+  void EndAtOnce(int exitStatus) override { ExitProcess(static_cast<UINT>(exitStatus)); }
 
   std::vector<std::string> RunningImageNames() override {
     std::vector<std::string> names;

@@ -1,7 +1,11 @@
 #include "platform/win32/system_error.hpp"
 
+#include <array>
+
 #include "base/runtime_error.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
+#include "platform/win32/wide.hpp"
 
 namespace platform {
 namespace {
@@ -58,6 +62,24 @@ void RaiseSystemError(DWORD code, const std::string& path) {
     if (entry.code == code) throw base::RuntimeError(entry.number);
   }
   throw base::RuntimeError(ErrorNumber::DeviceIoError);
+}
+
+std::string SystemErrorText(DWORD code, HMODULE module) {
+  std::array<wchar_t, 512> text{};
+  const DWORD from = FORMAT_MESSAGE_FROM_SYSTEM | (module ? FORMAT_MESSAGE_FROM_HMODULE : 0);
+  const DWORD length = FormatMessageW(from | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                                      module, code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
+  return std::string(base::Trim(Narrow(std::wstring_view(text.data(), length))));
+}
+
+void RaiseWithText(DWORD code, const std::string& path) {
+  try {
+    RaiseSystemError(code, path);
+  } catch (const base::RuntimeError& error) {
+    const std::string text = SystemErrorText(code);
+    if (text.empty()) throw;
+    throw base::RuntimeError(static_cast<base::ErrorNumber>(error.Number()), text);
+  }
 }
 
 }  // namespace platform

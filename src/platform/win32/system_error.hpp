@@ -10,6 +10,13 @@ namespace platform {
 // place of a file from a file that may not be touched.
 [[noreturn]] void RaiseSystemError(DWORD code, const std::string& path = {});
 
+// As RaiseSystemError, described in the system's own words (in the user's language).
+[[noreturn]] void RaiseWithText(DWORD code, const std::string& path = {});
+
+// The system's own words for a code, without a line end; `module` (null: the system itself) may know more.
+// Empty when there are none.
+std::string SystemErrorText(DWORD code, HMODULE module = nullptr);
+
 // Repeats `attempt` for about half a second while another program, such as a virus scanner, holds the file it
 // is about; returns ERROR_SUCCESS or the last error. attempt() is true when it succeeded.
 template <class Attempt>

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "base/text.hpp"
+#include "platform/win32/system_error.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -169,7 +170,8 @@ HttpError WinHttpExchange::AddHeaders() {
   return HttpError::None;
 }
 
-HttpError WinHttpExchange::ErrorOf(DWORD code) const {
+HttpError WinHttpExchange::ErrorOf(DWORD code) {
+  systemError_ = code;
   switch (code) {
     case ERROR_WINHTTP_INVALID_URL:
     case ERROR_WINHTTP_UNRECOGNIZED_SCHEME:
@@ -195,6 +197,14 @@ HttpError WinHttpExchange::ErrorOf(DWORD code) const {
     default:
       return headDone_ ? HttpError::CutShort : HttpError::Other;
   }
+}
+
+HttpOutcome WinHttpExchange::Outcome(HttpError error, int status) const {
+  HttpOutcome outcome{error, status};
+  if (error == HttpError::None || systemError_ == ERROR_SUCCESS) return outcome;
+  outcome.systemError = systemError_;
+  outcome.systemText = SystemErrorText(systemError_, GetModuleHandleW(L"winhttp.dll"));
+  return outcome;
 }
 
 // Waits for the end of the call that was just made; `value` is what it tells.

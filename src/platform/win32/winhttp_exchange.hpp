@@ -77,6 +77,8 @@ class WinHttpExchange {
   HttpError Send(const std::string& url);
   const HttpHead& Head() const { return head_; }
   HttpError ReadBody(HttpSink& sink);
+  // `error` together with what WinHTTP said of it.
+  HttpOutcome Outcome(HttpError error, int status) const;
 
   static void CALLBACK OnStatus(HINTERNET handle, DWORD_PTR context, DWORD status, void* information,
                                 DWORD size);
@@ -87,7 +89,7 @@ class WinHttpExchange {
   HttpError AddHeaders();
   HttpError ReadPiece(DWORD& count);
   HttpError Finish(BOOL started, DWORD& value);
-  HttpError ErrorOf(DWORD code) const;
+  HttpError ErrorOf(DWORD code);
   void TakeHead();
   bool IsChunked() const { return !head_.Header("transfer-encoding").empty(); }
 
@@ -98,6 +100,7 @@ class WinHttpExchange {
   unique_internet server_;
   unique_internet exchange_;  // closed before the server it talks to
   HttpHead head_;
+  DWORD systemError_ = ERROR_SUCCESS;  // of the last call that failed
   bool headDone_ = false;
   std::uint64_t delivered_ = 0;  // bytes of the body
   std::uint64_t counted_ = 0;    // bytes that limits_ knows of
