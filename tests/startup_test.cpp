@@ -23,14 +23,22 @@ struct Recorder : testing::Test, support::TestServices {
 };
 
 TEST_F(Recorder, ShowsEveryTextAndWritesNoRepeats) {
+  const auto start = host.clock.Milliseconds();
   for (const char* text : {"A", "A", "A", "B", "A", "", ""}) recorder.LogError(text);
   EXPECT_EQ(host.dialogs.shown.size(), 7u);
+  EXPECT_EQ(host.clock.Milliseconds() - start, 5 * 100u) << "a pause before each line that is written";
   EXPECT_EQ(Log(), Line("A") + Line("B") + Line("A") + Line("") + Line(""));
 }
 
 TEST_F(Recorder, WritesARepeatAgainAfter1500) {
   for (int i = 0; i < 1502; ++i) recorder.LogError("A");
   EXPECT_EQ(Log(), Line("A") + Line("A"));
+}
+
+TEST_F(Recorder, NotesAreWrittenOnceInARowAndShownToNobody) {
+  for (const char* text : {"A {1}", "A {1}", "B", "A {1}"}) recorder.Note(text);
+  EXPECT_EQ(Log(), Line("A -1-") + Line("B") + Line("A -1-"));
+  EXPECT_TRUE(host.dialogs.shown.empty());
 }
 
 TEST_F(Recorder, ReplacesBracesInTheLogOnly) {
@@ -53,6 +61,7 @@ TEST_F(Recorder, AsksToCloseAndOnlyYesEndsTheProgram) {
   host.dialogs.answers = {DialogAnswer::Yes};
   recorder.LogError("B", true);
   EXPECT_TRUE(lifetime.Ending());
+  EXPECT_EQ(host.processes.endedAtOnce, 1) << "nothing is unloaded or saved any more";
   EXPECT_EQ(host.dialogs.shown.back().title, "¡Error en el Launcher de Kelvarin!");
   EXPECT_EQ(host.dialogs.shown.back().text,
             "B\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.");
@@ -131,6 +140,16 @@ TEST(Main, PreparesTheFolderAndTheTimers) {
   EXPECT_EQ(run.machine.processes.started[0].commandLine,
             "RunDll32.exe InetCpl.cpl, ClearMyTracksByProcess 8");
   EXPECT_EQ(run.machine.processes.locksTaken, std::vector<std::string>{"Global\\Kelvarin"});
+  EXPECT_EQ(run.mirror.server.Count("/web/include/ipdate.php"), 1u);
+  EXPECT_EQ(run.mirror.server.Count("/web/include/info.php"), 1u);
+  run.Launched().MainWindow().cmdConfig.Click();
+  ui::OptionsWindow& options = run.Launched().Options().Window;
+  EXPECT_TRUE(options.Visible) << "settings are for everybody once the start is done";
+  for (const auto& [sound, silenced] : {std::pair{"12", true}, {"13", false}, {"14", false}, {"15", false}}) {
+    options.cmbWavsList.Text = std::string(sound);
+    options.cmbWavsList.KeyUp();
+    EXPECT_EQ(options.chkSilenciarWav.Checked.Get(), silenced) << sound;
+  }
 
   run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "más nuevo");
   run.Start();
@@ -161,6 +180,25 @@ TEST(Main, MeetsOtherInstances) {
     EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), entry.show);
     EXPECT_TRUE(run.Launched().MainWindow().Visible);  // neither message ends the start-up
   }
+}
+
+TEST(Main, UpdateOnlyModeMeetsNobody) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.machine.processes.lockExists = true;
+  run.machine.processes.running = {"Kelvarin.exe"};
+  run.Start("/UPDATES");
+  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), "");
+  EXPECT_FALSE(run.Shown("Se encontró otra instancia del launcher abierta."));
+  EXPECT_TRUE(run.machine.processes.locksTaken.empty());
+}
+
+TEST(Main, AsksForServersAgainWhileNoneIsUp) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.mirror.server.On("/web/include/info.php", support::Text("1@Alpha@OFFLINE@x@5@0@@8|"));
+  run.Start();
+  EXPECT_EQ(run.mirror.server.Count("/web/include/info.php"), 2u);
 }
 
 TEST(Main, ARenamedLauncherEndsAStaleClient) {

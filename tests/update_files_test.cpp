@@ -237,10 +237,11 @@ TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
   folder.Put("game/RECURSOS/INIT/AUMapas.ini", "99999");
   EXPECT_EQ(counters.Read("Mapas"), 0);
   ASSERT_EQ(with.host.dialogs.shown.size(), 1u);
-  EXPECT_EQ(with.host.dialogs.shown[0].text,
-            "Error: Error en la linea N30 del procedimiento 8, descripción: OverflowReporta esto mediante el "
-            "soporte "
-            "WEB en http://soporte/");
+  EXPECT_EQ(
+      with.host.dialogs.shown[0].text,
+      "Error: Error en la linea N30 del procedimiento 8, descripción: Overflow. reporta esto mediante el "
+      "soporte "
+      "WEB en http://soporte/");
   EXPECT_TRUE(counters.Write("Mapas", 13));
   EXPECT_EQ(folder.Get("game/RECURSOS/INIT/AUMapas.ini"), "13\r\n");
   EXPECT_FALSE(update::CounterStore(without.services).Write("AU", 1));

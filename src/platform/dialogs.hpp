@@ -7,6 +7,19 @@ namespace platform {
 enum class DialogButtons { Ok, YesNo, YesNoCancel };
 enum class DialogAnswer { Ok, Yes, No, Cancel };
 
+// What a box is answered with when nobody is there: its last button, which does the least.
+constexpr DialogAnswer UnattendedAnswer(DialogButtons buttons) {
+  switch (buttons) {
+    case DialogButtons::Ok:
+      return DialogAnswer::Ok;
+    case DialogButtons::YesNo:
+      return DialogAnswer::No;
+    case DialogButtons::YesNoCancel:
+      break;
+  }
+  return DialogAnswer::Cancel;
+}
+
 // The program's own name, the title of a message box that is given none.
 inline constexpr const char* kDefaultDialogTitle = "Launcher - Kelvarin";
 

@@ -33,8 +33,10 @@ std::optional<FileStamp> StampOf(const std::string& path);
 void RemoveFile(const std::string& path);     // 53 when there is none
 bool TryRemoveFile(const std::string& path);  // true when there is no such file afterwards
 void RemoveTree(const std::string& folder);   // links are removed, never followed; a missing folder is fine
-void MakeFolder(const std::string& path);     // one level; an existing folder is fine
-void MakeFolders(const std::string& path);    // every missing level
+// Removes the folders below `folder` that hold no file; links are neither followed nor removed. Never fails.
+void RemoveEmptyFolders(const std::string& folder);
+void MakeFolder(const std::string& path);   // one level; an existing folder is fine
+void MakeFolders(const std::string& path);  // every missing level
 
 // Renames `from` over `to` (same volume) so that any reader sees the old or the new file whole. A target that
 // is a running program is moved aside first and removed as soon as the system allows.
@@ -49,6 +51,8 @@ void FlushTree(const std::string& folder);  // as FlushFile, of every file below
 // Bytes that this user may still write below `folder`, which exists; the largest number when the system does
 // not tell.
 std::uint64_t FreeSpace(const std::string& folder);
+// Raises 61 with the amount that is missing, in the player's words, when there are not so many free.
+void RequireSpace(const std::string& folder, std::uint64_t bytes);
 
 struct FoundFile {
   std::string path;  // relative to the folder searched, platform separators

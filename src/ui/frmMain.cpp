@@ -64,7 +64,7 @@ void frmMain::WireHoverTexts() {
   const auto explain = [this](const char* text) {
     return [this, text](MouseButton) {
       window_.lblErrorWhatsApp.Visible = false;
-      window_.lblEstado.Caption = std::string(text);
+      Explain(text);
     };
   };
   window_.cmdIniciar.MouseMove += explain(kPlayText);
@@ -104,6 +104,7 @@ std::string frmMain::LoadFailure(const startup::Failure& failure) const {
 void frmMain::SetUp(int& line, bool showWindow) {
   line = 10;
   screen_.Attach(window_);
+  loaded_ = true;
   window_.tmrShow.Set(true);
   line = 20;
   FSys_.Form_Load(window_);
@@ -191,7 +192,12 @@ void frmMain::CentreWhenMaximised() {
 void frmMain::Form_MouseMove(MouseButton button) {
   if (button == MouseButton::Left) screen_.StartDrag(window_);
   lastPressed_.LastPressed->ToggleToNormal();
-  window_.lblEstado.Caption = std::string{};
+  Explain("");
+}
+
+void frmMain::Explain(const char* text) {
+  window_.restingStatus = text;
+  window_.lblEstado.Caption = std::string(text);
 }
 
 void frmMain::Form_KeyDown(int keyCode) {

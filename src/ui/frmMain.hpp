@@ -46,6 +46,8 @@ class frmMain {
   // True when the whole file arrived; never raises.
   bool DownloadFile(const std::string& Url, const std::string& LocalFilename);
 
+  // Whether there is a window that can be shown and closed.
+  bool Loaded() const { return loaded_; }
   bool IsStaff() const { return staff_; }
   FrmSysTrays& Tray() { return FSys_; }
 
@@ -64,6 +66,7 @@ class frmMain {
   void CentreWhenMaximised();
   std::string OutsideFolder() const;
 
+  void Explain(const char* text);  // what the pointer is over, in the status line
   void Form_MouseMove(controls::MouseButton button);
   void Form_KeyDown(int keyCode);
   void Form_QueryUnload(controls::UnloadMode mode);
@@ -77,6 +80,7 @@ class frmMain {
   clsGraphicalButton none_;
   LastPressedHolder lastPressed_{&none_};
   FrmSysTrays FSys_;
+  bool loaded_ = false;
   bool staff_ = false;
 };
 

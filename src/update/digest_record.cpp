@@ -33,6 +33,16 @@ std::string_view TakeLine(std::string_view& text) {
 
 }  // namespace
 
+std::string RecordFile(const startup::Folders& folders) {
+  return folders.BinDir + platform::kSeparator + kRecordName;
+}
+
+void DigestRecord::Empty() {
+  proofs_.clear();
+  changed_ = false;
+  platform::WriteWhole(file_, " \r\n");
+}
+
 void DigestRecord::Load() {
   proofs_.clear();
   changed_ = false;

@@ -6,8 +6,14 @@
 #include <string>
 
 #include "platform/files.hpp"
+#include "startup/folders.hpp"
 
 namespace update {
+
+inline constexpr const char* kRecordName = "MD5Update.ini";  // below Bin
+
+// Full path of the record of an installation.
+std::string RecordFile(const startup::Folders& folders);
 
 // What was proved of the files below Bin at earlier starts (MD5Update.ini): a digest counts again only while
 // the file's size and time of last change are exactly the recorded ones. Lines of readable text (UTF-8): a
@@ -18,6 +24,8 @@ class DigestRecord {
  public:
   explicit DigestRecord(std::string file) : file_(std::move(file)) {}
 
+  // Leaves a record that vouches for nothing; raises what the file system does.
+  void Empty();
   void Load();  // never fails
   std::optional<std::string> Find(const std::string& inBin, const platform::FileStamp& stamp) const;
   void Remember(const std::string& inBin, const platform::FileStamp& stamp, const std::string& digest);

@@ -15,7 +15,7 @@ namespace update {
 namespace {
 
 constexpr const char* kIndexName = "Info.kvn";
-constexpr const char* kRecordName = "MD5Update.ini";
+constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 256 << 20;  // bytes; a game of a million files has a smaller one
 constexpr std::size_t kNotedRefusals = 10;
 constexpr std::size_t kFilesPerRound = 16;  // between two looks at the player's events
@@ -24,31 +24,39 @@ std::string Folded(std::string_view name) { return base::UpperLatin(base::Replac
 
 }  // namespace
 
-IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download)
-    : services_(services), frmMain_(frmMain), download_(download) {}
+IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
+                       modCompression& compression)
+    : services_(services), frmMain_(frmMain), download_(download), compression_(compression) {}
 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
-  const std::string packed = services_.folders.AppPath + platform::kSeparator + kIndexName;
-  const std::string unpacked = packed + ".txt";
-  bool good = false;
-  try {
-    if (download_.DescargarArchivo(kIndexName, false) == DownloadResult::Done) {
-      if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
-      startup::RunBlocking(services_, [&](std::stop_token stop) {
-        ExpandPackedFile(packed, unpacked, stop, platform::OutputFile::Lasting::No);
-        index_.Read(unpacked);
-      });
-      good = true;
-    }
-  } catch (...) {
-    services_.recorder.Note("Info.kvn: " + startup::CurrentFailure(0).Opening());
-  }
-  platform::TryRemoveFile(packed);
-  platform::TryRemoveFile(unpacked);
+  fetched_.clear();
+  complaint_.reset();
+  const Fetched fetched = download_.DescargarArchivo(
+      kIndexName, false, [this](const std::string& packed) { return Take(packed); });
+  platform::TryRemoveFile(services_.folders.AppPath + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
+  const bool good = fetched.result == DownloadResult::Done;
+  if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
   NoteRefusals();
   return good;
+}
+
+// Reads the index; why it cannot be used, empty when it can.
+std::string IndexStage::Take(const std::string& packed) {
+  const std::string unpacked = packed + ".txt";
+  std::string why;
+  try {
+    if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
+    bool done = false;
+    complaint_ = compression_.Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, done);
+    if (complaint_) why = complaint_->text;
+    if (done) startup::RunBlocking(services_, [&](std::stop_token) { index_.Read(unpacked); });
+  } catch (...) {
+    why = startup::CurrentFailure(0).Opening();
+  }
+  platform::TryRemoveFile(unpacked);
+  return why;
 }
 
 void IndexStage::NoteRefusals() const {
@@ -73,7 +81,7 @@ void IndexStage::RemoveForeignFiles() const {
     for (const IndexRecord& record : index_.Records()) named.insert(Folded(record.inBin));
     for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
       if (stop.stop_requested()) return;
-      if (base::Contains(platform::FileNameOf(file.path), "$")) continue;
+      if (base::Contains(file.path, "$")) continue;
       if (named.contains(Folded(base::WithSlashes(file.path)))) continue;
       platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
     }
@@ -90,7 +98,7 @@ std::string IndexStage::PathOf(const IndexRecord& record) const {
 }
 
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
-  DigestRecord proved(services_.folders.BinDir + platform::kSeparator + kRecordName);
+  DigestRecord proved(RecordFile(services_.folders));
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
   std::vector<Verification::Target> targets(records.size());
@@ -112,13 +120,16 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
 }
 
 void IndexStage::FetchAgain(std::size_t i) {
+  const IndexRecord& record = index_.Records()[i];
   const auto number = static_cast<std::int32_t>(i + 1),
              count = static_cast<std::int32_t>(index_.Records().size());
-  frmMain_.lblEstado.Caption =
-      "Progreso de actualización: " + std::to_string(number) + "/" + std::to_string(count);
-  const IndexRecord& record = index_.Records()[i];
-  if (!download_.DownloadClient(number, count, record))
-    services_.recorder.Note("No se pudo descargar " + record.path);
+  if (download_.DownloadClient(number, count, record))
+    fetched_[Folded(record.inBin + kPackedEnding)] = record.digest;
+}
+
+std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {
+  const auto found = fetched_.find(Folded(base::WithSlashes(packed)));
+  return found == fetched_.end() ? std::nullopt : std::optional(found->second);
 }
 
 void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& proved) {

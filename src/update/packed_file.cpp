@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <optional>
 #include <span>
 #include <vector>
 
 #include "base/runtime_error.hpp"
+#include "platform/digest.hpp"
 #include "platform/files.hpp"
 #include "update/inflater.hpp"
 
@@ -61,6 +64,24 @@ bool Expand(platform::InputFile& file, std::uint64_t claim, std::stop_token stop
   return false;
 }
 
+// Hands the content out in pieces; false when it was not the one asked for or `stop` was requested.
+bool ExpandProving(const std::string& source, std::stop_token stop, const std::string& md5,
+                   const std::function<void(std::uint64_t)>& begin,
+                   const std::function<void(std::span<const std::byte>)>& take) {
+  platform::InputFile file(source);
+  const std::int32_t claim = ReadClaim(file);
+  if (claim < 1) Damaged();
+  const std::uint64_t packed = file.Size() - kHeaderSize;
+  if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
+  begin(static_cast<std::uint64_t>(claim));
+  platform::Digest digest(platform::DigestKind::Md5);
+  Expand(file, static_cast<std::uint64_t>(claim), stop, [&](std::span<const std::byte> bytes) {
+    take(bytes);
+    if (!md5.empty()) digest.Update(bytes);
+  });
+  return !stop.stop_requested() && (md5.empty() || digest.Hex() == md5);
+}
+
 }  // namespace
 
 std::int32_t ClaimedSize(const std::string& source) {
@@ -68,17 +89,26 @@ std::int32_t ClaimedSize(const std::string& source) {
   return ReadClaim(file);
 }
 
-void ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop,
-                      platform::OutputFile::Lasting lasting) {
-  platform::InputFile file(source);
-  const std::int32_t claim = ReadClaim(file);
-  if (claim < 1) Damaged();
-  const std::uint64_t packed = file.Size() - kHeaderSize;
-  if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
-  platform::OutputFile target(destination);
-  Expand(file, static_cast<std::uint64_t>(claim), stop,
-         [&](std::span<const std::byte> bytes) { target.Write(bytes); });
-  if (!stop.stop_requested()) target.Commit(lasting);
+bool ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop,
+                      const Expansion& how) {
+  std::optional<platform::OutputFile> target;
+  const auto begin = [&](std::uint64_t size) {
+    platform::RequireSpace(platform::FolderOf(destination), size);
+    target.emplace(destination);
+  };
+  const auto write = [&](std::span<const std::byte> bytes) { target->Write(bytes); };
+  if (!ExpandProving(source, stop, how.md5, begin, write)) return false;
+  target->Commit(how.lasting);
+  return true;
+}
+
+bool PackedFileHolds(const std::string& source, const std::string& md5, std::stop_token stop) {
+  try {
+    return ExpandProving(
+        source, stop, md5, [](std::uint64_t) {}, [](std::span<const std::byte>) {});
+  } catch (const base::RuntimeError&) {
+    return false;
+  }
 }
 
 }  // namespace update

@@ -87,17 +87,23 @@ void Install(const std::string& archive, const std::string& root, const std::str
 
 }  // namespace
 
-bool smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
+Unpacked smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
   const std::string root = services_.folders.Scratch("Unzip");
+  Unpacked result;
   try {
     startup::RunBlocking(services_, [&](std::stop_token stop) { Install(archive, root, directory, stop); });
-    return !services_.lifetime.Ending();
+    result.done = !services_.lifetime.Ending();
   } catch (const base::RuntimeError& error) {
-    if (error.Is(base::ErrorNumber::InterfaceNotSupported)) throw;
-    services_.recorder.Note(platform::FileNameOf(archive) + ": " + error.Description());
-    services_.host.dialogs.Show("Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
-    return false;
+    result.reason = error.Description();
+    result.ownFailure = !error.Is(base::ErrorNumber::InvalidFileFormat);
   }
+  if (!result.done) {
+    try {
+      platform::RemoveTree(root);
+    } catch (const base::RuntimeError&) {  // what is left of it goes the next time
+    }
+  }
+  return result;
 }
 
 }  // namespace update

@@ -59,6 +59,16 @@ void RemoveTree(const std::string& folder) {
   if (error) RaiseErrno(error.value(), folder);
 }
 
+void RemoveEmptyFolders(const std::string& folder) {
+  std::error_code error;
+  std::vector<fs::path> found;  // parents before their children
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (entry->symlink_status(error).type() == fs::file_type::directory) found.push_back(entry->path());
+  }
+  for (auto path = found.rbegin(); path != found.rend(); ++path) rmdir(path->c_str());
+}
+
 void MakeFolder(const std::string& path) {
   if (mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && IsFolder(path))) return;
   const int code = errno;

@@ -168,6 +168,20 @@ void RemoveTree(const std::string& folder) {
   for (auto path = found.rbegin(); path != found.rend(); ++path) RequireGone(DeleteFolder(*path), *path);
 }
 
+void RemoveEmptyFolders(const std::string& folder) {
+  std::vector<std::string> found{folder};  // parents before their children
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const std::string above = found[i];
+    ForEachEntry(above, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
+      if (IsFolderEntry(entry) && !IsLink(entry)) found.push_back(above + kSeparator + name);
+    });
+  }
+  while (found.size() > 1) {
+    RemoveDirectoryW(SystemPath(found.back()).c_str());
+    found.pop_back();
+  }
+}
+
 void MakeFolder(const std::string& path) {
   if (CreateDirectoryW(SystemPath(path).c_str(), nullptr)) return;
   const DWORD code = GetLastError();
