@@ -384,7 +384,7 @@ TEST_F(OptionsWindowTest, MissingPicturesAreReportedOnceAndTheWindowWorks) {
   ASSERT_EQ(host.dialogs.shown.size(), 1u);
   EXPECT_EQ(
       host.dialogs.shown[0].text,
-      "Error: Error 53 (File not found) procedimiento Form_Load Formulario frmOpciones línea: 60 por favor "
+      "Error: Error 53 (File not found) procedimiento Form_Load Formulario frmOpciones línea: 30 por favor "
       "reportelo en nuestra página de Facebook:, http://social.example");
   EXPECT_TRUE(form.Window.Visible);
   Click("chkMiniMap");
@@ -415,6 +415,40 @@ TEST_F(OptionsWindowTest, KeysAndMessagesShowTheirLayout) {
   const controls::Window& messages = form.MessagesConfigurateds.Window;
   EXPECT_EQ(label(messages, "Label10"), "Mensaje 10:");
   EXPECT_NE(messages.Find("messageTxt(9)"), nullptr);
+}
+
+TEST_F(OptionsWindowTest, WhatWasTypedIntoKeysAndMessagesIsGoneAtTheNextOpening) {
+  Show();
+  const std::tuple<const char*, controls::Window*, const char*> windows[] = {
+      {"imgCustomKeys1", &form.CustomK.Window, "Text1(32)"},
+      {"imgCustomMsg", &form.MessagesConfigurateds.Window, "messageTxt(9)"}};
+  for (const auto& [opener, window, name] : windows) {
+    auto& box = dynamic_cast<controls::TextBox&>(*window->Find(name));
+    Click(opener);
+    box.Text = std::string("F12");
+    Click(opener);
+    EXPECT_EQ(box.Text.Get(), "F12") << "an open window stays as it is";
+    window->KeyDown(controls::kKeyEscape);
+    Click(opener);
+    EXPECT_EQ(box.Text.Get(), "") << name;
+  }
+}
+
+TEST_F(OptionsWindowTest, ButtonsThatLeadNowhereNeverLightUp) {
+  folder.Put("RECURSOS/GRAFICOS/Opciones/aceptar_n.jpg", "x");
+  Show();
+  Click("imgCustomKeys1");
+  for (controls::Control* idle :
+       {form.CustomK.Window.Find("imgAcept"), form.CustomK.Window.Find("imgDefault"),
+        form.CustomK.Window.Find("imgClose"), form.Window.Find("imgMapa")}) {
+    auto& image = dynamic_cast<controls::ImageControl&>(*idle);
+    const std::string normal = image.Picture;
+    EXPECT_TRUE(normal.ends_with("_n.jpg")) << image.Name();
+    EXPECT_FALSE(image.Enabled) << image.Name();
+    image.MouseMove(controls::MouseButton::None);
+    EXPECT_EQ(image.Picture.Get(), normal) << image.Name();
+  }
+  EXPECT_TRUE(host.dialogs.shown.empty()) << "their missing pictures are not told";
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "base/numeric.hpp"
+#include "base/runtime_error.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "ui/frmOpciones.hpp"

@@ -6,9 +6,8 @@
 
 namespace ui {
 
-std::string OptionPicture(const startup::Folders& folders, const std::string& name,
-                          const std::string& state) {
-  return folders.GraphicsDir + platform::NativePath("Opciones\\") + name + state + ".jpg";
+SkinPictures OptionPictures(const startup::Folders& folders) {
+  return SkinPictures(folders.GraphicsDir + platform::NativePath("Opciones\\"));
 }
 
 Words WindowWords(const std::string& procedure, const std::string& window) {
