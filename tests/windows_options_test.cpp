@@ -195,8 +195,8 @@ TEST_F(WindowsOptionsTest, VolumesStopAtTheirEnds) {
     int before, after;
   } cases[] = {{"Plus", 100, 100}, {"Plus", 98, 100}, {"Less", 3, 0}, {"Less", 0, 0}, {"Plus", 30, 35}};
   for (const auto& [button, before, after] : cases) {
-    gameIni.Config.MusicVolume = before;
-    gameIni.Config.SoundVolume = static_cast<std::int16_t>(before);
+    gameIni.Set(&GC::MusicVolume, before);
+    gameIni.Set(&GC::SoundVolume, static_cast<std::int16_t>(before));
     for (const std::string kind : {"Sound", "Music"}) {
       Click(std::string("img") + button + kind + "Volume");
       EXPECT_EQ(Stored(kind + "Volume"), std::to_string(after)) << button << kind << before;
@@ -330,7 +330,7 @@ TEST_F(WindowsOptionsTest, EscAndCloseSaveAndEndEachWindow) {
   int rate = 200;
   const auto closes = [&](controls::Window& window, const std::function<void()>& close) {
     ASSERT_TRUE(opened(window)) << window.Name();
-    gameIni.Config.FPS = ++rate;
+    gameIni.Set(&GC::FPS, ++rate);
     close();
     EXPECT_FALSE(IsWindowVisible(Handle(window))) << window.Name();
     EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();

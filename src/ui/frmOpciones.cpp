@@ -122,7 +122,7 @@ void frmOpciones::ShowGuildChat() {
 }
 
 void frmOpciones::ShowVolumes() {
-  Config().MusicVolume = std::min(Config().MusicVolume, 100);
+  if (Config().MusicVolume > 100) Set(&GC::MusicVolume, 100);
   Window.lblMusicVolume.Caption = std::to_string(Config().MusicVolume) + "%";
   Window.lblSoundVolume.Caption = std::to_string(Config().SoundVolume) + "%";
 }

@@ -60,7 +60,11 @@ class frmOpciones {
   void cmbMemory_Change();
   void OpenPage(const std::string& page);
   void Save();
-  settings::GameConfig& Config() { return services_.gameIni.Config; }
+  const settings::GameConfig& Config() const { return services_.gameIni.Config(); }
+  template <class T>
+  void Set(T settings::GameConfig::*field, const std::type_identity_t<T>& value) {
+    services_.gameIni.Set(field, value);
+  }
   int ChosenSound() const;
 
   SettingsServices& services_;

@@ -21,7 +21,7 @@ SettingsWindow::SettingsWindow(SettingsServices& services, controls::Window& win
     : services_(services), window_(window), load_(std::move(load)), words_(std::move(words)) {
   window_.KeyDown += [this](int key) {
     if (key != controls::kKeyEscape) return;
-    services_.gameIni.SaveGameConfig(services_.gameIni.Config);
+    services_.gameIni.SaveGameConfig(services_.gameIni.Config());
     Close();
   };
   window_.QueryUnload += [this](controls::UnloadMode) { Close(); };
