@@ -161,6 +161,17 @@ TEST_F(WindowsMainWindowTest, KeyboardWalksThePressableButtons) {
   EXPECT_TRUE(lifetime.Ending());
 }
 
+TEST_F(WindowsMainWindowTest, KeyHeldDownIsOnePress) {
+  SetFocus(Child(window.cmdIniciar));
+  Key(VK_RETURN, 5);
+  EXPECT_EQ(plays, 1);
+  Key(VK_SPACE, 5);
+  EXPECT_EQ(plays, 2);
+  PostMessageW(handle, WM_KEYDOWN, VK_ESCAPE, 0x40000001);  // held since another window closed by it
+  host.events->DoEvents();
+  EXPECT_FALSE(lifetime.Ending());
+}
+
 TEST_F(WindowsMainWindowTest, EndOfSessionIsAllowedAndEndsTheProgram) {
   EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
   SendMessageW(handle, WM_ENDSESSION, FALSE, 0);
@@ -207,6 +218,50 @@ TEST_F(WindowsMainWindowTest, MessageBoxBelongsToTheWindow) {
             platform::DialogAnswer::Yes);
   player.join();
   EXPECT_EQ(owner, handle);
+}
+
+// A player whose finger still lies on Enter when the box opens, and who then presses it.
+TEST_F(WindowsMainWindowTest, MessageBoxIsAnsweredByAFreshPressOfItsDefaultButton) {
+  using platform::DialogAnswer;
+  using platform::DialogButtons;
+  const struct {
+    DialogButtons buttons;
+    const char* title;
+    DialogAnswer answer;
+  } cases[] = {{DialogButtons::YesNo, "reintentar", DialogAnswer::Yes},
+               {DialogButtons::RiskyYesNo, "reparar", DialogAnswer::No},
+               {DialogButtons::YesNoCancel, "cliente", DialogAnswer::Yes},
+               {DialogButtons::Ok, "", DialogAnswer::Ok}};
+  ui::win32::Win32Dialogs dialogs;
+  dialogs.SetScreen(&screen);
+  for (const auto& row : cases) {
+    bool survived = false;
+    std::wstring title = L"?";
+    std::thread player([&] {
+      HWND box = nullptr;
+      for (int i = 0; i < 500 && !(box = FindWindowW(L"#32770", nullptr)); ++i) Sleep(20);
+      title = ui::win32::TextOf(box);
+      GUITHREADINFO focus{};
+      focus.cbSize = sizeof focus;
+      for (int i = 0; i < 500 && !focus.hwndFocus; ++i) {
+        GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &focus);
+        Sleep(20);
+      }
+      for (int i = 0; i < 3; ++i) {
+        for (const WPARAM key : {VK_RETURN, VK_SPACE, VK_ESCAPE}) {
+          PostMessageW(focus.hwndFocus, WM_KEYDOWN, key, 0x40000001);
+        }
+      }
+      SendMessageW(box, WM_NULL, 0, 0);
+      Sleep(100);
+      survived = IsWindow(box);
+      PostMessageW(focus.hwndFocus, WM_KEYDOWN, VK_RETURN, 1);
+    });
+    EXPECT_EQ(dialogs.Show("¿?", row.buttons, row.title), row.answer) << row.title;
+    player.join();
+    EXPECT_TRUE(survived) << row.title;
+    EXPECT_EQ(title, platform::Wide(row.title));
+  }
 }
 
 TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {

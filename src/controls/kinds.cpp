@@ -11,7 +11,7 @@ Button::Button(Window& window, std::string name, std::string caption)
     : Control(window, std::move(name)), Caption(*this, "", std::move(caption)) {}
 
 TextBox::TextBox(Window& window, std::string name, std::string text)
-    : Control(window, std::move(name)), Text(*this, "Text", std::move(text)) {}
+    : Control(window, std::move(name)), Text(*this, "Text", text), laidOut_(std::move(text)) {}
 
 OptionButton::OptionButton(Window& window, std::string name, std::string caption)
     : Control(window, std::move(name)), Caption(*this, "", std::move(caption)) {}

@@ -47,8 +47,12 @@ class ProgressBar : public Control {
 class TextBox : public Control {
  public:
   TextBox(Window& window, std::string name, std::string text = "");
+  void ShowLaidOut() { Text = laidOut_; }  // the text it was made with
   Property<std::string, Control> Text;
   Event<> LostFocus;
+
+ private:
+  const std::string laidOut_;
 };
 
 class ComboBox : public Control {

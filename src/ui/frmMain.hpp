@@ -61,8 +61,6 @@ class frmMain {
   void SetUp(int& line, bool showWindow);
   std::string LoadFailure(const startup::Failure& failure) const;
   void LoadPictures();
-  void LoadButton(clsGraphicalButton& button, controls::ImageControl& image, const std::string& stem,
-                  bool startDisabled);
   void CentreWhenMaximised();
   std::string OutsideFolder() const;
 

@@ -5,6 +5,7 @@
 
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "ui/skin_pictures.hpp"
 
 namespace ui {
 namespace {
@@ -39,8 +40,7 @@ void frmNotify::Form_Load() {
       services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string picture = services_.folders.GraphicsDir + "Noticia.jpg";
-        if (platform::IsFile(picture)) window.Picture = picture;
+        window.Picture = SkinPictures(services_.folders.GraphicsDir).Optional("Noticia.jpg");
         StyleNews(false);
         line = 20;
         screen_.Attach(window);

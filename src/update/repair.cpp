@@ -14,7 +14,7 @@ void Repair::cmdReiniciarUpdates_Click() {
             "¿Estás seguro que deseas reiniciar los Updates para intentar reparar el juego?\r\nEste proceso "
             "puede "
             "tardar varios minutos.",
-            platform::DialogButtons::YesNo, "¡ATENCIÓN! Lea con cuidado.");
+            platform::DialogButtons::RiskyYesNo, "¡ATENCIÓN! Lea con cuidado.");
         if (answer != platform::DialogAnswer::Yes) return;
         line = 30;
         DigestRecord(RecordFile(services_.folders)).Empty();

@@ -7,6 +7,8 @@ namespace {
 
 using controls::MouseButton;
 
+constexpr BYTE kDimmedStrength = 90;  // of 255
+
 // A push button of the system that draws a picture, or a plain button where there is none.
 class ButtonView : public View {
  public:
@@ -33,10 +35,7 @@ class ButtonView : public View {
     const Canvas canvas(item.hDC, Width(box), Height(box));
     const HBITMAP picture = Picture(Width(box), Height(box));
     if (picture) {
-      const UniqueDc source(CreateCompatibleDC(item.hDC));
-      const HGDIOBJ before = SelectObject(source.get(), picture);
-      BitBlt(canvas.Dc(), 0, 0, Width(box), Height(box), source.get(), 0, 0, SRCCOPY);
-      SelectObject(source.get(), before);
+      DrawPicture(canvas.Dc(), box, picture);
     } else {
       DrawPlain(canvas.Dc(), box, (item.itemState & ODS_SELECTED) != 0);
     }
@@ -85,6 +84,17 @@ class ButtonView : public View {
   }
 
  private:
+  // A button that leads nowhere shows its picture as a shade of itself.
+  void DrawPicture(HDC dc, const RECT& box, HBITMAP picture) const {
+    PaintBackground(dc);
+    const UniqueDc source(CreateCompatibleDC(dc));
+    const HGDIOBJ before = SelectObject(source.get(), picture);
+    const BYTE strength = control_.Enabled ? 255 : kDimmedStrength;
+    GdiAlphaBlend(dc, 0, 0, Width(box), Height(box), source.get(), 0, 0, Width(box), Height(box),
+                  {AC_SRC_OVER, 0, strength, 0});
+    SelectObject(source.get(), before);
+  }
+
   void DrawPlain(HDC dc, const RECT& box, bool pressed) const {
     PaintBackground(dc);
     skin::DrawButton(dc, box, form_.Scaled(1), pressed);

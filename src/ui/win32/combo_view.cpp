@@ -72,6 +72,7 @@ class ComboView : public View {
   }
 
   bool TakesPointer() const override { return true; }
+  bool TakesText() const override { return editable_; }
 
  protected:
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
@@ -80,6 +81,8 @@ class ComboView : public View {
       return 0;
     }
     if (message == WM_SETTEXT || message == WM_ERASEBKGND) return Default(message, wParam, lParam);
+    // The system gives the wheel to what is under the pointer, be it only passing over.
+    if (message == WM_MOUSEWHEEL && !HasFocus()) return 0;
     if (message == WM_MOUSEMOVE) form_.PointerOver(this, Handle(), wParam, lParam);
     const LRESULT result = View::Message(message, wParam, lParam);
     if (message == WM_LBUTTONDOWN || message == WM_COMMAND || message == WM_KEYDOWN || message == WM_ENABLE) {
@@ -131,6 +134,8 @@ class ComboView : public View {
     return editable_ && GetComboBoxInfo(Handle(), &info) ? info.hwndItem : nullptr;
   }
 
+  bool HasFocus() const { return Focused() || (editable_ && GetFocus() == Edit()); }
+
   void Paint() {
     const BufferedPaint paint(Handle());
     const RECT box = paint.Client();
@@ -146,9 +151,7 @@ class ComboView : public View {
       skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
                       platform::Wide(combo_.Text.Get()));
     }
-    if (Focused() || (editable_ && GetFocus() == Edit())) {
-      Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
-    }
+    if (HasFocus()) Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
   }
 
   controls::ComboBox& combo_;

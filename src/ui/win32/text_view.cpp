@@ -40,6 +40,7 @@ class TextView : public View {
   }
 
   bool TakesPointer() const override { return true; }
+  bool TakesText() const override { return true; }
 
  protected:
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {

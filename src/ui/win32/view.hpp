@@ -34,6 +34,7 @@ class View {
   virtual void PaintFocus(HDC) {}                       // onto the form, around the child
   virtual bool Press() { return false; }                // by Enter; false: it cannot be pressed
   virtual bool TakesPointer() const { return false; }   // false: the form sees the pointer over it
+  virtual bool TakesText() const { return false; }      // it can be typed into
 
  protected:
   // Makes the child window; its messages come to Message from then on.
