@@ -73,7 +73,7 @@ TEST_F(NativeProcesses, AProgramGetsItsWordsItsFolderAndNothingOfOurs) {
   ASSERT_TRUE(Eventually([&] { return folder.Has("words"); }));
   EXPECT_EQ(folder.Get("words"), "one|two words|KELVARIN|");
   EXPECT_EQ(folder.Get("fds"), "/dev/null\n");
-  EXPECT_EQ(folder.Get("open").find(std::to_string(inherited.Get()) + "\n"), std::string::npos);
+  EXPECT_EQ(folder.Get("open").find(std::to_string(inherited.get()) + "\n"), std::string::npos);
 }
 
 TEST_F(NativeProcesses, AnEndedChildLeavesTheProcessList) {
@@ -136,7 +136,7 @@ TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
   PosixEventLoop loop(*clock);
   std::vector<std::string> lines;
   bool nested = false;
-  loop.ReadLines(input.Get(), [&](const std::string& line) {
+  loop.ReadLines(input.get(), [&](const std::string& line) {
     if (line == "outer") {
       loop.DoEvents();  // the handler lets events run: the next lines come now
       nested = lines.size() == 2;
@@ -145,7 +145,7 @@ TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
     return true;
   });
   const std::string text = "outer\ninner\r\n\nlast";
-  ASSERT_EQ(write(output.Get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
+  ASSERT_EQ(write(output.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
   loop.WaitEvents(10'000);
   EXPECT_TRUE(nested);
   EXPECT_EQ(lines, (std::vector<std::string>{"inner", "", "outer"}));

@@ -39,7 +39,7 @@ class NativeTerminal : public testing::Test {
     if (pipe(ends) != 0) throw std::runtime_error("no pipe");
     input_ = platform::UniqueFd(ends[0]);
     player_ = platform::UniqueFd(ends[1]);
-    screen.emplace(events, input_.Get(), out, errors);
+    screen.emplace(events, input_.get(), out, errors);
     screen->Attach(window);
     window.Visible = true;
     screen->StartUpDone();
@@ -48,7 +48,7 @@ class NativeTerminal : public testing::Test {
   ~NativeTerminal() override { screen->Detach(window); }
 
   void Put(const std::string& lines) {
-    ASSERT_EQ(write(player_.Get(), lines.data(), lines.size()), static_cast<ssize_t>(lines.size()));
+    ASSERT_EQ(write(player_.get(), lines.data(), lines.size()), static_cast<ssize_t>(lines.size()));
   }
   void EndInput() { player_ = platform::UniqueFd(); }
   // What is printed because of these lines.
@@ -103,7 +103,7 @@ TEST_F(NativeTerminal, WhatIsEnteredDuringStartUpWaitsForItsEnd) {
   std::string log;
   window.image.Click += [&log] { log += "click "; };
   window.KeyDown += [&log](int) { log += "key "; };
-  screen.emplace(events, input_.Get(), out, errors);
+  screen.emplace(events, input_.get(), out, errors);
   screen->Attach(window);
   Type("frmMain.cmdIniciar\nfrmMain.Esc\nfrmMain.cmdIniciar");
   EXPECT_EQ(log, "key ");

@@ -153,7 +153,7 @@ struct GraphicsLibrary {
   // Which file of the volume bears the name: another one after a copy.
   DWORD Identity() const {
     BY_HANDLE_FILE_INFORMATION info{};
-    GetFileInformationByHandle(Open(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE).Get(), &info);
+    GetFileInformationByHandle(Open(FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE).get(), &info);
     return info.nFileIndexLow;
   }
   std::string path;

@@ -21,15 +21,13 @@ namespace {
 
 using support::TempFolder;
 
-struct LibraryTraits {
-  using Type = HMODULE;
-  static Type Invalid() { return nullptr; }
+struct LibraryTraits : base::NullIsNone<HMODULE> {
   static void Close(Type library) { FreeLibrary(library); }
 };
 
 // A program mapped the way a running one is; it can be renamed and nothing else.
-UniqueHandle<LibraryTraits> Mapped(const std::string& path) {
-  return UniqueHandle<LibraryTraits>(
+base::UniqueHandle<LibraryTraits> Mapped(const std::string& path) {
+  return base::UniqueHandle<LibraryTraits>(
       LoadLibraryExW(Wide(path).c_str(), nullptr, DONT_RESOLVE_DLL_REFERENCES));
 }
 
@@ -52,17 +50,17 @@ TEST(WindowsSettings, LieWhereOlderInstallationsLeftThem) {
   EXPECT_EQ(type, DWORD{REG_SZ});
   const std::wstring longer(2000, L'x');
   unique_registry_key folder;
-  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_ALL_ACCESS, folder.Receive()),
+  ASSERT_EQ(RegOpenKeyExW(HKEY_CURRENT_USER, key.c_str(), 0, KEY_ALL_ACCESS, folder.receive()),
             ERROR_SUCCESS);
   const auto put = [&](const wchar_t* name, DWORD kind, const void* bytes, std::size_t count) {
-    RegSetValueExW(folder.Get(), name, 0, kind, static_cast<const BYTE*>(bytes), static_cast<DWORD>(count));
+    RegSetValueExW(folder.get(), name, 0, kind, static_cast<const BYTE*>(bytes), static_cast<DWORD>(count));
   };
   put(L"open", REG_SZ, longer.data(), longer.size() * sizeof(wchar_t));  // without its final NUL
   const DWORD number = 1;
   put(L"number", REG_DWORD, &number, sizeof number);
   EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "Ñ", "open"), std::string(2000, 'x'));
   EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "Ñ", "number"), "");
-  RegDeleteTreeW(folder.Get(), nullptr);
+  RegDeleteTreeW(folder.get(), nullptr);
 }
 
 TEST(WindowsFiles, ARunningProgramIsReplaced) {
@@ -99,7 +97,7 @@ TEST(WindowsFiles, AFileThatIsHeldForAMomentIsReplacedAfterIt) {
                                OPEN_EXISTING, 0, nullptr));
   const std::jthread scanner([&held] {
     Sleep(30);
-    held.Reset();
+    held.reset();
   });
   WriteWhole(folder / "a", "new");
   EXPECT_EQ(folder.Get("a"), "new");

@@ -8,17 +8,12 @@
 
 #include <cstdio>
 #include <cwchar>
-#include <memory>
-#include <type_traits>
+
+#include "platform/win32/handles.hpp"
 
 namespace {
 
 constexpr ULONGLONG kPatienceMs = 60'000;
-
-struct HandleCloser {
-  void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using UniqueHandle = std::unique_ptr<std::remove_pointer_t<HANDLE>, HandleCloser>;
 
 struct Sought {
   DWORD process;
@@ -70,7 +65,8 @@ int wmain(int count, wchar_t** arguments) {
   if (!CreateProcessW(arguments[2], nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &made)) {
     return Fail("the program does not start");
   }
-  const UniqueHandle process(made.hProcess), thread(made.hThread);
+  const platform::unique_process process(made.hProcess);
+  const platform::unique_thread thread(made.hThread);
   Sought sought{made.dwProcessId, nullptr};
   const ULONGLONG end = GetTickCount64() + kPatienceMs;
   for (;;) {

@@ -6,21 +6,24 @@
 #include <cerrno>
 #include <string_view>
 
+#include "base/unique_handle.hpp"
 #include "platform/machine.hpp"
 
 namespace platform {
 namespace {
 
+struct LocaleTraits : base::NullIsNone<locale_t> {
+  static void Close(locale_t locale) { freelocale(locale); }
+};
+
 class PosixClock : public Clock {
  public:
   // The environment's regional format. Where it sets none, the date is written as the game's players read it.
   PosixClock() : locale_(newlocale(LC_ALL_MASK, "", nullptr)) {
-    if (!locale_) locale_ = newlocale(LC_ALL_MASK, "C", nullptr);
-    const bool unset = std::string_view(nl_langinfo_l(D_FMT, locale_)) == "%m/%d/%y";
+    if (!locale_) locale_.reset(newlocale(LC_ALL_MASK, "C", nullptr));
+    const bool unset = std::string_view(nl_langinfo_l(D_FMT, locale_.get())) == "%m/%d/%y";
     dateFormat_ = unset ? "%d/%m/%Y" : "%x";
   }
-  ~PosixClock() override { freelocale(locale_); }
-  PosixClock(const PosixClock&) = delete;
 
   std::uint64_t Milliseconds() override {
     timespec now{};
@@ -48,10 +51,10 @@ class PosixClock : public Clock {
     tm local{};
     localtime_r(&now, &local);
     std::array<char, 128> text;
-    return std::string(text.data(), strftime_l(text.data(), text.size(), format, &local, locale_));
+    return std::string(text.data(), strftime_l(text.data(), text.size(), format, &local, locale_.get()));
   }
 
-  locale_t locale_;
+  base::UniqueHandle<LocaleTraits> locale_;
   const char* dateFormat_;
 };
 

@@ -3,13 +3,14 @@
 #include <array>
 
 #include "base/runtime_error.hpp"
+#include "base/unique_handle.hpp"
 #include "platform/digest.hpp"
 
 namespace platform {
 namespace {
 
-struct FreeContext {
-  void operator()(EVP_MD_CTX* context) const { EVP_MD_CTX_free(context); }
+struct ContextTraits : base::NullIsNone<EVP_MD_CTX*> {
+  static void Close(EVP_MD_CTX* context) { EVP_MD_CTX_free(context); }
 };
 
 void Require(int done) {
@@ -19,7 +20,7 @@ void Require(int done) {
 }  // namespace
 
 struct Digest::State {
-  std::unique_ptr<EVP_MD_CTX, FreeContext> context{EVP_MD_CTX_new()};
+  base::UniqueHandle<ContextTraits> context{EVP_MD_CTX_new()};
 };
 
 Digest::Digest(DigestKind kind) : state_(std::make_unique<State>()) {

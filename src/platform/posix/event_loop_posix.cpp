@@ -48,14 +48,14 @@ void PosixEventLoop::DoEvents() {
 void PosixEventLoop::WaitEvents(std::uint32_t limitMs) {
   std::uint64_t limit = lines_.empty() ? limitMs : 0;
   if (const auto next = timers_.UntilNext()) limit = std::min(limit, *next);
-  std::array<pollfd, 2> sources = {pollfd{wake_.Get(), POLLIN, 0}, pollfd{input_, POLLIN, 0}};
+  std::array<pollfd, 2> sources = {pollfd{wake_.get(), POLLIN, 0}, pollfd{input_, POLLIN, 0}};
   poll(sources.data(), sources.size(), static_cast<int>(std::min<std::uint64_t>(limit, INT_MAX)));
   eventfd_t ignored;
-  eventfd_read(wake_.Get(), &ignored);
+  eventfd_read(wake_.get(), &ignored);
   DoEvents();
 }
 
-void PosixEventLoop::Wake() { eventfd_write(wake_.Get(), 1); }
+void PosixEventLoop::Wake() { eventfd_write(wake_.get(), 1); }
 
 void PosixEventLoop::ReadInput() {
   if (input_ < 0 || lines_.size() >= kMostLines || !Readable(input_)) return;

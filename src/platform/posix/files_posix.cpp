@@ -90,13 +90,13 @@ void ReplaceFileWith(const std::string& from, const std::string& to) {
 
 void FlushFile(const std::string& path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!file || fsync(file.Get()) != 0) RaiseErrno(errno, path);
+  if (!file || fsync(file.get()) != 0) RaiseErrno(errno, path);
 }
 
 // One flush of the whole file system costs about as much as one of a single file.
 void FlushTree(const std::string& folder) {
   const UniqueFd directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!directory || syncfs(directory.Get()) != 0) RaiseErrno(errno, folder);
+  if (!directory || syncfs(directory.get()) != 0) RaiseErrno(errno, folder);
 }
 
 std::vector<FoundFile> ListTree(const std::string& folder) {
@@ -127,7 +127,7 @@ InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>
   handle_->fd = UniqueFd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!handle_->fd) RaiseErrno(errno, path);
   struct stat status;
-  if (fstat(handle_->fd.Get(), &status) != 0 || !S_ISREG(status.st_mode)) {
+  if (fstat(handle_->fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
   }
 }
@@ -137,20 +137,20 @@ InputFile::InputFile(InputFile&&) noexcept = default;
 
 std::uint64_t InputFile::Size() const {
   struct stat status;
-  if (fstat(handle_->fd.Get(), &status) != 0) RaiseErrno(errno, handle_->path);
+  if (fstat(handle_->fd.get(), &status) != 0) RaiseErrno(errno, handle_->path);
   return static_cast<std::uint64_t>(status.st_size);
 }
 
 std::size_t InputFile::Read(std::span<std::byte> into) {
   for (;;) {
-    const ssize_t count = read(handle_->fd.Get(), into.data(), into.size());
+    const ssize_t count = read(handle_->fd.get(), into.data(), into.size());
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EINTR) RaiseErrno(errno, handle_->path);
   }
 }
 
 void InputFile::Seek(std::uint64_t offset) {
-  if (lseek(handle_->fd.Get(), static_cast<off_t>(offset), SEEK_SET) < 0) RaiseErrno(errno, handle_->path);
+  if (lseek(handle_->fd.get(), static_cast<off_t>(offset), SEEK_SET) < 0) RaiseErrno(errno, handle_->path);
 }
 
 }  // namespace platform

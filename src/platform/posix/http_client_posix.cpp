@@ -12,6 +12,7 @@
 #include <mutex>
 
 #include "base/text.hpp"
+#include "base/unique_handle.hpp"
 #include "base/url.hpp"
 #include "platform/machine.hpp"
 
@@ -25,20 +26,20 @@ constexpr int kMostRedirects = 10;
 constexpr std::size_t kMostIdle = 4;              // sessions kept with their connections
 constexpr std::size_t kLargestHead = 128 * 1024;  // bytes of all header lines of one answer
 
-struct FreeEasy {
-  void operator()(CURL* easy) const { curl_easy_cleanup(easy); }
+struct EasyTraits : base::NullIsNone<CURL*> {
+  static void Close(CURL* easy) { curl_easy_cleanup(easy); }
 };
-struct FreeMulti {
-  void operator()(CURLM* multi) const { curl_multi_cleanup(multi); }
+struct MultiTraits : base::NullIsNone<CURLM*> {
+  static void Close(CURLM* multi) { curl_multi_cleanup(multi); }
 };
-struct FreeList {
-  void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+struct ListTraits : base::NullIsNone<curl_slist*> {
+  static void Close(curl_slist* list) { curl_slist_free_all(list); }
 };
 
 // One transfer at a time; the multi handle owns the connections that are used again.
 struct Session {
-  std::unique_ptr<CURLM, FreeMulti> multi{curl_multi_init()};
-  std::unique_ptr<CURL, FreeEasy> easy{curl_easy_init()};
+  base::UniqueHandle<MultiTraits> multi{curl_multi_init()};
+  base::UniqueHandle<EasyTraits> easy{curl_easy_init()};
 };
 
 // Whether fewer bytes than one a second came during the last `limit`.
@@ -87,16 +88,16 @@ bool IsRedirect(int status) {
   return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
-struct FreeUrl {
-  void operator()(CURLU* url) const { curl_url_cleanup(url); }
+struct UrlTraits : base::NullIsNone<CURLU*> {
+  static void Close(CURLU* url) { curl_url_cleanup(url); }
 };
-struct FreeText {
-  void operator()(char* text) const { curl_free(text); }
+struct TextTraits : base::NullIsNone<char*> {
+  static void Close(char* text) { curl_free(text); }
 };
 
 // `location` as seen from `base`; as it stands when that makes no address.
 std::string Absolute(const std::string& base, const std::string& location) {
-  const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
+  const base::UniqueHandle<UrlTraits> url(curl_url());
   constexpr unsigned kFlags = CURLU_URLENCODE | CURLU_NON_SUPPORT_SCHEME;
   char* text = nullptr;
   if (curl_url_set(url.get(), CURLUPART_URL, base.c_str(), kFlags) != CURLUE_OK ||
@@ -104,7 +105,7 @@ std::string Absolute(const std::string& base, const std::string& location) {
       curl_url_get(url.get(), CURLUPART_URL, &text, 0) != CURLUE_OK) {
     return location;
   }
-  return std::unique_ptr<char, FreeText>(text).get();
+  return base::UniqueHandle<TextTraits>(text).get();
 }
 
 HttpError ErrorOf(CURLcode code) {
@@ -318,7 +319,7 @@ class Exchange {
   std::stop_token stop_;
   SpeedWatch watch_;
   SteadyClock::time_point deadline_;
-  std::unique_ptr<curl_slist, FreeList> headers_;
+  base::UniqueHandle<ListTraits> headers_;
   HttpHead head_;
   std::size_t headBytes_ = 0;
   std::exception_ptr failure_;

@@ -52,13 +52,13 @@ struct OutputFile::Handle {
     struct stat old;
     if (stat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode)) {
       // As far as the system lets us: a replaced program stays executable.
-      [[maybe_unused]] const int ignored = fchmod(fd.Get(), old.st_mode & 0777);
+      [[maybe_unused]] const int ignored = fchmod(fd.get(), old.st_mode & 0777);
     }
   }
 
   void Name() {
     if (named) return;
-    const std::string self = "/proc/self/fd/" + std::to_string(fd.Get());
+    const std::string self = "/proc/self/fd/" + std::to_string(fd.get());
     if (linkat(AT_FDCWD, self.c_str(), AT_FDCWD, neighbour.c_str(), AT_SYMLINK_FOLLOW) != 0) {
       RaiseErrno(errno, path);
     }
@@ -81,13 +81,13 @@ OutputFile::~OutputFile() = default;
 OutputFile::OutputFile(OutputFile&&) noexcept = default;
 
 void OutputFile::Write(std::span<const std::byte> bytes) {
-  WriteAll(handle_->fd.Get(), bytes, handle_->path);
+  WriteAll(handle_->fd.get(), bytes, handle_->path);
 }
 void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(text))); }
 
 void OutputFile::Commit(Lasting lasting) {
   Handle& file = *handle_;
-  if (lasting == Lasting::Yes && fsync(file.fd.Get()) != 0) RaiseErrno(errno, file.path);
+  if (lasting == Lasting::Yes && fsync(file.fd.get()) != 0) RaiseErrno(errno, file.path);
   file.Name();
   const unsigned flags = file.existing == Existing::Refuse ? RENAME_NOREPLACE : 0;
   if (renameat2(AT_FDCWD, file.neighbour.c_str(), AT_FDCWD, file.path.c_str(), flags) != 0) {
@@ -113,7 +113,7 @@ void WriteWhole(const std::string& path, std::string_view bytes) {
 void AppendTo(const std::string& path, std::string_view bytes) {
   const UniqueFd file(open(path.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kNewFileMode));
   if (!file) RaiseErrno(errno, path);
-  WriteAll(file.Get(), std::as_bytes(std::span(bytes)), path);
+  WriteAll(file.get(), std::as_bytes(std::span(bytes)), path);
 }
 
 }  // namespace platform

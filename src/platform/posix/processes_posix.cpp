@@ -108,7 +108,7 @@ std::string ProcText(const std::string& path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
   std::array<char, 4096> piece;
   if (!file) return text;
-  const ssize_t count = read(file.Get(), piece.data(), piece.size());
+  const ssize_t count = read(file.get(), piece.data(), piece.size());
   if (count > 0) text.assign(piece.data(), static_cast<std::size_t>(count));
   return text;
 }
@@ -153,7 +153,7 @@ class FileLock : public NamedLock {
     range.l_type = type;
     range.l_whence = SEEK_SET;
     int result;
-    while ((result = fcntl(fd_.Get(), command, &range)) != 0 && errno == EINTR) {
+    while ((result = fcntl(fd_.get(), command, &range)) != 0 && errno == EINTR) {
     }
     return result == 0;
   }

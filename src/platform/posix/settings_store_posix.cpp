@@ -57,7 +57,7 @@ class PosixSettingsStore : public SettingsStore {
     MakeFolders(FolderOf(file));
     // Two launchers may write at once, and neither may lose the other's value.
     const UniqueFd folder(open(FolderOf(file).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder) flock(folder.Get(), LOCK_EX);
+    if (folder) flock(folder.get(), LOCK_EX);
     std::string text = IsFile(file) ? ReadWhole(file, kLargestFile) : std::string{};
     SetIniValue(text, section, key, value);
     // Quotes keep those blanks and quotes that are the value's own.

@@ -2,29 +2,15 @@
 
 #include <unistd.h>
 
-#include <utility>
+#include "base/unique_handle.hpp"
 
 namespace platform {
 
-// Owns a file descriptor; -1 is none.
-class UniqueFd {
- public:
-  UniqueFd() = default;
-  explicit UniqueFd(int fd) : fd_(fd) {}
-  UniqueFd(UniqueFd&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
-  UniqueFd& operator=(UniqueFd&& other) noexcept {
-    std::swap(fd_, other.fd_);
-    return *this;
-  }
-  ~UniqueFd() {
-    if (fd_ >= 0) close(fd_);
-  }
-
-  int Get() const { return fd_; }
-  explicit operator bool() const { return fd_ >= 0; }
-
- private:
-  int fd_ = -1;
+struct FdTraits {
+  using Type = int;
+  static Type Invalid() { return -1; }
+  static void Close(Type fd) { close(fd); }
 };
+using UniqueFd = base::UniqueHandle<FdTraits>;
 
 }  // namespace platform

@@ -7,20 +7,16 @@
 #include <limits>
 
 #include "base/runtime_error.hpp"
+#include "base/unique_handle.hpp"
 #include "platform/digest.hpp"
-#include "platform/win32/handles.hpp"
 
 namespace platform {
 namespace {
 
-struct AlgorithmTraits {
-  using Type = BCRYPT_ALG_HANDLE;
-  static Type Invalid() { return nullptr; }
+struct AlgorithmTraits : base::NullIsNone<BCRYPT_ALG_HANDLE> {
   static void Close(Type handle) { BCryptCloseAlgorithmProvider(handle, 0); }
 };
-struct HashTraits {
-  using Type = BCRYPT_HASH_HANDLE;
-  static Type Invalid() { return nullptr; }
+struct HashTraits : base::NullIsNone<BCRYPT_HASH_HANDLE> {
   static void Close(Type handle) { BCryptDestroyHash(handle); }
 };
 
@@ -38,16 +34,16 @@ void Require(NTSTATUS status) {
 }  // namespace
 
 struct Digest::State {
-  UniqueHandle<AlgorithmTraits> algorithm;
-  UniqueHandle<HashTraits> hash;  // destroyed before its algorithm
+  base::UniqueHandle<AlgorithmTraits> algorithm;
+  base::UniqueHandle<HashTraits> hash;  // destroyed before its algorithm
   std::size_t length = 0;
 };
 
 Digest::Digest(DigestKind kind) : state_(std::make_unique<State>()) {
   const KindEntry& entry = kKinds[static_cast<int>(kind)];
   state_->length = entry.length;
-  Require(BCryptOpenAlgorithmProvider(state_->algorithm.Receive(), entry.algorithm, nullptr, 0));
-  Require(BCryptCreateHash(state_->algorithm.Get(), state_->hash.Receive(), nullptr, 0, nullptr, 0, 0));
+  Require(BCryptOpenAlgorithmProvider(state_->algorithm.receive(), entry.algorithm, nullptr, 0));
+  Require(BCryptCreateHash(state_->algorithm.get(), state_->hash.receive(), nullptr, 0, nullptr, 0, 0));
 }
 
 Digest::~Digest() = default;
@@ -59,7 +55,7 @@ void Digest::Update(std::span<const std::byte> bytes) {
         static_cast<ULONG>(std::min<std::size_t>(bytes.size(), std::numeric_limits<ULONG>::max()));
     // The call takes a pointer to plain bytes but only reads them.
     auto* data = reinterpret_cast<UCHAR*>(const_cast<std::byte*>(bytes.data()));
-    Require(BCryptHashData(state_->hash.Get(), data, piece, 0));
+    Require(BCryptHashData(state_->hash.get(), data, piece, 0));
     bytes = bytes.subspan(piece);
   }
 }
@@ -67,7 +63,7 @@ void Digest::Update(std::span<const std::byte> bytes) {
 std::string Digest::Hex() {
   static constexpr char kDigits[] = "0123456789abcdef";
   std::array<UCHAR, kLongestDigest> digest;
-  Require(BCryptFinishHash(state_->hash.Get(), digest.data(), static_cast<ULONG>(state_->length), 0));
+  Require(BCryptFinishHash(state_->hash.get(), digest.data(), static_cast<ULONG>(state_->length), 0));
   std::string text;
   for (std::size_t i = 0; i < state_->length; ++i) {
     text += kDigits[digest[i] >> 4];

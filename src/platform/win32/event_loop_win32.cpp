@@ -23,7 +23,7 @@ Win32EventLoop::Win32EventLoop(Clock& clock)
   windowClass.hInstance = GetModuleHandleW(nullptr);
   windowClass.lpszClassName = kClassName;
   RegisterClassExW(&windowClass);  // fails for every loop but the first, whose class serves all
-  window_.Reset(CreateWindowExW(0, kClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+  window_.reset(CreateWindowExW(0, kClassName, nullptr, 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                                 windowClass.hInstance, this));
   timers_.onChange = [this] { ArmSystemTimer(); };
 }
@@ -61,12 +61,12 @@ void Win32EventLoop::DoEvents() {
 void Win32EventLoop::WaitEvents(std::uint32_t limitMs) {
   const std::uint64_t sleep = std::min<std::uint64_t>(limitMs, timers_.UntilNext().value_or(limitMs));
   // A message that was looked at but not taken counts as pending.
-  const HANDLE wake = wake_.Get();
+  const HANDLE wake = wake_.get();
   MsgWaitForMultipleObjectsEx(1, &wake, static_cast<DWORD>(sleep), QS_ALLINPUT, MWMO_INPUTAVAILABLE);
   DoEvents();
 }
 
-void Win32EventLoop::Wake() { SetEvent(wake_.Get()); }
+void Win32EventLoop::Wake() { SetEvent(wake_.get()); }
 
 void Win32EventLoop::FireTimers() {
   timers_.FireDue();
@@ -76,12 +76,12 @@ void Win32EventLoop::FireTimers() {
 void Win32EventLoop::ArmSystemTimer() {
   const auto next = timers_.UntilNext();
   if (!next) {
-    KillTimer(window_.Get(), kTimerId);
+    KillTimer(window_.get(), kTimerId);
     return;
   }
   const auto delay =
       std::clamp<std::uint64_t>(*next, USER_TIMER_MINIMUM, static_cast<std::uint64_t>(USER_TIMER_MAXIMUM));
-  SetTimer(window_.Get(), kTimerId, static_cast<UINT>(delay), nullptr);
+  SetTimer(window_.get(), kTimerId, static_cast<UINT>(delay), nullptr);
 }
 
 std::unique_ptr<EventLoop> MakeEventLoop(Clock& clock) { return std::make_unique<Win32EventLoop>(clock); }

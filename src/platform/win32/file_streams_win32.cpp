@@ -27,13 +27,13 @@ void WriteAll(const unique_file& file, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto piece = static_cast<DWORD>(std::min(bytes.size(), kMostPerCall));
     DWORD written = 0;
-    if (!WriteFile(file.Get(), bytes.data(), piece, &written, nullptr)) RaiseSystemError(GetLastError());
+    if (!WriteFile(file.get(), bytes.data(), piece, &written, nullptr)) RaiseSystemError(GetLastError());
     bytes = bytes.subspan(written);
   }
 }
 
 void Flush(const unique_file& file) {
-  if (!FlushFileBuffers(file.Get())) RaiseSystemError(GetLastError());
+  if (!FlushFileBuffers(file.get())) RaiseSystemError(GetLastError());
 }
 
 // While marked, the file goes when its last handle is closed, so that a killed process leaves nothing. Not
@@ -41,7 +41,7 @@ void Flush(const unique_file& file) {
 void MarkForRemoval(const unique_file& file, bool remove) {
   FILE_DISPOSITION_INFO disposition{};
   disposition.DeleteFile = remove;
-  SetFileInformationByHandle(file.Get(), FileDispositionInfo, &disposition, sizeof disposition);
+  SetFileInformationByHandle(file.get(), FileDispositionInfo, &disposition, sizeof disposition);
 }
 
 std::string NeighbourOf(const std::string& path) {
@@ -64,21 +64,21 @@ InputFile::InputFile(InputFile&&) noexcept = default;
 
 std::uint64_t InputFile::Size() const {
   LARGE_INTEGER size;
-  if (!GetFileSizeEx(handle_->file.Get(), &size)) RaiseSystemError(GetLastError());
+  if (!GetFileSizeEx(handle_->file.get(), &size)) RaiseSystemError(GetLastError());
   return static_cast<std::uint64_t>(size.QuadPart);
 }
 
 std::size_t InputFile::Read(std::span<std::byte> into) {
   const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
   DWORD count = 0;
-  if (!ReadFile(handle_->file.Get(), into.data(), piece, &count, nullptr)) RaiseSystemError(GetLastError());
+  if (!ReadFile(handle_->file.get(), into.data(), piece, &count, nullptr)) RaiseSystemError(GetLastError());
   return count;
 }
 
 void InputFile::Seek(std::uint64_t offset) {
   LARGE_INTEGER position;
   position.QuadPart = static_cast<LONGLONG>(offset);
-  if (!SetFilePointerEx(handle_->file.Get(), position, nullptr, FILE_BEGIN)) RaiseSystemError(GetLastError());
+  if (!SetFilePointerEx(handle_->file.get(), position, nullptr, FILE_BEGIN)) RaiseSystemError(GetLastError());
 }
 
 struct OutputFile::Handle {
@@ -96,7 +96,7 @@ struct OutputFile::Handle {
     MarkForRemoval(file, true);
   }
   ~Handle() {
-    file.Reset();
+    file.reset();
     if (!committed) DeleteFileW(SystemPath(neighbour).c_str());
   }
 };
@@ -114,7 +114,7 @@ void OutputFile::Commit(Lasting lasting) {
   Handle& output = *handle_;
   if (lasting == Lasting::Yes) Flush(output.file);
   MarkForRemoval(output.file, false);
-  output.file.Reset();
+  output.file.reset();
   if (output.existing == Existing::Replace) {
     ReplaceFileWith(output.neighbour, output.path);
   } else {

@@ -39,7 +39,7 @@ std::optional<Look> LookAt(const std::string& path) {
   const unique_file target(CreateFileW(name.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
                                        FILE_FLAG_BACKUP_SEMANTICS, nullptr));
   BY_HANDLE_FILE_INFORMATION information;
-  if (!target || !GetFileInformationByHandle(target.Get(), &information)) return std::nullopt;
+  if (!target || !GetFileInformationByHandle(target.get(), &information)) return std::nullopt;
   return LookFrom(information);
 }
 
@@ -68,7 +68,7 @@ DWORD ForEachEntry(const std::string& folder, const EntryHandler& handle) {
   do {
     const std::wstring_view name = entry.cFileName;
     if (name != L"." && name != L"..") handle(Narrow(name), entry);
-  } while (FindNextFileW(search.Get(), &entry));
+  } while (FindNextFileW(search.get(), &entry));
   const DWORD code = GetLastError();
   return code == ERROR_NO_MORE_FILES ? DWORD{ERROR_SUCCESS} : code;
 }

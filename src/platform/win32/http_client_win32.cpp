@@ -23,11 +23,11 @@ unique_internet OpenSession() {
     // Windows 7: it knows no automatic proxy, and of the secure protocols in use today only when told.
     session = open(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
     DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
-    WinHttpSetOption(session.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
+    WinHttpSetOption(session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
   }
   constexpr DWORD kNotices = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
                              WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES;
-  WinHttpSetStatusCallback(session.Get(), WinHttpExchange::OnStatus, kNotices, 0);
+  WinHttpSetStatusCallback(session.get(), WinHttpExchange::OnStatus, kNotices, 0);
   return session;
 }
 
@@ -52,7 +52,7 @@ class WinHttpClient : public HttpClient {
     if (url.empty()) return {HttpError::BadUrl};
     int status = 0;
     for (int followed = 0; followed <= kMostRedirects; ++followed) {
-      WinHttpExchange exchange(session_.Get(), request, limits);
+      WinHttpExchange exchange(session_.get(), request, limits);
       const HttpError error = exchange.Send(url);
       if (error != HttpError::None) return exchange.Outcome(error, status);
       status = exchange.Head().status;

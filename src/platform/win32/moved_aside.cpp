@@ -57,7 +57,7 @@ void RemoveMovedAside(const std::string& path) {
   if (!search) return;
   do {
     DeleteFileW(SystemPath(FolderOf(path) + kSeparator + Narrow(entry.cFileName)).c_str());
-  } while (FindNextFileW(search.Get(), &entry));
+  } while (FindNextFileW(search.get(), &entry));
 }
 
 }  // namespace platform

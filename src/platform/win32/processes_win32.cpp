@@ -105,10 +105,10 @@ class SystemProcesses : public Processes {
     const unique_snapshot snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
     PROCESSENTRY32W entry;
     entry.dwSize = sizeof entry;
-    if (!snapshot || !Process32FirstW(snapshot.Get(), &entry)) return names;
+    if (!snapshot || !Process32FirstW(snapshot.get(), &entry)) return names;
     do {
       names.push_back(FileNameOf(Narrow(entry.szExeFile)));
-    } while (Process32NextW(snapshot.Get(), &entry));
+    } while (Process32NextW(snapshot.get(), &entry));
     return names;
   }
 
@@ -119,7 +119,7 @@ class SystemProcesses : public Processes {
     // Denied is a lock that another user holds, but also any global name in a confined session. Only in the
     // first case is there something to open; the second one is content with a name of its session.
     if (code == ERROR_ACCESS_DENIED && name.starts_with(kGlobalPrefix)) {
-      mutex.Reset(OpenMutexW(SYNCHRONIZE, FALSE, Wide(name).c_str()));
+      mutex.reset(OpenMutexW(SYNCHRONIZE, FALSE, Wide(name).c_str()));
       if (!mutex && GetLastError() == ERROR_FILE_NOT_FOUND) {
         return TakeLock("Local\\" + name.substr(kGlobalPrefix.size()));
       }

@@ -34,10 +34,10 @@ class RegistrySettings : public SettingsStore {
     const std::wstring text = Wide(value);
     unique_registry_key folder;
     LSTATUS status = RegCreateKeyExW(HKEY_CURRENT_USER, KeyPath(application, section).c_str(), 0, nullptr, 0,
-                                     KEY_SET_VALUE, nullptr, folder.Receive(), nullptr);
+                                     KEY_SET_VALUE, nullptr, folder.receive(), nullptr);
     if (status == ERROR_SUCCESS) {
       const auto* bytes = reinterpret_cast<const BYTE*>(text.c_str());
-      status = RegSetValueExW(folder.Get(), Wide(key).c_str(), 0, REG_SZ, bytes,
+      status = RegSetValueExW(folder.get(), Wide(key).c_str(), 0, REG_SZ, bytes,
                               static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
     }
     if (status != ERROR_SUCCESS) throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);

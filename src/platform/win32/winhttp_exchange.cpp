@@ -30,14 +30,14 @@ struct Mailbox {
       const std::lock_guard lock(mutex);
       waiting = notice;
     }
-    SetEvent(event.Get());
+    SetEvent(event.get());
   }
   void PostConnected() {
     {
       const std::lock_guard lock(mutex);
       connected = true;
     }
-    SetEvent(event.Get());
+    SetEvent(event.get());
   }
 
   void NoteReceived(DWORD bytes) {
@@ -66,7 +66,7 @@ TransferLimits::TransferLimits(const HttpRequest& request, std::stop_token stop)
       wholeDeadline_(request.wholeLimitMs == 0 ? UINT64_MAX : GetTickCount64() + request.wholeLimitMs),
       stop_(std::move(stop)),
       stopped_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      onStop_(stop_, EventSetter{stopped_.Get()}) {}
+      onStop_(stop_, EventSetter{stopped_.get()}) {}
 
 void TransferLimits::BeginHop() {
   connected_ = false;
@@ -87,7 +87,7 @@ HttpError TransferLimits::Sleep(const unique_event& event) {
   if (now >= deadline) {
     return !connected_ && phaseDeadline == deadline ? HttpError::CannotConnect : HttpError::Stalled;
   }
-  const HANDLE handles[] = {event.Get(), stopped_.Get()};
+  const HANDLE handles[] = {event.get(), stopped_.get()};
   WaitForMultipleObjects(2, handles, FALSE,
                          static_cast<DWORD>(std::min<std::uint64_t>(deadline - now, MAXLONG)));
   return HttpError::None;
@@ -133,18 +133,18 @@ bool WinHttpExchange::Open(const std::string& url) {
   const std::wstring host(parts.lpszHostName, parts.dwHostNameLength);
   const std::wstring target = std::wstring(parts.lpszUrlPath, parts.dwUrlPathLength)
                                   .append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
-  server_.Reset(WinHttpConnect(session_, host.c_str(), parts.nPort, 0));
+  server_.reset(WinHttpConnect(session_, host.c_str(), parts.nPort, 0));
   if (!server_) return false;
   const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
                       (parts.nScheme == INTERNET_SCHEME_HTTPS ? WINHTTP_FLAG_SECURE : 0);
   const wchar_t* anything[] = {L"*/*", nullptr};
-  exchange_.Reset(WinHttpOpenRequest(server_.Get(), L"GET", target.c_str(), nullptr, WINHTTP_NO_REFERER,
+  exchange_.reset(WinHttpOpenRequest(server_.get(), L"GET", target.c_str(), nullptr, WINHTTP_NO_REFERER,
                                      anything, flags));
   return static_cast<bool>(exchange_);
 }
 
 void WinHttpExchange::SetOptions() {
-  const HINTERNET handle = exchange_.Get();
+  const HINTERNET handle = exchange_.get();
   auto context = reinterpret_cast<DWORD_PTR>(mailbox_.get());
   if (WinHttpSetOption(handle, WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context)) {
     mailbox_->self = mailbox_;
@@ -162,7 +162,7 @@ void WinHttpExchange::SetOptions() {
 HttpError WinHttpExchange::AddHeaders() {
   for (const auto& [name, value] : request_.headers) {
     const std::wstring line = Wide(name + ": " + value);
-    if (!WinHttpAddRequestHeaders(exchange_.Get(), line.c_str(), static_cast<DWORD>(line.size()),
+    if (!WinHttpAddRequestHeaders(exchange_.get(), line.c_str(), static_cast<DWORD>(line.size()),
                                   WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE)) {
       return HttpError::Other;
     }
@@ -237,11 +237,11 @@ HttpError WinHttpExchange::Send(const std::string& url) {
   if (error != HttpError::None) return error;
   DWORD ignored = 0;
   error =
-      Finish(WinHttpSendRequest(exchange_.Get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
+      Finish(WinHttpSendRequest(exchange_.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
                                 0, reinterpret_cast<DWORD_PTR>(mailbox_.get())),
              ignored);
   if (error != HttpError::None) return error;
-  error = Finish(WinHttpReceiveResponse(exchange_.Get(), nullptr), ignored);
+  error = Finish(WinHttpReceiveResponse(exchange_.get(), nullptr), ignored);
   if (error != HttpError::None) return error;
   TakeHead();
   // A length that is no number leaves open where the body ends (RFC 9112, 6.3).
@@ -251,14 +251,14 @@ HttpError WinHttpExchange::Send(const std::string& url) {
 
 void WinHttpExchange::TakeHead() {
   DWORD status = 0, size = sizeof status;
-  WinHttpQueryHeaders(exchange_.Get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
+  WinHttpQueryHeaders(exchange_.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
                       WINHTTP_HEADER_NAME_BY_INDEX, &status, &size, WINHTTP_NO_HEADER_INDEX);
   head_.status = static_cast<int>(status);
   size = 0;
-  WinHttpQueryHeaders(exchange_.Get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX, nullptr,
+  WinHttpQueryHeaders(exchange_.get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX, nullptr,
                       &size, WINHTTP_NO_HEADER_INDEX);
   std::wstring raw(size / sizeof(wchar_t), L'\0');
-  WinHttpQueryHeaders(exchange_.Get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX,
+  WinHttpQueryHeaders(exchange_.get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX,
                       raw.data(), &size, WINHTTP_NO_HEADER_INDEX);
   const std::string lines = Narrow(raw.c_str());
   for (const std::string_view line : base::Split(lines, '\n')) {
@@ -287,12 +287,12 @@ HttpError WinHttpExchange::ReadPiece(DWORD& count) {
   DWORD wanted = room;
   count = 0;
   if (!eager_) {
-    const HttpError error = Finish(WinHttpQueryDataAvailable(exchange_.Get(), nullptr), wanted);
+    const HttpError error = Finish(WinHttpQueryDataAvailable(exchange_.get(), nullptr), wanted);
     if (error != HttpError::None || wanted == 0) return error;
   }
   const bool takesAll = wanted <= room;
   const HttpError error = Finish(
-      WinHttpReadData(exchange_.Get(), mailbox_->buffer.data(), std::min(wanted, room), nullptr), count);
+      WinHttpReadData(exchange_.get(), mailbox_->buffer.data(), std::min(wanted, room), nullptr), count);
   eager_ = !eager_ && takesAll && GetTickCount64() - start <= kQuickMs;
   delivered_ += count;
   return error;

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <windows.h>
+// after windows.h, which it builds on
+#include <winhttp.h>
 
 #include <memory>
 #include <stop_token>
@@ -10,6 +12,11 @@
 #include "platform/win32/handles.hpp"
 
 namespace platform {
+
+struct InternetTraits : base::NullIsNone<HINTERNET> {
+  static void Close(Type handle) { WinHttpCloseHandle(handle); }
+};
+using unique_internet = base::UniqueHandle<InternetTraits>;
 
 struct Mailbox;
 

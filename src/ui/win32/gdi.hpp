@@ -2,49 +2,41 @@
 
 #include <windows.h>
 
-#include <memory>
 #include <string>
-#include <type_traits>
 
+#include "base/unique_handle.hpp"
+#include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
 #include "ui/screen.hpp"
 
 // Owners of what the drawing functions of the system hand out, and small helpers around them.
 namespace ui::win32 {
 
-struct GdiDeleter {
-  void operator()(void* object) const { DeleteObject(object); }
-};
 template <class Handle>
-using UniqueGdi = std::unique_ptr<std::remove_pointer_t<Handle>, GdiDeleter>;
-using UniqueBitmap = UniqueGdi<HBITMAP>;
-using UniqueFont = UniqueGdi<HFONT>;
-using UniqueBrush = UniqueGdi<HBRUSH>;
-
-struct DcDeleter {
-  void operator()(HDC dc) const { DeleteDC(dc); }
+struct GdiTraits : base::NullIsNone<Handle> {
+  static void Close(Handle object) { DeleteObject(object); }
 };
-using UniqueDc = std::unique_ptr<std::remove_pointer_t<HDC>, DcDeleter>;
+using UniqueBitmap = base::UniqueHandle<GdiTraits<HBITMAP>>;
+using UniqueFont = base::UniqueHandle<GdiTraits<HFONT>>;
+using UniqueBrush = base::UniqueHandle<GdiTraits<HBRUSH>>;
 
-struct IconDeleter {
-  void operator()(HICON icon) const { DestroyIcon(icon); }
+struct DcTraits : base::NullIsNone<HDC> {
+  static void Close(HDC dc) { DeleteDC(dc); }
 };
-using UniqueIcon = std::unique_ptr<std::remove_pointer_t<HICON>, IconDeleter>;
+using UniqueDc = base::UniqueHandle<DcTraits>;
 
-struct CursorDeleter {
-  void operator()(HCURSOR cursor) const { DestroyCursor(cursor); }
+struct CursorTraits : base::NullIsNone<HCURSOR> {
+  static void Close(HCURSOR cursor) { DestroyCursor(cursor); }
 };
-using UniqueCursor = std::unique_ptr<std::remove_pointer_t<HCURSOR>, CursorDeleter>;
+using UniqueCursor = base::UniqueHandle<CursorTraits>;
 
-struct MenuDeleter {
-  void operator()(HMENU menu) const { DestroyMenu(menu); }
+struct MenuTraits : base::NullIsNone<HMENU> {
+  static void Close(HMENU menu) { DestroyMenu(menu); }
 };
-using UniqueMenu = std::unique_ptr<std::remove_pointer_t<HMENU>, MenuDeleter>;
+using UniqueMenu = base::UniqueHandle<MenuTraits>;
 
-struct WindowDeleter {
-  void operator()(HWND window) const { DestroyWindow(window); }
-};
-using UniqueWindow = std::unique_ptr<std::remove_pointer_t<HWND>, WindowDeleter>;
+using UniqueIcon = platform::unique_icon;
+using UniqueWindow = platform::unique_window;
 
 // A drawing surface in memory with its bitmap; gives back everything.
 class Canvas {

@@ -35,7 +35,7 @@ bool MakeMountPoint(const std::string& link, const std::wstring& target) {
   memcpy(data.data(), &header, sizeof header);
   memcpy(data.data() + sizeof header, name.data(), bytes);
   DWORD returned = 0;
-  return folder && DeviceIoControl(folder.Get(), FSCTL_SET_REPARSE_POINT, data.data(),
+  return folder && DeviceIoControl(folder.get(), FSCTL_SET_REPARSE_POINT, data.data(),
                                    static_cast<DWORD>(data.size()), nullptr, 0, &returned, nullptr);
 }
 
