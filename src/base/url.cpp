@@ -84,6 +84,8 @@ std::string ResolvedUrl(const std::string& url) {
          Escaped(pieces.query);
 }
 
+bool IsMirrorUrl(const std::string& url) { return url.ends_with('/') && !ResolvedUrl(url).empty(); }
+
 bool RedirectAllowed(const std::string& from, const std::string& to) {
   UrlPieces source, target;
   if (!Parse(from, source) || !Parse(to, target)) return false;

@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
-#include <ctime>
 #include <mutex>
 #include <thread>
 
@@ -21,11 +20,10 @@ constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::uint64_t kPiecesPerSecond = 10;  // at a limited rate
 constexpr std::size_t kConnections = 32;        // at once; an idle one occupies its thread too
 constexpr std::time_t kIdleSeconds = 2;
-constexpr std::size_t kMostRequests = 100'000;  // on one connection
-constexpr std::uint64_t kLargestTemplate = 64 * 1024;
+constexpr std::size_t kMostRequests = 100'000;      // on one connection
 constexpr const char* kNewsCaching = "max-age=60";  // launchers ask every two seconds
 constexpr const char* kOtherCaching = "no-cache";   // kept, but never used without asking
-constexpr std::string_view kNewsScript = "/noticiasbase.php", kAddressScript = "/ipdate.php";
+constexpr std::string_view kNewsScript = "/noticiasbase.php";
 
 bool IsLoopback(const std::string& host) {
   in_addr address{};
@@ -36,15 +34,6 @@ bool IsLoopback(const std::string& host) {
 void KeepPortToItself(int socket) {
   const int yes = 1;
   setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
-}
-
-std::string FilledIn(const std::string& text, const std::string& address) {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  std::array<char, 16> date{};
-  std::strftime(date.data(), date.size(), "%d/%m/%Y", &parts);
-  return base::Replaced(base::Replaced(text, "{date}", date.data()), "{address}", address);
 }
 
 }  // namespace
@@ -64,7 +53,6 @@ struct MirrorServer::State {
   std::thread listener;
 
   void Answer(const httplib::Request& request, httplib::Response& response);
-  void AnswerAddress(const httplib::Request& request, httplib::Response& response, const std::string& path);
   bool Send(ServedFile& served, std::size_t offset, std::size_t length, httplib::DataSink& sink,
             std::chrono::steady_clock::time_point start, std::uint64_t& sent);
   bool WaitUntil(std::chrono::steady_clock::time_point time) {
@@ -83,7 +71,6 @@ void MirrorServer::State::Answer(const httplib::Request& request, httplib::Respo
     response.status = 404;
     return;
   }
-  if (path->ends_with(kAddressScript)) return AnswerAddress(request, response, *path);
   std::optional<ServedFile> served = OpenServed(*path);
   if (!served) {
     response.status = 404;
@@ -104,17 +91,6 @@ void MirrorServer::State::Answer(const httplib::Request& request, httplib::Respo
           std::size_t offset, std::size_t length, httplib::DataSink& sink) mutable {
         return Send(*file, offset, length, sink, start, sent);
       });
-}
-
-void MirrorServer::State::AnswerAddress(const httplib::Request& request, httplib::Response& response,
-                                        const std::string& path) {
-  try {
-    response.set_content(FilledIn(platform::ReadWhole(path, kLargestTemplate), request.remote_addr),
-                         "text/html; charset=utf-8");
-    response.set_header("Cache-Control", "no-store");
-  } catch (const base::RuntimeError&) {
-    response.status = 404;
-  }
 }
 
 bool MirrorServer::State::Send(ServedFile& served, std::size_t offset, std::size_t length,
