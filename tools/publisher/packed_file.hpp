@@ -18,7 +18,8 @@ struct Content {
 // The content of a plain file.
 Content ContentOf(const std::string& path, Progress& progress);
 
-// Packs `source` as `target`. Failure when the source is empty, which the format cannot say, or 2 GiB or more.
+// Packs `source` as `target`. Failure when the source is empty, which the format cannot say, or 2 GiB or
+// more.
 Content PackFile(const std::string& source, const std::string& target, Progress& progress);
 void PackText(std::string_view bytes, const std::string& target);
 
