@@ -95,6 +95,8 @@ std::string AsHttps(const std::string& url) {
   return "https://" + rest;
 }
 
+bool IsMirrorUrl(const std::string& url) { return url.ends_with('/') && !ResolvedUrl(url).empty(); }
+
 bool RedirectAllowed(const std::string& from, const std::string& to) {
   UrlPieces source, target;
   if (!Parse(from, source) || !Parse(to, target)) return false;

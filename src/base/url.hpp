@@ -17,6 +17,9 @@ std::string ResolvedUrl(const std::string& url);
 // own, which goes. Anything else as it is.
 std::string AsHttps(const std::string& url);
 
+// Whether `url` can be what a mirror's files are asked below: absolute, http or https, ending in "/".
+bool IsMirrorUrl(const std::string& url);
+
 // Whether a redirect from one absolute address to another may be followed.
 bool RedirectAllowed(const std::string& from, const std::string& to);
 

@@ -73,7 +73,7 @@ Deployment LoadDeployment(platform::ProfileFiles& profiles, const std::string& f
   for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
     std::string& mirror = deployment.mirrors[i];
     mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), kBuiltInMirrors[i]);
-    deployment.usable[i] = mirror.ends_with('/') && !base::ResolvedUrl(mirror).empty();
+    deployment.usable[i] = base::IsMirrorUrl(mirror);
   }
   return deployment;
 }

@@ -1,7 +1,6 @@
 #include "update/packed_file.hpp"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <optional>
 #include <span>
@@ -11,28 +10,25 @@
 #include "platform/digest.hpp"
 #include "platform/files.hpp"
 #include "update/inflater.hpp"
+#include "update/packed_format.hpp"
 
 namespace update {
 namespace {
 
-constexpr std::size_t kHeaderSize = 4;
 constexpr std::size_t kPiece = 128 * 1024;
 constexpr std::uint64_t kBestRatio = 1032;  // no deflate stream expands further (zlib's technical details)
 
 [[noreturn]] void Damaged() { throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat); }
 
 std::int32_t ReadClaim(platform::InputFile& file) {
-  std::array<std::byte, kHeaderSize> header{};
+  PackedHeader header{};
   std::size_t got = 0;
   while (got < header.size()) {
     const std::size_t more = file.Read(std::span(header).subspan(got));
     if (more == 0) return 0;
     got += more;
   }
-  std::uint32_t claim = 0;
-  for (std::size_t i = 0; i < header.size(); ++i)
-    claim |= std::to_integer<std::uint32_t>(header[i]) << (8 * i);
-  return static_cast<std::int32_t>(claim);
+  return SizeIn(header);
 }
 
 // Expands at most `claim` bytes into `take`; true when the stream ended, false when the claim was reached
@@ -71,7 +67,7 @@ bool ExpandProving(const std::string& source, std::stop_token stop, const std::s
   platform::InputFile file(source);
   const std::int32_t claim = ReadClaim(file);
   if (claim < 1) Damaged();
-  const std::uint64_t packed = file.Size() - kHeaderSize;
+  const std::uint64_t packed = file.Size() - kPackedHeaderSize;
   if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
   begin(static_cast<std::uint64_t>(claim));
   platform::Digest digest(platform::DigestKind::Md5);

@@ -7,21 +7,14 @@
 #include "platform/files.hpp"
 #include "publisher/deflater.hpp"
 #include "publisher/failure.hpp"
-#include "publisher/little_endian.hpp"
 #include "update/inflater.hpp"
 #include "update/packed_file.hpp"
+#include "update/packed_format.hpp"
 
 namespace publisher {
 namespace {
 
 constexpr std::size_t kPiece = 128 * 1024;
-constexpr std::size_t kHeaderSize = 4;
-
-std::string Header(std::uint64_t size) {
-  std::string header;
-  AppendLittleEndian(header, size, kHeaderSize);
-  return header;
-}
 
 template <class Take>
 Content ReadThrough(const std::string& path, Progress& progress, Take take) {
@@ -51,10 +44,10 @@ Content ContentOf(const std::string& path, Progress& progress) {
 Content PackFile(const std::string& source, const std::string& target, Progress& progress) {
   const std::uint64_t size = Naming(source, [&] { return platform::InputFile(source).Size(); });
   if (size == 0) throw Failure(source + ": an empty file cannot be packed");
-  if (size > kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
+  if (size > update::kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
   platform::OutputFile file = Naming(target, [&] { return platform::OutputFile(target); });
   const auto write = [&](std::span<const std::byte> bytes) { Naming(target, [&] { file.Write(bytes); }); };
-  Naming(target, [&] { file.Write(Header(size)); });
+  Naming(target, [&] { file.Write(update::PackedHeaderFor(static_cast<std::uint32_t>(size))); });
   Deflater deflater(Deflater::Format::Zlib);
   const Content content =
       ReadThrough(source, progress, [&](std::span<const std::byte> bytes) { deflater.Feed(bytes, write); });
@@ -65,10 +58,11 @@ Content PackFile(const std::string& source, const std::string& target, Progress&
 }
 
 void PackText(std::string_view bytes, const std::string& target) {
-  std::string packed = Header(bytes.size());
+  std::string packed;
   const auto append = [&](std::span<const std::byte> piece) {
     packed.append(reinterpret_cast<const char*>(piece.data()), piece.size());
   };
+  append(update::PackedHeaderFor(static_cast<std::uint32_t>(bytes.size())));
   Deflater deflater(Deflater::Format::Zlib);
   deflater.Feed(std::as_bytes(std::span(bytes)), append);
   deflater.Finish(append);
@@ -80,7 +74,7 @@ Content ContentOfPacked(const std::string& path) {
     const std::int32_t claimed = update::ClaimedSize(path);
     if (claimed < 1) throw Failure(path + ": its size field is below 1");
     platform::InputFile file(path);
-    file.Seek(kHeaderSize);
+    file.Seek(update::kPackedHeaderSize);
     std::vector<std::byte> input(kPiece), output(kPiece);
     platform::Digest digest(platform::DigestKind::Md5);
     update::Inflater inflater(update::Inflater::Format::Zlib);
