@@ -4,7 +4,6 @@
 #include "platform/files.hpp"
 #include "startup/error_recorder.hpp"
 #include "startup/launcher_settings.hpp"
-#include "startup/system_directory.hpp"
 #include "support/launcher_run.hpp"
 #include "support/test_services.hpp"
 
@@ -108,14 +107,6 @@ TEST(Deployment, TakesBuiltInValuesForWhatTheFileLacks) {
   const auto problems = startup::ProblemsOf(some);
   ASSERT_EQ(problems.size(), 4u);
   EXPECT_NE(problems[3].find("MIRRORS/4"), std::string::npos);
-}
-
-TEST(SystemDirectory, PrefersTheFolderOf32BitLibraries) {
-  support::TestServices with;
-  const std::string directory = startup::ObtenerDirectorio(with.recorder);
-  const std::string wow64 = platform::SystemFolder() + platform::NativePath("\\..\\SysWOW64");
-  EXPECT_EQ(directory, platform::IsFolder(wow64) ? wow64 : platform::SystemFolder());
-  EXPECT_TRUE(with.host.dialogs.shown.empty());
 }
 
 TEST(Main, PreparesTheFolderAndTheTimers) {

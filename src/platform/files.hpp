@@ -108,6 +108,6 @@ std::string ExecutablePath();                     // full path of the running pr
 std::string FolderOf(const std::string& path);    // without trailing separator
 std::string FileNameOf(const std::string& path);  // last part
 std::string BaseNameOf(const std::string& path);  // last part without its extension
-std::string SystemFolder();                       // Windows: the system directory; Linux: /usr/bin
+std::string SystemFolder();                       // Windows: the system directory, or an error; Linux: /usr/bin
 
 }  // namespace platform

@@ -28,7 +28,10 @@ constexpr std::array<Wording, 9> kWordings = {{
 }  // namespace
 
 std::string TransferReport::Reason() const {
-  if (own) return own->Description();
+  if (own) {
+    const bool plain = own->Description() == base::DescriptionOf(base::ErrorNumber::DiskFull);
+    return plain ? "disco lleno" : own->Description();
+  }
   if (outcome.Complete()) return "el servidor respondió " + std::to_string(outcome.status);
   const auto found = std::find_if(kWordings.begin(), kWordings.end(),
                                   [this](const Wording& wording) { return wording.error == outcome.error; });
