@@ -129,7 +129,7 @@ DownloadResult Download::FinishArchive(bool unpack) {
   bool unpacked = true;
   if (unpack) {
     unpacked =
-        with_.unzip.Unzip(with_.state.TargetPath, with_.services.folders.AppPath + platform::kSeparator);
+        with_.unzip.Unzip(with_.state.TargetPath, with_.services.folders.AppPath + platform::kSeparator).done;
     RemoveTarget();
   }
   with_.frmMain.tmrUpdates.Set(false);
