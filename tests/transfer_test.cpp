@@ -233,7 +233,12 @@ TEST_F(TransferTest, FreshAnswersAreUsedAgain) {
   const auto ask = [&](bool viaInet) {
     const web::TextOptions options{.cache = &cache};
     const std::string url = server.Url("/news");
-    return (viaInet ? world.inet.OpenURL(url, options) : world.transfers.GetHttpText(url, options)).text;
+    const std::size_t before = server.Seen().size();
+    const web::TextAnswer answer =
+        viaInet ? world.inet.OpenURL(url, options) : world.transfers.GetHttpText(url, options);
+    EXPECT_EQ(answer.asked, server.Seen().size() > before);
+    EXPECT_TRUE(answer.report.Arrived());
+    return answer.text;
   };
   const struct {
     const char* name;

@@ -101,19 +101,20 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders));
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
-  std::vector<Verification::Target> targets(records.size());
+  std::vector<std::string_view> names(records.size());
   for (std::size_t i = 0; i < records.size(); ++i) {
-    if (Wanted(records[i])) targets[i] = {PathOf(records[i]), records[i].inBin};
+    if (Wanted(records[i])) names[i] = records[i].inBin;
   }
   std::vector<FileProof> proofs(records.size());
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
   {
-    Verification verification(std::move(targets), proved, services_.host.events, services_.lifetime);
+    Verification verification(services_.folders.BinDir, std::move(names), proved, services_.host.events,
+                              services_.lifetime);
     for (std::size_t i = 0; i < records.size() && !ended(); ++i) {
       proofs[i] = verification.Take(i);
       frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
       if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
-      if (Wanted(records[i]) && proofs[i].digest != records[i].digest && !ended()) FetchAgain(i);
+      if (Wanted(records[i]) && !proofs[i].Has(records[i].digest) && !ended()) FetchAgain(i);
     }
   }
   if (!ended()) Remember(proofs, proved);
@@ -136,8 +137,8 @@ void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& pr
   for (std::size_t i = 0; i < proofs.size(); ++i) {
     const IndexRecord& record = index_.Records()[i];
     if (!Wanted(record)) continue;
-    if (proofs[i].stamp && proofs[i].digest == record.digest) {
-      proved.Remember(record.inBin, *proofs[i].stamp, proofs[i].digest);
+    if (proofs[i].stamp && proofs[i].Has(record.digest)) {
+      proved.Remember(record.inBin, *proofs[i].stamp, *proofs[i].digest);
     } else {
       proved.Forget(record.inBin);
     }

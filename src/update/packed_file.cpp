@@ -1,10 +1,8 @@
 #include "update/packed_file.hpp"
 
-#include <algorithm>
 #include <functional>
 #include <optional>
 #include <span>
-#include <vector>
 
 #include "base/runtime_error.hpp"
 #include "platform/digest.hpp"
@@ -15,7 +13,6 @@
 namespace update {
 namespace {
 
-constexpr std::size_t kPiece = 128 * 1024;
 constexpr std::uint64_t kBestRatio = 1032;  // no deflate stream expands further (zlib's technical details)
 
 [[noreturn]] void Damaged() { throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat); }
@@ -31,35 +28,6 @@ std::int32_t ReadClaim(platform::InputFile& file) {
   return SizeIn(header);
 }
 
-// Expands at most `claim` bytes into `take`; true when the stream ended, false when the claim was reached
-// before.
-template <class Take>
-bool Expand(platform::InputFile& file, std::uint64_t claim, std::stop_token stop, Take take) {
-  std::vector<std::byte> input(kPiece), output(kPiece);
-  Inflater inflater(Inflater::Format::Zlib);
-  bool holdsOutput = false;
-  std::uint64_t left = claim;
-  while (!stop.stop_requested()) {
-    if (inflater.NeedsInput() && !holdsOutput) {
-      const std::size_t got = file.Read(input);
-      if (got == 0) Damaged();
-      inflater.Feed(std::span(input).first(got));
-    }
-    // One byte of room beyond the claim shows whether the stream goes on.
-    const std::size_t room = static_cast<std::size_t>(std::min<std::uint64_t>(left + 1, output.size()));
-    std::size_t produced = 0;
-    const auto status = inflater.Expand(std::span(output).first(room), produced);
-    if (status == Inflater::Status::Corrupt) Damaged();
-    const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(produced, left));
-    take(std::span(output).first(wanted));
-    left -= wanted;
-    if (produced > wanted) return false;
-    if (status == Inflater::Status::End) return true;
-    holdsOutput = produced == room;
-  }
-  return false;
-}
-
 // Hands the content out in pieces; false when it was not the one asked for or `stop` was requested.
 bool ExpandProving(const std::string& source, std::stop_token stop, const std::string& md5,
                    const std::function<void(std::uint64_t)>& begin,
@@ -71,11 +39,16 @@ bool ExpandProving(const std::string& source, std::stop_token stop, const std::s
   if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
   begin(static_cast<std::uint64_t>(claim));
   platform::Digest digest(platform::DigestKind::Md5);
-  Expand(file, static_cast<std::uint64_t>(claim), stop, [&](std::span<const std::byte> bytes) {
-    take(bytes);
-    if (!md5.empty()) digest.Update(bytes);
-  });
-  return !stop.stop_requested() && (md5.empty() || digest.Hex() == md5);
+  const Inflater::Outcome outcome = Inflater().Expand(
+      Inflater::Format::Zlib, static_cast<std::uint64_t>(claim),
+      [&](std::span<std::byte> into) { return file.Read(into); },
+      [&](std::span<const std::byte> bytes) {
+        take(bytes);
+        if (!md5.empty()) digest.Update(bytes);
+      },
+      stop);
+  if (outcome == Inflater::Outcome::Damaged) Damaged();
+  return outcome != Inflater::Outcome::Stopped && (md5.empty() || digest.Hex() == md5);
 }
 
 }  // namespace

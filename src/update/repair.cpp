@@ -17,7 +17,7 @@ void Repair::cmdReiniciarUpdates_Click() {
             platform::DialogButtons::RiskyYesNo, "¡ATENCIÓN! Lea con cuidado.");
         if (answer != platform::DialogAnswer::Yes) return;
         line = 30;
-        DigestRecord(RecordFile(services_.folders)).Empty();
+        DigestRecord(RecordFile(services_.folders)).Clear();
         for (const char* category : kCategories) {
           line += 10;
           counters_.Store(category, 0);

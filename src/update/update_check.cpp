@@ -3,6 +3,7 @@
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
 namespace update {
@@ -54,6 +55,9 @@ RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   Show("Buscando actualizaciones...");
   line = 20;
   with_.instance.Release();
+  if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
+    return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
+  }
   if (const Ended ended = IndexLoop(line, hostInDoubt)) return *ended;
   return Complete(line);
 }

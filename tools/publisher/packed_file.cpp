@@ -75,23 +75,21 @@ Content ContentOfPacked(const std::string& path) {
     if (claimed < 1) throw Failure(path + ": its size field is below 1");
     platform::InputFile file(path);
     file.Seek(update::kPackedHeaderSize);
-    std::vector<std::byte> input(kPiece), output(kPiece);
     platform::Digest digest(platform::DigestKind::Md5);
-    update::Inflater inflater(update::Inflater::Format::Zlib);
+    update::Inflater inflater;
     Content content;
-    auto status = update::Inflater::Status::More;
-    for (std::size_t produced = 0; status == update::Inflater::Status::More;) {
-      if (inflater.NeedsInput() && produced < output.size()) {
-        const std::size_t count = file.Read(input);
-        if (count == 0) throw Failure(path + ": it is cut short");
-        inflater.Feed(std::span(input).first(count));
-      }
-      status = inflater.Expand(output, produced);
-      digest.Update(std::span(output).first(produced));
-      content.size += produced;
-    }
-    if (status == update::Inflater::Status::Corrupt) throw Failure(path + ": it is damaged");
-    if (!inflater.NeedsInput() || file.Read(input) != 0) throw Failure(path + ": it goes on after its end");
+    const auto outcome = inflater.Expand(
+        update::Inflater::Format::Zlib, UINT64_MAX,
+        [&](std::span<std::byte> into) { return file.Read(into); },
+        [&](std::span<const std::byte> bytes) {
+          digest.Update(bytes);
+          content.size += bytes.size();
+        },
+        {});
+    if (outcome == update::Inflater::Outcome::Damaged) throw Failure(path + ": it is damaged or cut short");
+    std::byte more;
+    if (inflater.Unused() > 0 || file.Read({&more, 1}) != 0)
+      throw Failure(path + ": it goes on after its end");
     if (content.size != static_cast<std::uint64_t>(claimed)) {
       throw Failure(path + ": its size field says " + std::to_string(claimed) + " bytes, but it holds " +
                     std::to_string(content.size));
