@@ -79,6 +79,19 @@ TEST(PackedFile, ExpandsAndRefuses) {
   }
 }
 
+TEST(PackedFile, OtherContentThanAskedForReplacesNothing) {
+  const support::TempFolder folder;
+  folder.Put("a.kvn", MakePacked("nuevo"));
+  folder.Put("a", "viejo");
+  const std::string source = folder / "a.kvn", target = folder / "a";
+  EXPECT_FALSE(update::ExpandPackedFile(source, target, {}, {.md5 = support::Md5Of("otro")}));
+  EXPECT_EQ(folder.Get("a"), "viejo");
+  EXPECT_FALSE(update::PackedFileHolds(source, support::Md5Of("otro"), {}));
+  EXPECT_TRUE(update::PackedFileHolds(source, support::Md5Of("nuevo"), {}));
+  EXPECT_TRUE(update::ExpandPackedFile(source, target, {}, {.md5 = support::Md5Of("nuevo")}));
+  EXPECT_EQ(folder.Get("a"), "nuevo");
+}
+
 TEST(PackedFile, TellsThePlayerWhatFailed) {
   support::TestServices with("game");
   const support::TempFolder& folder = with.folder;
