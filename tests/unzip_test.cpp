@@ -1,6 +1,9 @@
 // What becomes of the game folder when an archive is unpacked over it: all of it is new, or nothing is.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+
 #include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "support/archives.hpp"
@@ -86,7 +89,9 @@ TEST_F(UnzipTest, WhatFailsChangesNothingAndSaysWhy) {
     EXPECT_FALSE(unpacked.done);
     EXPECT_EQ(unpacked.reason, entry.reason);
     ASSERT_EQ(host.dialogs.shown.size(), entry.box ? 1u : 0u) << entry.reason;
-    if (entry.box) EXPECT_EQ(host.dialogs.shown[0].text, kBadZip);
+    if (entry.box) {
+      EXPECT_EQ(host.dialogs.shown[0].text, kBadZip);
+    }
     EXPECT_EQ(Game(), before) << entry.reason;
     EXPECT_FALSE(folder.Has("juego ñ/n")) << entry.reason;
     EXPECT_TRUE(NothingLeftBehind()) << entry.reason;
@@ -107,7 +112,7 @@ TEST_F(UnzipTest, TheLaunchersOwnStateIsNoBusinessOfAnArchive) {
 
 TEST_F(UnzipTest, TheEndOfTheProgramLeavesTheGameAlone) {
   lifetime.End(0);
-  const update::Unpacked unpacked = Unpack({{"a", std::string(1'000'000, 'x')}});
+  const update::Unpacked unpacked = Unpack({{"a", std::string(40'000'000, 'x')}});
   EXPECT_FALSE(unpacked.done);
   EXPECT_EQ(unpacked.reason, "");
   EXPECT_EQ(Game(), Files());

@@ -85,10 +85,6 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
 }
 
-std::string IndexStage::PathOf(const IndexRecord& record) const {
-  return services_.folders.BinDir + platform::kSeparator + platform::NativePath(record.inBin);
-}
-
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(services_.folders.BinDir + platform::kSeparator + kRecordName);
   proved.Load();
