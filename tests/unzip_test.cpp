@@ -1,6 +1,9 @@
 // What becomes of the game folder when an archive is unpacked over it: all of it is new, or nothing is.
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <map>
+
 #include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "support/archives.hpp"
@@ -103,7 +106,7 @@ TEST_F(UnzipTest, TheLaunchersOwnStateIsNoBusinessOfAnArchive) {
 
 TEST_F(UnzipTest, TheEndOfTheProgramLeavesTheGameAlone) {
   lifetime.End(0);
-  const update::Unpacked unpacked = Unpack({{"a", std::string(1'000'000, 'x')}});
+  const update::Unpacked unpacked = Unpack({{"a", std::string(40'000'000, 'x')}});
   EXPECT_FALSE(unpacked.done);
   EXPECT_EQ(unpacked.reason, "");
   EXPECT_EQ(Game(), Files());

@@ -93,10 +93,6 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
 }
 
-std::string IndexStage::PathOf(const IndexRecord& record) const {
-  return services_.folders.BinDir + platform::kSeparator + platform::NativePath(record.inBin);
-}
-
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders));
   proved.Load();

@@ -44,7 +44,6 @@ class IndexStage {
   void Remember(const std::vector<FileProof>& proofs, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;
-  std::string PathOf(const IndexRecord& record) const;
 
   const startup::Services& services_;
   controls::MainWindow& frmMain_;
