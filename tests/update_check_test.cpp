@@ -245,6 +245,26 @@ TEST(UpdateCheck, ABadIndexDeletesNothingAndDoesNotKeepThePlayerFromPlaying) {
   }
 }
 
+TEST(UpdateCheck, AnIndexThatIsWantedAgainComesFromAConfirmedMirror) {
+  LauncherRun run;
+  PublishGame(run.mirror);
+  run.mirror.server.On(run.mirror.PathOf("NewAct2/Info.kvn"), support::Page(404, "no"));
+  run.machine.dialogs.answers = {DialogAnswer::Yes};
+  std::size_t probes = 0;
+  run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) {
+    if (dialog.text != kBadIndex) return;
+    probes = run.mirror.server.Count(run.mirror.PathOf("Online.txt"));
+    run.mirror.Publish();
+  };
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("Online.txt")), probes + 1);
+  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("OldAct/Mapas/Mapas1.zip")), 1u)
+      << "what is applied stays so";
+}
+
 TEST(UpdateCheck, AnIndexWritesNowhereButInBin) {
   LauncherRun run;
   run.mirror.AddBinFile("bueno.dll", "b");
