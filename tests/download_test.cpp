@@ -118,6 +118,18 @@ TEST_F(DownloadTest, ADiskWithoutRoomIsNamedBeforeAByteIsTaken) {
   EXPECT_FALSE(folder.Has("juego/x.zip"));
 }
 
+TEST_F(DownloadTest, TheEndOfTheProgramDuringADownloadClosesTheLauncher) {
+  server.On("/m/NewAct2/x.zip", support::Silent());
+  const auto id = host.events->Timers().Start(1, [this] {
+    if (!server.Seen().empty()) lifetime.End(0);
+  });
+  host.clock.stepOnRead = 1;
+  EXPECT_EQ(download.DescargarArchivo("x.zip", true).result, update::DownloadResult::Cancelled);
+  host.events->Timers().Stop(id);
+  EXPECT_EQ(closed, 1);
+  EXPECT_FALSE(folder.Has("juego/x.zip"));
+}
+
 TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
   server.On("/m/Kelvarin.zip", support::Text(MakeZip({{"a.txt", "x"}})));
   download.DescargarCliente();
