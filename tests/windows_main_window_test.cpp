@@ -283,11 +283,30 @@ TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
 }
 
 TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
-  const ui::win32::Pixels source{
-      4, 2, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060}};
-  EXPECT_EQ(ui::win32::Resampled(source, 2, 1).data, (std::vector<std::uint32_t>{0x000040, 0x204060}));
-  const ui::win32::Pixels larger = ui::win32::Resampled({2, 1, {0x000000, 0x640000}}, 4, 1);
-  EXPECT_EQ(larger.data, (std::vector<std::uint32_t>{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  using Picture = std::vector<std::uint32_t>;
+  const auto resampled = [](ui::win32::PixelSize from, const Picture& source, ui::win32::PixelSize to) {
+    Picture result(static_cast<std::size_t>(to.width * to.height));
+    std::size_t row = 0;
+    const auto next = [&] {
+      const std::size_t at = row++ * static_cast<std::size_t>(from.width);
+      return at < source.size() ? source.data() + at : nullptr;
+    };
+    EXPECT_TRUE(ui::win32::Resample(from, next, to, result.data()));
+    return result;
+  };
+  EXPECT_EQ(
+      resampled({4, 2}, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060},
+                {2, 1}),
+      (Picture{0x000040, 0x204060}));
+  EXPECT_EQ(resampled({1, 3}, {0x000030, 0x000060, 0x000090}, {1, 2}), (Picture{0x000040, 0x000080}));
+  EXPECT_EQ(resampled({2, 1}, {0x000000, 0x640000}, {4, 1}),
+            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  EXPECT_EQ(resampled({1, 2}, {0x000000, 0x640000}, {1, 4}),
+            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  std::uint32_t pixel = 0;
+  EXPECT_FALSE(ui::win32::Resample(
+      {1, 2}, [] { return nullptr; }, {1, 1}, &pixel))
+      << "a file that is cut";
 }
 
 }  // namespace

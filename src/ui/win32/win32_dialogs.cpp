@@ -1,8 +1,6 @@
 #include "ui/win32/win32_dialogs.hpp"
 
-#include <memory>
-#include <type_traits>
-
+#include "base/unique_handle.hpp"
 #include "ui/win32/held_keys.hpp"
 
 namespace ui::win32 {
@@ -25,10 +23,10 @@ BOOL CALLBACK PressLastButton(HWND window, LPARAM) {
   return TRUE;
 }
 
-struct HookDeleter {
-  void operator()(HHOOK hook) const { UnhookWindowsHookEx(hook); }
+struct HookTraits : base::NullIsNone<HHOOK> {
+  static void Close(HHOOK hook) { UnhookWindowsHookEx(hook); }
 };
-using UniqueHook = std::unique_ptr<std::remove_pointer_t<HHOOK>, HookDeleter>;
+using UniqueHook = base::UniqueHandle<HookTraits>;
 
 LRESULT CALLBACK DropHeldPresses(int code, WPARAM wParam, LPARAM lParam) {
   if (code == MSGF_DIALOGBOX && IsHeldPress(*reinterpret_cast<const MSG*>(lParam))) return TRUE;
