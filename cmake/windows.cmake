@@ -11,7 +11,7 @@ target_link_options(project_options INTERFACE -Wl,--gc-sections)
 set_source_files_properties(src/util/md5_kernel.cpp PROPERTIES COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
 find_package(ZLIB REQUIRED)
 target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
-                      ole32 uuid shell32 user32 advapi32)
+                      ole32 oleaut32 uuid shell32 user32 advapi32)
 
 # Icon, version and manifest; the tests carry them too, so that their windows behave as the program's.
 enable_language(RC)

@@ -147,18 +147,20 @@ void frmMain::LoadPictures() {
     controls::ImageControl& image;
     const char* stem;
     const char* description;
+    const char* sign;
     bool startDisabled;
   } rows[] = {
-      {btnClose, window_.cmdClose, "cerrar", "Cerrar: ocultar junto al reloj", false},
-      {btnCreditos, window_.cmdCreditos, "help", "Ayuda", false},
-      {btnMinimize, window_.cmdMinimize, "minimizar", "Minimizar", false},
-      {btnIniciar, window_.cmdIniciar, "jugar", "¡Jugar!", true},
-      {btnConfig, window_.cmdConfig, "config", "Configuración", true},
-      {btnReiniciarUpdates, window_.cmdReiniciarUpdates, "reparar", "Reparar", false},
-      {btnReportar, window_.cmdReportar, "whatsapp", "WhatsApp", false},
+      {btnClose, window_.cmdClose, "cerrar", "Cerrar: ocultar junto al reloj", "×", false},
+      {btnCreditos, window_.cmdCreditos, "help", "Ayuda", "?", false},
+      {btnMinimize, window_.cmdMinimize, "minimizar", "Minimizar", "–", false},
+      {btnIniciar, window_.cmdIniciar, "jugar", "¡Jugar!", "", true},
+      {btnConfig, window_.cmdConfig, "config", "Configuración", "", true},
+      {btnReiniciarUpdates, window_.cmdReiniciarUpdates, "reparar", "Reparar", "", false},
+      {btnReportar, window_.cmdReportar, "whatsapp", "WhatsApp", "", false},
   };
   for (const auto& row : rows) {
     row.image.description = row.description;
+    row.image.sign = row.sign;
     // Skins with three pictures a button show a disabled one as pressed.
     const bool hasDisabled = !pictures.Optional(row.stem + std::string("_d.jpg")).empty();
     pictures.Load(row.button, row.image, {row.stem, hasDisabled ? "_d" : "_c", row.startDisabled, hand},

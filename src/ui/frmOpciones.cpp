@@ -31,9 +31,16 @@ frmOpciones::frmOpciones(SettingsServices& services)
       opened_(
           services, Window, [this](int& line) { Form_Load(line); },
           [this](const startup::Failure& failure) { return LoadFailure(failure); }) {
-  for (const Check& check : kChecks) (Window.*check.control).description = (Window.*check.caption).Caption;
-  for (const auto& button : kOptionButtons) (Window.*button.control).description = button.description;
-  Window.chkSilenciarWav.description = Window.captionSilenciarWav.Caption;
+  const auto describe = [](controls::ImageControl& control, const controls::Label& caption) {
+    control.description = caption.Caption;
+    control.isCheck = true;
+  };
+  for (const Check& check : kChecks) describe(Window.*check.control, Window.*check.caption);
+  describe(Window.chkSilenciarWav, Window.captionSilenciarWav);
+  for (const auto& button : kOptionButtons) {
+    (Window.*button.control).description = button.description;
+    (Window.*button.control).sign = button.sign;
+  }
   Window.imgMapa.description = "Mapa";
   Window.imgMapa.Enabled = false;  // leads nowhere, so it takes no focus
   Window.Activate += [this] { Form_Activate(); };

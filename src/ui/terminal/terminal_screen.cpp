@@ -15,8 +15,8 @@ constexpr Area kNewWindow{0, 0, 340, 130};
 constexpr std::uint32_t kWaitMs = 60'000;
 constexpr std::string_view kTrayWindow = "FrmSysTrays";  // whose the menu's entries are
 
-// Pointers are nothing to be read.
-bool IsPrinted(std::string_view property) { return property != "MouseIcon"; }
+// Pointers are nothing to be read, and whether a button is idle its picture tells.
+bool IsPrinted(std::string_view property) { return property != "MouseIcon" && property != "Idle"; }
 
 // One line: a line break as \n, other control characters, which could drive the terminal, as "?".
 std::string OneLine(std::string_view text) {

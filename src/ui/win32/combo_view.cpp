@@ -64,11 +64,12 @@ class ComboView : public View {
     }
     if (item.itemID >= combo_.Entries().size()) return;
     const bool chosen = (item.itemState & ODS_SELECTED) != 0;
-    Fill(item.hDC, item.rcItem, chosen ? skin::kChosen : skin::kBox);
+    const Palette& colours = form_.Colours();
+    Fill(item.hDC, item.rcItem, chosen ? colours.chosen : colours.box);
     RECT text = item.rcItem;
     text.left += form_.Scaled(7);
-    skin::DrawLabel(item.hDC, text, Font(), chosen ? skin::kFocus : skin::kBoxText, row_.align, Lines::Single,
-                    platform::Wide(combo_.Entries()[item.itemID]));
+    skin::DrawLabel(item.hDC, text, Font(), chosen ? colours.chosenText : colours.boxText, row_.align,
+                    Lines::Single, platform::Wide(combo_.Entries()[item.itemID]));
   }
 
   bool TakesPointer() const override { return true; }
@@ -139,19 +140,18 @@ class ComboView : public View {
   void Paint() {
     const BufferedPaint paint(Handle());
     const RECT box = paint.Client();
-    skin::DrawBox(paint.Dc(), box, form_.Scaled(1));
+    skin::DrawBox(paint.Dc(), form_.Colours(), box, form_.Scaled(1));
     RECT arrow = box;
     arrow.left = arrow.right - Height(box);
-    skin::DrawArrow(paint.Dc(), arrow, skin::kCaption);
+    skin::DrawArrow(paint.Dc(), arrow, form_.Colours().caption);
     if (!editable_) {
       RECT text = box;
       text.left += form_.Scaled(7);
       text.right = arrow.left;
-      const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
-      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
+      skin::DrawLabel(paint.Dc(), text, Font(), TextColour(), row_.align, Lines::Single,
                       platform::Wide(combo_.Text.Get()));
     }
-    if (HasFocus()) Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
+    if (HasFocus()) Outline(paint.Dc(), box, form_.Scaled(2), form_.Colours().focus);
   }
 
   controls::ComboBox& combo_;

@@ -34,7 +34,7 @@ bool IsListOpen(HWND focus) {
 
 View* Form::LabelAt(POINT point) const {
   for (const auto& view : views_) {
-    if (view->TakesPointer() || !view->Handle() || !view->Control().Visible) continue;
+    if (view->TakesPointer() || view->IsGround() || !view->Handle() || !view->Control().Visible) continue;
     const RECT box = view->Box();
     if (PtInRect(&box, point)) return view.get();
   }
