@@ -134,6 +134,7 @@ TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
   server.On("/m/Kelvarin.zip", support::Text(MakeZip({{"a.txt", "x"}})));
   download.DescargarCliente();
   EXPECT_EQ(window.lblName.Caption.Get(), "Cliente Kelvarin.zip");
+  EXPECT_EQ(window.lblDirectorio.Caption.Get(), folders.BinDir + platform::kSeparator);
   EXPECT_FALSE(folder.Has("juego/Bin/Kelvarin.zip"));
   EXPECT_FALSE(folder.Has("juego/Bin/a.txt"));
   ASSERT_EQ(host.dialogs.shown.size(), 1u);
