@@ -6,6 +6,7 @@
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/launcher_state.hpp"
 
 namespace update {
 namespace {
@@ -15,7 +16,7 @@ constexpr std::uint64_t kLargestCounter = 4096;  // a counter is a line; anythin
 }  // namespace
 
 std::string CounterStore::FileOf(const std::string& category) const {
-  return services_.folders.InitDir + "AU" + category + ".ini";
+  return services_.folders.InitDir + CounterFileName(category);
 }
 
 std::string CounterStore::Report(const char* procedure, const std::string& line,
@@ -47,7 +48,7 @@ bool CounterStore::Write(const std::string& category, std::int16_t number) {
       services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string file = FileOf(category), text = std::to_string(number) + "\r\n";
+        const std::string file = FileOf(category), text = CounterText(number);
         if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == text) return;
         line = 20;
         platform::WriteWhole(file, text);

@@ -1,28 +1,13 @@
-#include <windows.h>
-// after windows.h, which it builds on
-#include <bcrypt.h>
-
 #include <algorithm>
 #include <array>
 #include <limits>
 
 #include "base/runtime_error.hpp"
 #include "platform/digest.hpp"
-#include "platform/win32/handles.hpp"
+#include "platform/win32/bcrypt_handles.hpp"
 
 namespace platform {
 namespace {
-
-struct AlgorithmTraits {
-  using Type = BCRYPT_ALG_HANDLE;
-  static Type Invalid() { return nullptr; }
-  static void Close(Type handle) { BCryptCloseAlgorithmProvider(handle, 0); }
-};
-struct HashTraits {
-  using Type = BCRYPT_HASH_HANDLE;
-  static Type Invalid() { return nullptr; }
-  static void Close(Type handle) { BCryptDestroyHash(handle); }
-};
 
 struct KindEntry {
   const wchar_t* algorithm;
@@ -39,8 +24,8 @@ void Require(NTSTATUS status) {
 }  // namespace
 
 struct Digest::State {
-  UniqueHandle<AlgorithmTraits> algorithm;
-  UniqueHandle<HashTraits> hash;  // destroyed before its algorithm
+  UniqueHandle<handle_traits::Algorithm> algorithm;
+  UniqueHandle<handle_traits::Hash> hash;  // destroyed before its algorithm
   std::size_t length = 0;
 };
 
