@@ -59,34 +59,35 @@ struct MirrorTest : testing::Test {
 };
 
 TEST(Layout, APathAskedForNeverLeavesThePublication) {
-  const publisher::Layout layout("/pub");
   const struct {
     const char* asked;
-    const char* file;  // none: refused
+    const char* name;  // none: refused
   } cases[] = {
-      {"/update/kvn2011/Online.txt", "/pub/Online.txt"},
-      {"/files/update/kvn2011/OldAct/Mapas/Mapas1.zip", "/pub/OldAct/Mapas/Mapas1.zip"},
-      {"/update/kvn2011/../../web/include/info.php", "/pub/web/include/info.php"},
-      {"/files/update/kvn2011/../../web/include/info.php", "/pub/web/include/info.php"},
-      {"/files/update/kvn2011//web/include/noticiasbase.php", "/pub/web/include/noticiasbase.php"},
-      {"/web/include/ipdate.php", "/pub/web/include/ipdate.php"},
-      {"/update/kvn2011/NewAct2/../Online.txt", "/pub/Online.txt"},
+      {"/update/kvn2011/Online.txt", "Online.txt"},
+      {"/files/update/kvn2011/OldAct/Mapas/Mapas1.zip", "OldAct/Mapas/Mapas1.zip"},
+      {"/update/kvn2011/../../web/include/info.php", "web/include/info.php"},
+      {"/files/update/kvn2011/../../web/include/info.php", "web/include/info.php"},
+      {"/files/update/kvn2011//web/include/noticiasbase.php", "web/include/noticiasbase.php"},
+      {"/web/include/ipdate.php", "web/include/ipdate.php"},
+      {"/update/kvn2011/NewAct2/../Online.txt", "Online.txt"},
       {"/update/kvn2011/../../../etc/passwd", nullptr},
       {"/update/kvn2011/../../etc/passwd", nullptr},
       {"/web/../../etc/passwd", nullptr},
       {"/update/kvn2011/..\\..\\etc\\passwd", nullptr},
       {"/update/kvn2011/.git/config", nullptr},
+      {"/update/kvn2011/.publisher/record.txt", nullptr},
       {"/update/kvn2011/", nullptr},
       {"/Online.txt", nullptr},
       {"", nullptr},
   };
-  for (const auto& [asked, file] : cases) {
-    const auto found = layout.FileFor(asked);
-    EXPECT_EQ(found.value_or("none"), file == nullptr ? "none" : file) << asked;
+  for (const auto& [asked, name] : cases) {
+    const auto found = publisher::Layout::NameFor(asked);
+    EXPECT_EQ(found.value_or("none"), name == nullptr ? "none" : name) << asked;
   }
 }
 
 TEST_F(MirrorTest, AnswersUnderBothPathsAndTellsEachRequest) {
+  pub.game.Put("Bin/KVN-DX8.exe", "the client");
   pub.game.Put("Bin/Sub/ñandú #1.dat", Noise(500'000, 3));
   ASSERT_EQ(pub.Index(), 0);
   EXPECT_EQ(Get("update/kvn2011/Online.txt").body, "1");

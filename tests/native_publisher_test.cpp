@@ -158,6 +158,10 @@ TEST(Publisher, WordsThatMakeNoCommandGiveTwo) {
       {"patch", "x"},
       {"check", "x", "y"},
       {"check", "x", "--port", "1"},
+      {"check", ""},
+      {"patch", "x", "Mapas", "y", "--force"},
+      {"patch", "x", "Mapas", "y", "--dry-run=yes"},
+      {"serve", "x", "--host="},
       {"serve", "x", "--port"},
       {"serve", "x", "--port", "65536"},
       {"serve", "x", "--rate=0"},
@@ -202,7 +206,8 @@ TEST(Publisher, TheIndexNamesEveryFileOfBinAndPacksOnlyWhatChanged) {
   platform::RemoveFile(pub.game / "Bin/empty");
   ASSERT_EQ(pub.Index(), 0);
   EXPECT_EQ(platform::StampOf(program), stamp);
-  EXPECT_TRUE(Holds(pub.out, "2 files, 1 packed anew")) << pub.out;
+  EXPECT_TRUE(Holds(pub.out, "2 files, 0 added, 1 changed, 1 removed; 1 packed anew")) << pub.out;
+  EXPECT_TRUE(Holds(pub.out, "~ Bin/Sub/ñandú.dat\n- Bin/empty\n")) << pub.out;
 
   // A packed file that has rotted is packed again; one that is no longer in the game goes.
   std::string rotten = pub.Get("NewAct2/Bin/KVN-DX8.exe.kvn");
@@ -212,13 +217,13 @@ TEST(Publisher, TheIndexNamesEveryFileOfBinAndPacksOnlyWhatChanged) {
   platform::RemoveTree(pub.game / "Bin/Sub");
   ASSERT_EQ(pub.Index(), 0);
   EXPECT_FALSE(pub.folder.Has("pub/NewAct2/Bin/Sub"));
-  EXPECT_FALSE(pub.folder.Has("pub/NewAct2.next"));
+  EXPECT_FALSE(pub.folder.Has("pub/.publisher/next"));
   EXPECT_EQ(pub.Check(), 0) << pub.out;
 }
 
 TEST(Publisher, AFileThatLaunchersWouldInstallUnderAnotherNameEndsTheIndexing) {
   TestPublication pub;
-  pub.game.Put("Bin/good", "x");
+  pub.game.Put("Bin/KVN-DX8.exe", "x");
   ASSERT_EQ(pub.Index(), 0);
   const std::string before = pub.Get("NewAct2/Info.kvn");
   pub.game.Put("Bin/LIST.kvn", "x");
@@ -272,6 +277,7 @@ TEST(Publisher, CheckFindsEveryKindOfDamage) {
   };
   TestPublication pub;
   pub.game.Put("Bin/file", "content");
+  pub.game.Put("Bin/KVN-DX8.exe", "the client");
   ASSERT_EQ(pub.Patch("Mapas"), 0);
   ASSERT_EQ(pub.Index(), 0);
   ASSERT_EQ(pub.Run({"client", pub.Root(), pub.game.Path()}), 0);
@@ -308,6 +314,7 @@ bool PublishUntilKilled(TestPublication& pub, std::chrono::microseconds patience
 
 TEST(Publisher, KilledAtAnyMomentItLeavesAPublicationThatChecks) {
   TestPublication pub;
+  pub.game.Put("Bin/KVN-DX8.exe", "the client");
   for (int i = 0; i < 12; ++i) pub.game.Put("Bin/file" + std::to_string(i), Noise(60'000, 100 + i));
   const auto start = std::chrono::steady_clock::now();
   ASSERT_EQ(pub.Index() + pub.Patch("Mapas"), 0) << pub.err;

@@ -6,18 +6,17 @@
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/launcher_state.hpp"
 
 namespace update {
 namespace {
 
 constexpr std::uint64_t kLargestCounter = 4096;  // a counter is a line; anything larger is something else
 
-std::string TextOf(std::int16_t number) { return std::to_string(number) + "\r\n"; }
-
 }  // namespace
 
 std::string CounterStore::FileOf(const std::string& category) const {
-  return services_.folders.InitDir + "AU" + category + ".ini";
+  return services_.folders.InitDir + CounterFileName(category);
 }
 
 std::string CounterStore::Report(const char* procedure, const std::string& line,
@@ -45,7 +44,7 @@ std::int16_t CounterStore::Read(const std::string& category) {
 }
 
 void CounterStore::Store(const std::string& category, std::int16_t number) {
-  platform::WriteWhole(FileOf(category), TextOf(number));
+  platform::WriteWhole(FileOf(category), CounterText(number));
 }
 
 bool CounterStore::Write(const std::string& category, std::int16_t number) {
@@ -53,8 +52,8 @@ bool CounterStore::Write(const std::string& category, std::int16_t number) {
       services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string file = FileOf(category);
-        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == TextOf(number)) return;
+        const std::string file = FileOf(category), text = CounterText(number);
+        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == text) return;
         line = 20;
         Store(category, number);
       },

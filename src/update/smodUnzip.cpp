@@ -1,16 +1,14 @@
 #include "update/smodUnzip.hpp"
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <vector>
 
 #include "base/relative_name.hpp"
 #include "base/runtime_error.hpp"
-#include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/blocking.hpp"
-#include "update/counter_store.hpp"
+#include "update/launcher_state.hpp"
 #include "update/patch_failure.hpp"
 #include "update/patch_journal.hpp"
 #include "update/staged_patch.hpp"
@@ -37,20 +35,8 @@ std::string PrefixOf(const std::string& directory, const std::string& game) {
   return below.empty() ? below : below + "/";
 }
 
-// What the launcher keeps of its own in the game folder; no archive may bring it. Folders end in "/".
 void JudgeOwner(const std::string& name) {
-  static constexpr const char* kOwn[] = {"RECURSOS/INIT/UPDATE/", "RECURSOS/UPDATE/", "BIN/CODIGOS/",
-                                         "BIN/CLIENT.VBP", "BIN/MD5UPDATE.INI"};
-  const std::string folded = base::Upper(name);
-  const auto isOwn = [&](std::string_view own) {
-    return own.ends_with('/') ? folded.starts_with(own) : folded == own;
-  };
-  const auto isCounter = [&](std::string_view category) {
-    return folded == "RECURSOS/INIT/AU" + base::Upper(category) + ".INI";
-  };
-  if (std::any_of(std::begin(kOwn), std::end(kOwn), isOwn) ||
-      std::any_of(kCategories.begin(), kCategories.end(), isCounter))
-    RefuseEntry(name, "it is the launcher's own");
+  if (IsLauncherState(name)) RefuseEntry(name, "it is the launcher's own");
 }
 
 class Installation {

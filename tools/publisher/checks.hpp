@@ -1,51 +1,70 @@
 #pragma once
 
+#include <cstddef>
 #include <mutex>
 #include <set>
 #include <string>
 #include <vector>
 
+#include "publisher/checked_files.hpp"
 #include "publisher/console.hpp"
-#include "publisher/layout.hpp"
+#include "publisher/failure.hpp"
+#include "publisher/findings.hpp"
+#include "publisher/signature_check.hpp"
+#include "update/index_file.hpp"
 
 namespace publisher {
 
-// What a check has found so far. Safe to add to from several threads.
-class Findings {
+// One publication under examination: every file that launchers may ask for is fetched, judged and remembered.
+class Examination {
  public:
-  explicit Findings(const Layout& layout) : layout_(layout) {}
+  // `publicKey`: Base64, of whom Signed.txt has to be signed; empty: it need not be there.
+  Examination(CheckedFiles& files, std::string publicKey, Findings& findings, Console& console)
+      : files_(files), findings_(findings), console_(console), signature_(std::move(publicKey), findings) {}
 
-  // Notes that launchers ask for `path`; false, and a problem, when it is not there.
-  bool Expect(const std::string& path);
-  void Problem(const std::string& text);
-  void Warning(const std::string& text);
-  void WarnOfStrayFiles();  // what is in the publication and was not expected
+  void CheckAll();
+  void CheckContent();  // all but the probe and the web scripts
 
-  // Runs `work` and turns whatever it throws into a problem of `path`.
-  template <class Work>
-  void Judge(const std::string& path, Work work) {
-    try {
-      work();
-    } catch (const std::exception& error) {
-      const std::string what = error.what();
-      Problem(what.starts_with(path) ? what : path + ": " + what);
-    }
-  }
-
-  // In an order that does not depend on how the threads ran.
-  std::vector<std::string> Problems() const { return {problems_.begin(), problems_.end()}; }
-  std::vector<std::string> Warnings() const { return {warnings_.begin(), warnings_.end()}; }
-  std::size_t Expected() const { return expected_.size(); }
+  const std::set<std::string>& Expected() const { return expected_; }  // names of what launchers ask for
 
  private:
-  const Layout& layout_;
-  std::mutex mutex_;
-  std::set<std::string> expected_, problems_, warnings_;
+  void CheckSignature();
+  void CheckAnswers();  // the probe and the web scripts
+  void CheckPatches();  // and the update list
+  void CheckIndex();
+  void CheckClient();  // after the patches
+
+  // Hands the local path of a file to `judge`, whose exceptions become problems of it; so does its absence.
+  template <class Judge>
+  void Examine(const std::string& name, Judge judge) {
+    Expect(name);
+    const std::string called = files_.Called(name);
+    findings_.Judge(called, {}, [&] {
+      const std::optional<LocalCopy> copy = files_.Fetch(name);
+      if (!copy) throw Failure("it is missing");
+      findings_.Judge(called, copy->Path(), [&] {
+        signature_.Compare(name, copy->Path(), called);
+        judge(copy->Path());
+      });
+    });
+  }
+  void Expect(const std::string& name);
+  void CheckRecord(const update::IndexRecord& record, Progress& progress);
+
+  CheckedFiles& files_;
+  Findings& findings_;
+  Console& console_;
+  SignatureCheck signature_;
+  std::mutex mutex_;  // of expected_
+  std::set<std::string> expected_;
+  std::vector<int> counts_;  // of the update list, by category; none when it is no good
 };
 
-void CheckAnswers(const Layout& layout, Findings& findings);  // the probe and the web scripts
-void CheckPatches(const Layout& layout, Findings& findings, Console& console);
-void CheckIndex(const Layout& layout, Findings& findings, Console& console);
-void CheckClient(const Layout& layout, Findings& findings);
+// Problems of a publication's folder that no mirror shows: archives that are not those which were published
+// under their numbers, and a list that went back.
+void CheckHistory(const Layout& layout, Findings& findings);
+
+// Warns of what is in the folder and no launcher asks for.
+void WarnOfStrayFiles(const Layout& layout, const std::set<std::string>& expected, Findings& findings);
 
 }  // namespace publisher

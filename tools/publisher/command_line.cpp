@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <string_view>
 
 namespace publisher {
 namespace {
@@ -19,23 +20,38 @@ std::uint64_t Number(const std::string& option, const std::string& text, std::ui
   return number;
 }
 
-struct ValueOption {
+struct Option {
   const char* name;
-  void (*set)(ServeOptions& options, const std::string& name, const std::string& text);
+  const char* value;  // what it is called in the usage; none: the option takes no value
+  void (*set)(Options& options, const std::string& name, const std::string& text);
 };
 
-constexpr ValueOption kValueOptions[] = {
-    {"--port",
-     [](ServeOptions& options, const std::string& name, const std::string& text) {
-       options.port = static_cast<int>(Number(name, text, 0, kHighestPort));
+constexpr Option kOptions[] = {
+    {"--dry-run", nullptr, [](Options& options, auto&, auto&) { options.dryRun = true; }},
+    {"--force", nullptr, [](Options& options, auto&, auto&) { options.force = true; }},
+    {"--json", nullptr, [](Options& options, auto&, auto&) { options.json = true; }},
+    {"--no-client", nullptr, [](Options& options, auto&, auto&) { options.client = false; }},
+    {"--key", "KEY.pem", [](Options& options, auto&, auto& text) { options.signing.keyFile = text; }},
+    {"--expires", "YYYY-MM-DD", [](Options& options, auto&, auto& text) { options.signing.expires = text; }},
+    {"--next-key", "PUBLICKEY", [](Options& options, auto&, auto& text) { options.signing.nextKey = text; }},
+    {"--public-key", "PUBLICKEY", [](Options& options, auto&, auto& text) { options.publicKey = text; }},
+    {"--host", "ADDRESS", [](Options& options, auto&, auto& text) { options.serve.host = text; }},
+    {"--port", "N",
+     [](Options& options, auto& name, auto& text) {
+       options.serve.port = static_cast<int>(Number(name, text, 0, kHighestPort));
      }},
-    {"--rate",
-     [](ServeOptions& options, const std::string& name, const std::string& text) {
-       options.rate = Number(name, text, 1, std::numeric_limits<std::uint32_t>::max());
+    {"--rate", "BYTES/S",
+     [](Options& options, auto& name, auto& text) {
+       options.serve.rate = Number(name, text, 1, std::numeric_limits<std::uint32_t>::max());
      }},
-    {"--host",
-     [](ServeOptions& options, const std::string&, const std::string& text) { options.host = text; }},
+    {"--log", nullptr, [](Options& options, auto&, auto&) { options.serve.log = true; }},
 };
+
+const Option* FindOption(std::string_view name) {
+  const auto found = std::find_if(std::begin(kOptions), std::end(kOptions),
+                                  [&](const Option& option) { return option.name == name; });
+  return found == std::end(kOptions) ? nullptr : &*found;
+}
 
 // Reads the words one by one.
 class Parser {
@@ -73,27 +89,30 @@ class Parser {
       line_.wish = CommandLine::Wish::Help;
     } else if (word == "--version") {
       line_.wish = CommandLine::Wish::Version;
-    } else if (line_.command != nullptr && line_.command->serves) {
-      TakeServeOption(word);
     } else {
-      throw UsageError("there is no option \"" + word + "\" here");
+      TakeCommandsOption(word);
     }
   }
 
-  void TakeServeOption(const std::string& word) {
-    if (word == "--log") {
-      line_.serve.log = true;
-      return;
-    }
+  void TakeCommandsOption(const std::string& word) {
     const std::size_t equals = word.find('=');
     const std::string name = word.substr(0, equals);
-    for (const ValueOption& option : kValueOptions) {
-      if (name != option.name) continue;
-      if (equals == std::string::npos && ++at_ == words_.size()) throw UsageError(name + " wants a value");
-      option.set(line_.serve, name, equals == std::string::npos ? words_[at_] : word.substr(equals + 1));
-      return;
+    const Option* option = FindOption(name);
+    if (option == nullptr || !IsTaken(name)) throw UsageError("there is no option \"" + name + "\" here");
+    if (option->value == nullptr) {
+      if (equals != std::string::npos) throw UsageError(name + " takes no value");
+      return option->set(line_.options, name, {});
     }
-    throw UsageError("there is no option \"" + name + "\"");
+    if (equals == std::string::npos && ++at_ == words_.size()) throw UsageError(name + " wants a value");
+    const std::string text = equals == std::string::npos ? words_[at_] : word.substr(equals + 1);
+    if (text.empty()) throw UsageError(name + " wants a value");
+    option->set(line_.options, name, text);
+  }
+
+  bool IsTaken(std::string_view name) const {
+    if (line_.command == nullptr) return false;
+    const auto& taken = line_.command->options;
+    return std::find(taken.begin(), taken.end(), name) != taken.end();
   }
 
   void Check() const {
@@ -105,6 +124,9 @@ class Parser {
     }
     if (line_.operands.size() > wanted) {
       throw UsageError("\"" + line_.operands[wanted] + "\" is one word too many");
+    }
+    for (std::size_t i = 0; i < wanted; ++i) {
+      if (line_.operands[i].empty()) throw UsageError(std::string(line_.command->operands[i]) + " is empty");
     }
   }
 
@@ -124,7 +146,12 @@ CommandLine ParseCommandLine(std::span<const Command> commands, std::span<const 
 std::string UsageOf(const Command& command) {
   std::string text = std::string("publisher ") + command.name;
   for (const char* operand : command.operands) text.append(" ").append(operand);
-  if (command.serves) text += " [--host ADDRESS] [--port N] [--rate BYTES/S] [--log]";
+  for (const char* name : command.options) {
+    const Option* option = FindOption(name);
+    text.append(" [").append(name);
+    if (option->value != nullptr) text.append(" ").append(option->value);
+    text.append("]");
+  }
   return text;
 }
 

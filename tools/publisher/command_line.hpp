@@ -17,12 +17,29 @@ struct ServeOptions {
   bool log = false;        // one line per request
 };
 
+// How a publication is to be signed.
+struct Signing {
+  std::string keyFile;  // empty: not at all
+  std::string expires;  // "YYYY-MM-DD", the last day on which it counts (UTC); empty: 90 days from now
+  std::string nextKey;  // Base64 of the public key that will follow; empty: none will
+};
+
+struct Options {
+  bool dryRun = false;  // say what would be done, and leave all as it is
+  bool force = false;
+  bool json = false;
+  bool client = true;  // pack the full client too
+  Signing signing;
+  std::string publicKey;  // Base64, to verify a signature with
+  ServeOptions serve;
+};
+
 struct CommandLine;
 
 struct Command {
   const char* name;
   std::vector<const char*> operands;
-  bool serves;  // takes the options of ServeOptions
+  std::vector<const char*> options;  // by their names, "--..."
   const char* summary;
   const char* help;
   bool (*run)(const CommandLine& line, Console& console);  // true: nothing was wrong
@@ -32,8 +49,8 @@ struct CommandLine {
   enum class Wish { Run, Help, Version };
   Wish wish = Wish::Run;
   const Command* command = nullptr;   // none: help or version of the whole tool
-  std::vector<std::string> operands;  // as many as the command names
-  ServeOptions serve;
+  std::vector<std::string> operands;  // as many as the command names, none of them empty
+  Options options;
 };
 
 // The words do not make a command; the text says why.

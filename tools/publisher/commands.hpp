@@ -14,6 +14,10 @@ bool Init(const CommandLine& line, Console& console);
 bool Patch(const CommandLine& line, Console& console);
 bool Index(const CommandLine& line, Console& console);
 bool Client(const CommandLine& line, Console& console);
+bool Release(const CommandLine& line, Console& console);
+bool Keygen(const CommandLine& line, Console& console);
+bool Sign(const CommandLine& line, Console& console);
+bool Push(const CommandLine& line, Console& console);
 bool Check(const CommandLine& line, Console& console);
 bool Serve(const CommandLine& line, Console& console);
 

@@ -22,7 +22,7 @@ void Rename(const std::string& from, const std::string& to) {
 WorkFolder::WorkFolder(std::string path) : path_(std::move(path)) {
   Naming(path_, [&] {
     platform::RemoveTree(path_);
-    platform::MakeFolder(path_);
+    platform::MakeFolders(path_);
   });
 }
 
@@ -35,7 +35,7 @@ WorkFolder::~WorkFolder() {
 
 void SwapFolder(const std::string& fresh, const std::string& folder) {
   if (!platform::IsFolder(folder)) return Rename(fresh, folder);
-  const std::string old = folder + ".old";
+  const std::string old = fresh + ".old";
   if (renameat2(AT_FDCWD, fresh.c_str(), AT_FDCWD, folder.c_str(), RENAME_EXCHANGE) == 0) {
     Naming(fresh, [&] { platform::RemoveTree(fresh); });
     return;
@@ -45,11 +45,6 @@ void SwapFolder(const std::string& fresh, const std::string& folder) {
   Rename(folder, old);
   Rename(fresh, folder);
   Naming(old, [&] { platform::RemoveTree(old); });
-}
-
-void LinkOrCopy(const std::string& from, const std::string& to) {
-  if (link(from.c_str(), to.c_str()) == 0) return;
-  Naming(to, [&] { platform::CloneFile(from, to); });
 }
 
 }  // namespace publisher

@@ -22,7 +22,4 @@ class WorkFolder {
   std::string path_;
 };
 
-// `from` a second time as `to`: a second name of the same bytes where the file system can, a copy elsewhere.
-void LinkOrCopy(const std::string& from, const std::string& to);
-
 }  // namespace publisher

@@ -13,8 +13,9 @@
 namespace publisher {
 namespace {
 
-constexpr std::string_view kServers = "1@Principal@ONLINE@0@0@0@@0|2@Pruebas@OFFLINE@0@0@0@Mantenimiento@0";
-constexpr std::string_view kNews = "1|0|Bienvenido|Aqui se anuncian las novedades del juego.@";
+constexpr std::string_view kSampleServers =
+    "1@Principal@ONLINE@0@0@0@@0|2@Pruebas@OFFLINE@0@0@0@Mantenimiento@0";
+constexpr std::string_view kSampleNews = "1|0|Bienvenido|Aqui se anuncian las novedades del juego.@";
 
 // Of a publication's first day and of nobody, as any web server can give it: launchers take it in this form.
 std::string DateAndAddress() {
@@ -38,18 +39,21 @@ void MakeFolders(const std::string& path) {
 
 bool Init(const CommandLine& line, Console& console) {
   const Layout layout(line.operands[0]);
-  if (platform::IsFolder(layout.Root()) && !platform::IsFolder(layout.Patches()) &&
-      !platform::ListTree(layout.Root()).empty()) {
+  if (platform::IsFolder(layout.Root()) && !platform::IsFolder(layout.Patches()) && !layout.Files().empty()) {
     throw Failure(layout.Root() + ": the folder is not empty and no publication");
+  }
+  if (line.options.dryRun) {
+    console.out << layout.Root() << ": would be made ready; what is there stays\n";
+    return true;
   }
   MakeFolders(layout.Patches());
   const PublicationLock lock(layout, PublicationLock::Kind::Writing);
   MakeFolders(layout.GameFiles() + "/Bin");
-  MakeFolders(platform::FolderOf(layout.WebScript("")));
+  MakeFolders(platform::FolderOf(layout.At(names::kServers)));
   PutNew(layout.UpdateList(), EmptyUpdateList());
-  PutNew(layout.WebScript("info.php"), kServers);
-  PutNew(layout.WebScript("noticiasbase.php"), kNews);
-  PutNew(layout.WebScript("ipdate.php"), DateAndAddress());
+  PutNew(layout.At(names::kServers), kSampleServers);
+  PutNew(layout.At(names::kNews), kSampleNews);
+  PutNew(layout.At(names::kAddress), DateAndAddress());
   if (!platform::IsFile(layout.Index())) PackText(IndexBytes({}), layout.Index());
   // Last, since it is what tells launchers that the rest is there.
   PutNew(layout.Online(), "1");

@@ -1,7 +1,5 @@
 #include "publisher/layout.hpp"
 
-#include <vector>
-
 #include "base/relative_name.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
@@ -28,7 +26,18 @@ std::optional<std::string> Resolved(std::string_view urlPath) {
   return result;
 }
 
+bool HasHiddenPart(std::string_view name) { return name.starts_with('.') || base::Contains(name, "/."); }
+
 }  // namespace
+
+std::string names::Patch(std::string_view category, int number) {
+  const std::string name(category);
+  return std::string(kPatches) + "/" + name + "/" + name + std::to_string(number) + ".zip";
+}
+
+std::string names::Packed(std::string_view inBin) {
+  return std::string(kGameFiles) + "/Bin/" + std::string(inBin) + ".kvn";
+}
 
 Layout::Layout(std::string root) : root_(std::move(root)) {
   while (root_.size() > 1 && root_.ends_with('/')) root_.pop_back();
@@ -43,34 +52,27 @@ Layout Layout::Existing(const std::string& root) {
   return layout;
 }
 
-std::string Layout::Patch(std::string_view category, int number) const {
-  const std::string name(category);
-  return Patches() + "/" + name + "/" + name + std::to_string(number) + ".zip";
+std::vector<std::string> Layout::Files() const {
+  std::vector<std::string> files;
+  for (platform::FoundFile& found : Naming(root_, [&] { return platform::ListTree(root_); })) {
+    if (!HasHiddenPart(found.path)) files.push_back(std::move(found.path));
+  }
+  return files;
 }
 
-std::string Layout::PackedIn(const std::string& gameFiles, std::string_view inBin) {
-  return gameFiles + "/Bin/" + std::string(inBin) + ".kvn";
-}
-
-std::string Layout::RelativeOf(const std::string& path) const {
-  const bool inside = path.size() > root_.size() && path.starts_with(root_) && path[root_.size()] == '/';
-  return inside ? path.substr(root_.size() + 1) : path;
-}
-
-std::optional<std::string> Layout::FileFor(std::string_view urlPath) const {
+std::optional<std::string> Layout::NameFor(std::string_view urlPath) {
   const std::optional<std::string> path = Resolved(urlPath);
   if (!path || base::Contains(*path, "\\")) return std::nullopt;
   const auto below = [&](std::string_view prefix, std::string_view folder) -> std::optional<std::string> {
     if (!path->starts_with(prefix)) return std::nullopt;
     const std::string name = std::string(folder) + path->substr(prefix.size());
-    // Names with a leading dot are nobody's to ask for.
-    if (!base::WhyUnsafe(name).empty() || base::Contains("/" + name, "/.")) return std::nullopt;
-    return root_ + "/" + name;
+    if (!base::WhyUnsafe(name).empty() || HasHiddenPart(name)) return std::nullopt;
+    return name;
   };
   for (const std::string_view mirror : kMirrorPaths) {
-    if (auto file = below(mirror, "")) return file;
+    if (auto name = below(mirror, "")) return name;
   }
-  if (auto file = below("/web/", "web/")) return file;
+  if (auto name = below("/web/", "web/")) return name;
   return below("/files/web/", "web/");
 }
 

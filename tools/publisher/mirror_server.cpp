@@ -86,19 +86,15 @@ struct MirrorServer::State {
 
 void MirrorServer::State::Answer(const httplib::Request& request, httplib::Response& response) {
   const Conditions asked = ConditionsOf(request);
-  const std::optional<std::string> path = layout.FileFor(request.path);
-  if (!path) {
-    response.status = 404;
-    return;
-  }
-  std::optional<ServedFile> served = OpenServed(*path);
+  const std::optional<std::string> name = Layout::NameFor(request.path);
+  std::optional<ServedFile> served = name ? OpenServed(layout.At(*name)) : std::nullopt;
   if (!served) {
     response.status = 404;
     return;
   }
   response.set_header("ETag", served->etag);
   response.set_header("Last-Modified", served->lastModified);
-  response.set_header("Cache-Control", CachingOf(KindOf(layout.RelativeOf(*path))).header);
+  response.set_header("Cache-Control", CachingOf(KindOf(*name)).header);
   SendPortion(std::move(*served), PortionFor(*served, asked), response);
 }
 

@@ -18,27 +18,41 @@ constexpr std::size_t kPiece = 128 * 1024;
 
 template <class Take>
 Content ReadThrough(const std::string& path, Progress& progress, Take take) {
-  return Naming(path, [&] {
-    platform::InputFile file(path);
-    platform::Digest digest(platform::DigestKind::Md5);
-    std::vector<std::byte> piece(kPiece);
-    Content content;
-    while (const std::size_t count = file.Read(piece)) {
-      const auto bytes = std::span(piece).first(count);
-      digest.Update(bytes);
-      take(bytes);
-      content.size += count;
-      progress.Add(count);
-    }
-    content.digest = digest.Hex();
-    return content;
+  platform::Digest digest(platform::DigestKind::Md5);
+  Content content;
+  content.size = ForEachPiece(path, [&](std::span<const std::byte> bytes) {
+    digest.Update(bytes);
+    take(bytes);
+    progress.Add(bytes.size());
   });
+  content.digest = digest.Hex();
+  return content;
 }
 
 }  // namespace
 
+std::uint64_t ForEachPiece(const std::string& path,
+                           const std::function<void(std::span<const std::byte>)>& take) {
+  return Naming(path, [&] {
+    platform::InputFile file(path);
+    std::vector<std::byte> piece(kPiece);
+    std::uint64_t size = 0;
+    while (const std::size_t count = file.Read(piece)) {
+      take(std::span<const std::byte>(piece).first(count));
+      size += count;
+    }
+    return size;
+  });
+}
+
 Content ContentOf(const std::string& path, Progress& progress) {
   return ReadThrough(path, progress, [](std::span<const std::byte>) {});
+}
+
+std::string Sha256Of(const std::string& path) {
+  platform::Digest digest(platform::DigestKind::Sha256);
+  ForEachPiece(path, [&](std::span<const std::byte> bytes) { digest.Update(bytes); });
+  return digest.Hex();
 }
 
 Content PackFile(const std::string& source, const std::string& target, Progress& progress) {
@@ -53,7 +67,7 @@ Content PackFile(const std::string& source, const std::string& target, Progress&
       ReadThrough(source, progress, [&](std::span<const std::byte> bytes) { deflater.Feed(bytes, write); });
   deflater.Finish(write);
   if (content.size != size) throw Failure(source + ": it changed while it was being packed");
-  Naming(target, [&] { file.Commit(); });
+  Naming(target, [&] { file.Commit(platform::OutputFile::Lasting::No); });
   return content;
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -15,8 +18,15 @@ struct Content {
   bool operator==(const Content&) const = default;
 };
 
+// Hands every piece of a plain file to `take`; how many bytes it had.
+std::uint64_t ForEachPiece(const std::string& path,
+                           const std::function<void(std::span<const std::byte>)>& take);
+
 // The content of a plain file.
 Content ContentOf(const std::string& path, Progress& progress);
+
+// The SHA-256 of a plain file, lower case.
+std::string Sha256Of(const std::string& path);
 
 // Packs `source` as `target`. Failure when the source is empty, which the format cannot say, or 2 GiB or
 // more.

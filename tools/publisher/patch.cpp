@@ -5,6 +5,8 @@
 #include "publisher/failure.hpp"
 #include "publisher/layout.hpp"
 #include "publisher/publication_lock.hpp"
+#include "publisher/publication_record.hpp"
+#include "publisher/signer.hpp"
 #include "publisher/update_list.hpp"
 #include "publisher/zip_writer.hpp"
 #include "update/counter_store.hpp"
@@ -25,23 +27,28 @@ void RequireCategory(const std::string& category) {
 
 bool Patch(const CommandLine& line, Console& console) {
   const std::string& category = line.operands[1];
-  const std::string& folder = line.operands[2];
   RequireCategory(category);
   const Layout layout = Layout::Existing(line.operands[0]);
   const PublicationLock lock(layout, PublicationLock::Kind::Writing);
-  const std::vector<SourceFile> files = ReadSource(folder, "", layout.Root(), console.err);
-  if (files.empty()) throw Failure(folder + ": there is no file to publish");
-  const int number = NewestPatch(layout, category) + 1;
-  if (number > kHighestPatch) throw Failure(category + ": launchers count no further than 32767 patches");
+  const std::vector<SourceFile> files = ReadSource(line.operands[2], "", layout, console.err);
+  PublicationRecord record(layout);
+  const int number = NextPatch(layout, record, category);
   const std::string archive = layout.Patch(category, number);
+  if (line.options.dryRun) {
+    for (const SourceFile& file : files) console.out << "+ " << file.name << "\n";
+    console.out << archive << ": would hold " << files.size() << " files, " << TotalSize(files)
+                << " bytes before packing\n";
+    return true;
+  }
   Naming(archive, [&] { platform::MakeFolders(platform::FolderOf(archive)); });
   {
     Progress progress(console, "packing " + platform::FileNameOf(archive), TotalSize(files));
     WriteArchive(files, archive, progress);
   }
   SetNewestPatch(layout, category, number);  // last: launchers ask for what this names
-  console.out << archive << ": " << files.size() << " files, " << platform::StampOf(archive)->size
-              << " bytes\n";
+  record.TakeInListed();
+  WarnOfSignature(layout, console);
+  console.out << archive << ": " << files.size() << " files, " << SizeOf(archive) << " bytes\n";
   return true;
 }
 

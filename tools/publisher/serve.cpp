@@ -13,7 +13,7 @@ bool Serve(const CommandLine& line, Console& console) {
   sigemptyset(&ends);
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) sigaddset(&ends, signal);
   pthread_sigmask(SIG_BLOCK, &ends, nullptr);
-  const MirrorServer server(layout, line.serve, console);
+  const MirrorServer server(layout, line.options.serve, console);
   console.out << "Serving " << layout.Root() << " on " << server.Url() << std::endl;
   int signal = 0;
   sigwait(&ends, &signal);

@@ -57,23 +57,36 @@ std::string ZipWriter::FactsOf(const Entry& entry) {
 }
 
 void ZipWriter::Add(const SourceFile& file, Progress& progress) {
+  platform::InputFile source = Naming(file.path, [&] { return platform::InputFile(file.path); });
+  AddEntry({.name = file.name, .program = file.program}, file.path, [&](std::span<std::byte> into) {
+    const std::size_t count = Naming(file.path, [&] { return source.Read(into); });
+    progress.Add(count);
+    return count;
+  });
+}
+
+void ZipWriter::AddText(const std::string& name, std::string_view text) {
+  AddEntry({.name = name}, path_, [&](std::span<std::byte> into) {
+    const std::size_t count = std::min(into.size(), text.size());
+    std::copy_n(reinterpret_cast<const std::byte*>(text.data()), count, into.begin());
+    text.remove_prefix(count);
+    return count;
+  });
+}
+
+void ZipWriter::AddEntry(Entry entry, const std::string& what, const Read& read) {
   if (entries_.size() == kMostEntries) {
     throw Failure(path_ + ": an archive holds at most 65,534 files; publish them in parts");
   }
-  CheckSize(file.path, file.size);
-  Entry entry;
-  entry.name = file.name;
-  entry.program = file.program;
   entry.offset = offset_;
   Write(Record({{kLocalSignature, 4}}) + FactsOf(entry) + entry.name + ExtraField(entry.name));
-  WriteData(entry, file.path, progress);
+  WriteData(entry, what, read);
   Write(Record({{kDataSignature, 4}, {entry.crc, 4}, {entry.packedSize, 4}, {entry.size, 4}}));
   CheckSize(path_, offset_);
   entries_.push_back(std::move(entry));
 }
 
-void ZipWriter::WriteData(Entry& entry, const std::string& path, Progress& progress) {
-  platform::InputFile source = Naming(path, [&] { return platform::InputFile(path); });
+void ZipWriter::WriteData(Entry& entry, const std::string& what, const Read& read) {
   std::vector<std::byte> piece(kPiece);
   uLong crc = crc32(0, nullptr, 0);
   Deflater deflater(Deflater::Format::Raw);
@@ -81,17 +94,16 @@ void ZipWriter::WriteData(Entry& entry, const std::string& path, Progress& progr
     Naming(path_, [&] { file_.Write(packed); });
     entry.packedSize += packed.size();
   };
-  while (const std::size_t count = Naming(path, [&] { return source.Read(piece); })) {
+  while (const std::size_t count = read(piece)) {
     crc = crc32(crc, reinterpret_cast<const Bytef*>(piece.data()), static_cast<uInt>(count));
     entry.size += count;
     deflater.Feed(std::span(piece).first(count), take);
-    CheckSize(path, entry.size);
-    progress.Add(count);
+    CheckSize(what, entry.size);
   }
   deflater.Finish(take);
   entry.crc = static_cast<std::uint32_t>(crc);
   offset_ += entry.packedSize;
-  CheckSize(path, entry.packedSize);
+  CheckSize(what, entry.packedSize);
 }
 
 void ZipWriter::Commit() {
@@ -120,9 +132,12 @@ void ZipWriter::CheckSize(const std::string& what, std::uint64_t size) {
   }
 }
 
-void WriteArchive(const std::vector<SourceFile>& files, const std::string& target, Progress& progress) {
+void WriteArchive(const std::vector<SourceFile>& files, const std::string& target, Progress& progress,
+                  const std::vector<TextFile>& texts) {
+  for (const SourceFile& file : files) ZipWriter::CheckSize(file.path, file.size);
   ZipWriter zip(target);
   for (const SourceFile& file : files) zip.Add(file, progress);
+  for (const TextFile& text : texts) zip.AddText(text.name, text.text);
   zip.Commit();
 }
 

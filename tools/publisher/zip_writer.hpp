@@ -1,7 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/files.hpp"
@@ -18,7 +21,11 @@ class ZipWriter {
   explicit ZipWriter(const std::string& path);
 
   void Add(const SourceFile& file, Progress& progress);
+  void AddText(const std::string& name, std::string_view text);
   void Commit();  // the archive whole under its name
+
+  // Failure when no archive can hold so much, be it of one file or altogether.
+  static void CheckSize(const std::string& what, std::uint64_t size);
 
  private:
   struct Entry {
@@ -28,10 +35,13 @@ class ZipWriter {
     std::uint64_t size = 0, packedSize = 0, offset = 0;
   };
 
+  using Read = std::function<std::size_t(std::span<std::byte>)>;  // 0 at the end
+
+  // `what` is named when the bytes are too many.
+  void AddEntry(Entry entry, const std::string& what, const Read& read);
   void Write(const std::string& bytes);
-  void WriteData(Entry& entry, const std::string& path, Progress& progress);
+  void WriteData(Entry& entry, const std::string& what, const Read& read);
   static std::string FactsOf(const Entry& entry);
-  static void CheckSize(const std::string& what, std::uint64_t size);
 
   const std::string path_;
   platform::OutputFile file_;
@@ -39,7 +49,13 @@ class ZipWriter {
   std::vector<Entry> entries_;
 };
 
-// All of `files` as the archive `target`.
-void WriteArchive(const std::vector<SourceFile>& files, const std::string& target, Progress& progress);
+// A file of an archive that lies nowhere else.
+struct TextFile {
+  std::string name, text;
+};
+
+// All of `files` and `texts` as the archive `target`.
+void WriteArchive(const std::vector<SourceFile>& files, const std::string& target, Progress& progress,
+                  const std::vector<TextFile>& texts = {});
 
 }  // namespace publisher

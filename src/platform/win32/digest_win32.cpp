@@ -1,7 +1,3 @@
-#include <windows.h>
-// after windows.h, which it builds on
-#include <bcrypt.h>
-
 #include <algorithm>
 #include <array>
 #include <limits>
@@ -9,16 +5,10 @@
 #include "base/runtime_error.hpp"
 #include "base/unique_handle.hpp"
 #include "platform/digest.hpp"
+#include "platform/win32/bcrypt_handles.hpp"
 
 namespace platform {
 namespace {
-
-struct AlgorithmTraits : base::NullIsNone<BCRYPT_ALG_HANDLE> {
-  static void Close(Type handle) { BCryptCloseAlgorithmProvider(handle, 0); }
-};
-struct HashTraits : base::NullIsNone<BCRYPT_HASH_HANDLE> {
-  static void Close(Type handle) { BCryptDestroyHash(handle); }
-};
 
 struct KindEntry {
   const wchar_t* algorithm;
@@ -35,8 +25,8 @@ void Require(NTSTATUS status) {
 }  // namespace
 
 struct Digest::State {
-  base::UniqueHandle<AlgorithmTraits> algorithm;
-  base::UniqueHandle<HashTraits> hash;  // destroyed before its algorithm
+  base::UniqueHandle<handle_traits::Algorithm> algorithm;
+  base::UniqueHandle<handle_traits::Hash> hash;  // destroyed before its algorithm
   std::size_t length = 0;
 };
 

@@ -5,6 +5,7 @@
 #include <random>
 #include <sstream>
 
+#include "platform/files.hpp"
 #include "publisher/commands.hpp"
 
 namespace support {
@@ -18,6 +19,22 @@ int TestPublication::Run(const std::vector<std::string>& words) {
   out = said.str();
   err = complained.str();
   return status;
+}
+
+int TestPublication::Release(std::vector<std::string> options) {
+  std::vector<std::string> words = {"release", Root(), game.Path()};
+  words.insert(words.end(), options.begin(), options.end());
+  return Run(words);
+}
+
+std::map<std::string, std::string> TestPublication::Everything() const { return FilesOf(Root()); }
+
+std::map<std::string, std::string> FilesOf(const std::string& folder) {
+  std::map<std::string, std::string> files;
+  for (const platform::FoundFile& found : platform::ListTree(folder)) {
+    files[found.path] = platform::ReadWhole(folder + "/" + found.path, 1u << 30);
+  }
+  return files;
 }
 
 std::string Noise(std::size_t size, unsigned seed) {

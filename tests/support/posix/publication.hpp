@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,7 @@ class TestPublication {
   int Patch(const std::string& category) { return Run({"patch", Root(), category, game.Path()}); }
   int Index() { return Run({"index", Root(), game.Path()}); }
   int Check() { return Run({"check", Root()}); }
+  int Release(std::vector<std::string> options = {});  // of the game folder
 
   std::string Root() const { return folder / "pub"; }
   std::string Get(const std::string& relative) const { return folder.Get("pub/" + relative); }
@@ -25,10 +27,16 @@ class TestPublication {
     folder.Put("pub/" + relative, bytes);
   }
 
+  // Every file of the publication and its path, the publisher's own included.
+  std::map<std::string, std::string> Everything() const;
+
   TempFolder folder;
   TempFolder game;
   std::string out, err;
 };
+
+// Every file below a folder, path ("/") to bytes.
+std::map<std::string, std::string> FilesOf(const std::string& folder);
 
 std::string Noise(std::size_t size, unsigned seed);  // bytes that do not compress
 
