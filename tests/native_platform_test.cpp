@@ -54,6 +54,18 @@ TEST(NativeFiles, AReplacedProgramStaysExecutable) {
   EXPECT_EQ(access((folder / "program").c_str(), X_OK), 0);
 }
 
+TEST(NativeFiles, AFolderOfAnotherUserCannotBeWritten) {
+  const TempFolder folder;
+  chmod(folder.Path().c_str(), 0755);
+  EXPECT_EXIT(
+      {
+        const bool nobody = geteuid() != 0 || setuid(65534) == 0;  // the user "nobody"
+        const bool writable = geteuid() != 0 && access(folder.Path().c_str(), W_OK) == 0;
+        _exit(nobody && CanWriteTo(folder.Path()) == writable ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
+}
+
 class NativeProcesses : public testing::Test {
  protected:
   TempFolder folder;

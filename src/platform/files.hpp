@@ -9,9 +9,10 @@
 #include <string_view>
 #include <vector>
 
-// Paths are UTF-8 and may hold doubled separators. Failures are base::RuntimeError with the classic numbers:
-// 53 no such file, 76 no such folder, 70 permission denied or in use, 75 path/file access error, 61 disk
-// full, 57 other I/O.
+// Paths are UTF-8 and may hold doubled separators. On Windows, where other programs (virus scanners above
+// all) hold files for moments, every call waits up to half a second for its file. Failures are
+// base::RuntimeError with the classic numbers: 53 no such file, 76 no such folder, 70 permission denied or in
+// use, 75 path/file access error, 61 disk full, 57 other I/O.
 namespace platform {
 
 extern const std::string kSeparator;  // "\" on Windows, "/" on Linux
@@ -30,11 +31,12 @@ struct FileStamp {
 };
 std::optional<FileStamp> StampOf(const std::string& path);
 
-void RemoveFile(const std::string& path);     // 53 when there is none
-bool TryRemoveFile(const std::string& path);  // true when there is no such file afterwards
-void RemoveTree(const std::string& folder);   // links are removed, never followed; a missing folder is fine
-void MakeFolder(const std::string& path);     // one level; an existing folder is fine
-void MakeFolders(const std::string& path);    // every missing level
+void RemoveFile(const std::string& path);            // 53 when there is none
+bool TryRemoveFile(const std::string& path);         // true when there is no such file afterwards
+bool TryRemoveEmptyFolder(const std::string& path);  // true when there is no such folder afterwards
+void RemoveTree(const std::string& folder);  // links are removed, never followed; a missing folder is fine
+void MakeFolder(const std::string& path);    // one level; an existing folder is fine
+void MakeFolders(const std::string& path);   // every missing level
 
 // Renames `from` over `to` (same volume) so that any reader sees the old or the new file whole. A target that
 // is a running program is moved aside first and removed as soon as the system allows.
@@ -43,12 +45,21 @@ void CloneFile(const std::string& from, const std::string& to);  // through a ne
 // Gives the bytes of `from` the second name `to`, whose old file is replaced: a hard link where the file
 // system has them, a copy elsewhere. Neither file may be written in place afterwards.
 void ShareFile(const std::string& from, const std::string& to);
-void FlushFile(const std::string& path);    // its bytes are on the disk when this returns
+// Its bytes are on the disk when this returns, as far as the file system can flush and nobody else holds the
+// file; raises when it is missing or its bytes are lost.
+void FlushFile(const std::string& path);
 void FlushTree(const std::string& folder);  // as FlushFile, of every file below the folder
 
 // Bytes that this user may still write below `folder`, which exists; the largest number when the system does
 // not tell.
 std::uint64_t FreeSpace(const std::string& folder);
+
+// Whether this user may make files in `folder`, found out by making one; false for a missing folder.
+bool CanWriteTo(const std::string& folder);
+
+// Names of the programs that hold the file open, as the player knows them, separated by ", "; empty when
+// there are none or the system does not tell (Linux).
+std::string HolderOf(const std::string& path);
 
 struct FoundFile {
   std::string path;  // relative to the folder searched, platform separators

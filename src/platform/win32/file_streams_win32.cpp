@@ -16,24 +16,42 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kMostPerCall = 16 * 1024 * 1024;
 
+// Opens a file, waiting a little while somebody holds it; the code of the last failure.
+DWORD TryOpen(const std::string& path, DWORD access, DWORD disposition, unique_file& file, DWORD flags = 0) {
+  const std::wstring name = SystemPath(path);
+  const auto attempt = [&] {
+    file.reset(CreateFileW(name.c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
+    return static_cast<bool>(file);
+  };
+  if (attempt()) return ERROR_SUCCESS;
+  const DWORD code = GetLastError();
+  // Nobody can hold a file that is being made, and a folder stays one: this does not pass.
+  if (code == ERROR_ACCESS_DENIED && (disposition == CREATE_NEW || IsFolder(path))) return code;
+  return WithPatience(attempt);
+}
+
 unique_file Open(const std::string& path, DWORD access, DWORD disposition, DWORD flags = 0) {
-  unique_file file(
-      CreateFileW(SystemPath(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
-  if (!file) RaiseSystemError(GetLastError(), path);
+  unique_file file;
+  const DWORD code = TryOpen(path, access, disposition, file, flags);
+  if (code != ERROR_SUCCESS) RaiseSystemError(code, path);
   return file;
+}
+
+void Require(DWORD code) {
+  if (code != ERROR_SUCCESS) RaiseSystemError(code);
 }
 
 void WriteAll(const unique_file& file, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto piece = static_cast<DWORD>(std::min(bytes.size(), kMostPerCall));
     DWORD written = 0;
-    if (!WriteFile(file.get(), bytes.data(), piece, &written, nullptr)) RaiseSystemError(GetLastError());
+    Require(WithPatience([&] { return WriteFile(file.get(), bytes.data(), piece, &written, nullptr) != 0; }));
     bytes = bytes.subspan(written);
   }
 }
 
-void Flush(const unique_file& file) {
-  if (!FlushFileBuffers(file.get())) RaiseSystemError(GetLastError());
+DWORD TryFlush(const unique_file& file) {
+  return WithPatience([&] { return FlushFileBuffers(file.get()) != 0; });
 }
 
 // While marked, the file goes when its last handle is closed, so that a killed process leaves nothing. Not
@@ -71,7 +89,8 @@ std::uint64_t InputFile::Size() const {
 std::size_t InputFile::Read(std::span<std::byte> into) {
   const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
   DWORD count = 0;
-  if (!ReadFile(handle_->file.get(), into.data(), piece, &count, nullptr)) RaiseSystemError(GetLastError());
+  const HANDLE file = handle_->file.get();
+  Require(WithPatience([&] { return ReadFile(file, into.data(), piece, &count, nullptr) != 0; }));
   return count;
 }
 
@@ -112,7 +131,7 @@ void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(te
 
 void OutputFile::Commit(Lasting lasting) {
   Handle& output = *handle_;
-  if (lasting == Lasting::Yes) Flush(output.file);
+  if (lasting == Lasting::Yes) RaiseUnlessHarmless(TryFlush(output.file));
   MarkForRemoval(output.file, false);
   output.file.reset();
   if (output.existing == Existing::Replace) {
@@ -132,16 +151,22 @@ void FlushFile(const std::string& path) {
   const bool readOnly = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
   // Only a handle that may write can be flushed; the attribute is asked for when the handle is made.
   if (readOnly) SetFileAttributesW(name.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  const unique_file file(
-      CreateFileW(name.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
-  const DWORD code = file ? DWORD{ERROR_SUCCESS} : GetLastError();
+  unique_file file;
+  DWORD code = TryOpen(path, GENERIC_WRITE, OPEN_EXISTING, file);
   if (readOnly) SetFileAttributesW(name.c_str(), attributes);
-  if (!file) RaiseSystemError(code, path);
-  Flush(file);
+  if (code == ERROR_SUCCESS) code = TryFlush(file);
+  RaiseUnlessHarmless(code, path);
 }
 
 void FlushTree(const std::string& folder) {
   for (const FoundFile& file : ListTree(folder)) FlushFile(folder + kSeparator + file.path);
+}
+
+bool CanWriteTo(const std::string& folder) {
+  const std::wstring probe = SystemPath(NeighbourOf(folder + kSeparator));
+  return static_cast<bool>(unique_file(
+      CreateFileW(probe.c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr, CREATE_NEW,
+                  FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr)));
 }
 
 void CloneFile(const std::string& from, const std::string& to) {

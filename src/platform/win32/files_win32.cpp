@@ -149,6 +149,10 @@ void RemoveFile(const std::string& path) {
 
 bool TryRemoveFile(const std::string& path) { return Gone(DeleteOne(path)); }
 
+bool TryRemoveEmptyFolder(const std::string& path) {
+  return RemoveDirectoryW(SystemPath(path).c_str()) || Gone(GetLastError());
+}
+
 void RemoveTree(const std::string& folder) {
   const std::wstring name = SystemPath(folder);
   const DWORD attributes = GetFileAttributesW(name.c_str());
