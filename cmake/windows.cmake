@@ -5,11 +5,16 @@ target_compile_definitions(project_options INTERFACE UNICODE _UNICODE NOMINMAX W
 # condition_variable_any::wait, then hangs in its destructor while another thread asks to stop. The semaphore of the
 # thread library does not.
 target_compile_definitions(project_options INTERFACE _GLIBCXX_USE_POSIX_SEMAPHORE=1)
-target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections)
-target_link_options(project_options INTERFACE -Wl,--gc-sections)
+target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections -fstack-protector-strong)
+# Windows 7 is the oldest system that the program is for, and says so itself.
+target_link_options(project_options INTERFACE -Wl,--gc-sections -fstack-protector-strong
+                    -Wl,--major-subsystem-version,6,--minor-subsystem-version,1
+                    -Wl,--major-os-version,6,--minor-os-version,1)
+target_compile_options(infozip PRIVATE -fstack-protector-strong)
+include(cmake/DelayLoad.cmake)
+delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi gdiplus comctl32 ole32 shell32 advapi32)
 find_package(ZLIB REQUIRED)
-target_link_libraries(launcher_core PUBLIC infozip ZLIB::ZLIB winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
-                      ole32 uuid shell32 user32 advapi32)
+target_link_libraries(launcher_core PUBLIC infozip ZLIB::ZLIB ${DELAYED_LIBRARIES} gdi32 uuid user32)
 
 # Icon, version and manifest; the tests carry them too, so that their windows behave as the program's.
 enable_language(RC)
