@@ -26,7 +26,7 @@ set_source_files_properties(${resource_script} PROPERTIES
   OBJECT_DEPENDS "${CMAKE_SOURCE_DIR}/src/ui/win32/launcher.manifest;${CMAKE_SOURCE_DIR}/assets/skin/AAA.ico")
 add_library(launcher_resources OBJECT ${resource_script})
 
-add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)
+add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp ${CMAKE_SOURCE_DIR}/src/main/install_win32.cpp)
 target_link_libraries(launcher PRIVATE launcher_core launcher_resources)
 target_link_options(launcher PRIVATE -s)
 
