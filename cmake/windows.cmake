@@ -10,11 +10,12 @@ target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sect
 target_link_options(project_options INTERFACE -Wl,--gc-sections -fstack-protector-strong
                     -Wl,--major-subsystem-version,6,--minor-subsystem-version,1
                     -Wl,--major-os-version,6,--minor-os-version,1)
-target_compile_options(infozip PRIVATE -fstack-protector-strong)
+# GCC takes its stack slots for wide vectors to be aligned, which on Windows they are not.
+set_source_files_properties(src/util/md5_kernel.cpp PROPERTIES COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
 include(cmake/DelayLoad.cmake)
-delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi gdiplus comctl32 ole32 shell32 advapi32)
+delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi gdiplus comctl32 ole32 oleaut32 shell32 advapi32)
 find_package(ZLIB REQUIRED)
-target_link_libraries(launcher_core PUBLIC infozip ZLIB::ZLIB ${DELAYED_LIBRARIES} gdi32 uuid user32)
+target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB ${DELAYED_LIBRARIES} gdi32 uuid user32)
 
 # Icon, version and manifest; the tests carry them too, so that their windows behave as the program's.
 enable_language(RC)

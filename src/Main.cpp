@@ -17,41 +17,53 @@ constexpr const char* kClientImage = "Kelvarin.exe";
 
 void Launcher::Main() {
   startup::Guarded(
-      recorder_,
-      [&](int& line) {
-        line = 10;
-        PrepareFolders();
-        ReportDeployment();
-        line = 30;
-        EndStaleClient();
-        line = 60;
-        if (!flags_.UpdatesOnly) MeetOtherInstances();
-        line = 70;
-        sounds_.Load();
-        line = 80;
-        CopyManifest();
-        line = 90;
-        const std::string scratch = folders_.InitDir + platform::NativePath("\\UPDATE");
-        if (!platform::IsFolder(scratch)) platform::MakeFolder(scratch);
-        line = 100;
-        ShowMainWindow();
-        if (lifetime_.Ending()) return;
-        line = 120;
-        EraseCache();
-        line = 130;
-        selection_.ClientAddressQuery();
-        if (lifetime_.Ending()) return;
-        line = 140;
-        StartTimers();
-        if (lifetime_.Ending()) return;
-        line = 150;
-        mainForm_.btnIniciar.EnableButton(true);
-        mainForm_.btnConfig.EnableButton(true);
-      },
+      recorder_, [&](int& line) { StartUp(line); },
       [](const startup::Failure& failure) {
         return "Error " + std::to_string(failure.number) + " Descripción: & (" + failure.description +
                ") del procedimiento Main del Módulo modGeneral En la linea: " + failure.Line();
       });
+  if (lifetime_.Ending()) return;
+  // A program that nobody can see could not be ended by anybody either.
+  if (!mainForm_.Loaded()) return lifetime_.End(1);
+  mode_.StartUpDone();
+}
+
+void Launcher::StartUp(int& line) {
+  line = 10;
+  PrepareFolders();
+  ReportDeployment();
+  line = 30;
+  EndStaleClient();
+  line = 60;
+  if (!flags_.UpdatesOnly) MeetOtherInstances();
+  line = 70;
+  sounds_.Load();
+  line = 80;
+  AttemptAndNote("Kelvarin.exe.manifest", [this] { CopyManifest(); });
+  line = 90;
+  AttemptAndNote("RECURSOS\\INIT\\UPDATE", [this] {
+    const std::string scratch = folders_.InitDir + platform::NativePath("\\UPDATE");
+    if (!platform::IsFolder(scratch)) platform::MakeFolder(scratch);
+  });
+  line = 100;
+  ShowMainWindow();
+  if (lifetime_.Ending() || !mainForm_.Loaded()) return;
+  line = 120;
+  EraseCache();
+  line = 130;
+  selection_.ClientAddressQuery();
+  if (lifetime_.Ending()) return;
+  line = 140;
+  if (!flags_.UpdatesOnly && servers_.Text().empty()) servers_.GetServersList();
+}
+
+// What the game can be updated and played without does not stop the start.
+void Launcher::AttemptAndNote(const char* what, const std::function<void()>& step) {
+  try {
+    step();
+  } catch (const base::RuntimeError& error) {
+    recorder_.Note(std::string(what) + ": " + error.Description());
+  }
 }
 
 // A folder that holds only the program can be installed into.
@@ -89,11 +101,7 @@ void Launcher::EndStaleClient() {
   request.program = "taskkill.exe";
   request.commandLine = std::string("taskkill.exe /f /t /im ") + kClientImage;
   request.style = platform::WindowStyle::Minimised;
-  try {
-    host_.processes.Start(request);
-  } catch (const base::RuntimeError& error) {  // the start goes on beside the old client
-    recorder_.Note(request.commandLine + ": " + error.Description());
-  }
+  AttemptAndNote("taskkill.exe", [&] { host_.processes.Start(request); });
 }
 
 // Neither message ends the start-up.
@@ -116,11 +124,10 @@ void Launcher::CopyManifest() {
 }
 
 void Launcher::ShowMainWindow() {
-  const bool startedWithSystem = host_.clock.SystemUptime() < kStartedWithSystemMs;
-  mainForm_.Form_Load(!flags_.UpdatesOnly && !startedWithSystem);
+  mainForm_.Form_Load(!flags_.UpdatesOnly);
   flags_.StaffClient = mainForm_.IsStaff();
-  if (lifetime_.Ending()) return;
-  if (startedWithSystem) {
+  if (lifetime_.Ending() || !mainForm_.Loaded()) return;
+  if (host_.clock.SystemUptime() < kStartedWithSystemMs) {
     frmMain_.State = controls::WindowState::Minimised;
   } else if (!flags_.UpdatesOnly) {
     frmMain_.Visible = true;
@@ -141,14 +148,4 @@ void Launcher::EraseCache() {
       [](const startup::Failure& failure) {
         return failure.Opening() + " procedimiento EraseCache Módulo línea: " + failure.Line();
       });
-}
-
-void Launcher::StartTimers() {
-  if (flags_.UpdatesOnly) {
-    frmMain_.tmrUpdates.Set(true);
-    frmMain_.NewsTimer.Set(false);
-    return;
-  }
-  if (servers_.Text().empty()) servers_.GetServersList();
-  if (!lifetime_.Ending()) frmMain_.NewsTimer.Set(true);
 }

@@ -31,27 +31,34 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       news_(services_, frmMain_, inet_, transfers_, hosts_, selection_, servers_),
       gameIni_(host_.profiles, folders_, recorder_),
       sounds_(host_.profiles, folders_),
+      mode_(services_, frmMain_,
+            {[this](bool on) { mainForm_.btnIniciar.EnableButton(on); },
+             [this](bool on) { mainForm_.btnConfig.EnableButton(on); },
+             [this](bool hostInDoubt) { return check_.tmrUpdates_Timer(hostInDoubt); }}),
       unzip_(services_),
       compression_(services_),
       counters_(services_),
-      download_({services_, frmMain_, state_, hosts_, transfers_, unzip_, [this] { CloseLauncher(); }}),
+      mirrors_(services_, mode_, hosts_, selection_),
+      download_(
+          {services_, frmMain_, state_, hosts_, transfers_, mirrors_, unzip_, [this] { CloseLauncher(); }}),
       chunked_(services_, frmMain_, inet_, state_, [this] { CloseLauncher(); }),
       installation_(services_, frmMain_, compression_),
-      index_(services_, frmMain_, download_),
+      index_(services_, frmMain_, download_, compression_),
       libraries_(services_, frmMain_),
-      launch_(
-          services_, frmMain_, libraries_, [this](bool on) { EnablePlay(on); }, [this] { CloseLauncher(); }),
-      repair_(services_, frmMain_, [this] { check_.StartOver(); }),
-      check_({services_, instance_, frmMain_, state_, hosts_, inet_, selection_, counters_, download_, index_,
-              installation_, launch_, [this](bool on) { EnablePlay(on); }}),
+      launch_(services_, libraries_, [this] { CloseLauncher(); }),
+      check_({services_, mode_, instance_, frmMain_, state_, hosts_, inet_, selection_, mirrors_, counters_,
+              download_, index_, installation_, launch_}),
+      repair_(services_, counters_, [this] { mode_.RepairConfirmed(); }),
       settingsServices_{services_, screen_, gameIni_, sounds_},
       options_(settingsServices_),
       notify_(services_, screen_),
       mainForm_(services_, hosts_, screen_, frmMain_, WindowActions()),
       closeBoxes_(lifetime_.Token(), [this] { host_.dialogs.CloseAll(); }) {
   inet_.StateChanged += [this](int state) { chunked_.Inet1_StateChanged(state); };
-  frmMain_.tmrUpdates.Tick += [this] { check_.tmrUpdates_Timer(); };
+  frmMain_.tmrUpdates.Tick += [this] { mode_.tmrUpdates_Timer(); };
   frmMain_.NewsTimer.Tick += [this] { news_.Timer_Timer(); };
+  news_.beginTick = [this] { return mode_.StillSo(); };
+  unattended_.announced = [this](const std::string& text) { recorder_.Note(text); };
   news_.showMessage = [this](const std::string& text, const std::string& title, std::int32_t number,
                              std::int32_t milliseconds) {
     notify_.ShowMessage(text, title, number, milliseconds);
@@ -68,7 +75,7 @@ ui::frmMain::Actions Launcher::WindowActions() {
   actions.ComenzarActualizacion = [this] { selection_.ComenzarActualizacion(); };
   actions.ServerListEmpty = [this] { return servers_.Text().empty(); };
   actions.GetServersList = [this] { servers_.GetServersList(); };
-  actions.Iniciar = [this] { launch_.cmdIniciar_Click(); };
+  actions.Iniciar = [this] { mode_.cmdIniciar_Click(); };
   actions.ReiniciarUpdates = [this] { repair_.cmdReiniciarUpdates_Click(); };
   actions.ShowOptions = [this] { options_.Show(frmMain_); };
   actions.UnloadOptions = [this] { options_.Unload(); };
@@ -80,13 +87,10 @@ ui::frmMain::Actions Launcher::WindowActions() {
   return actions;
 }
 
-void Launcher::EnablePlay(bool enable) { mainForm_.btnIniciar.EnableButton(enable); }
-
 void Launcher::CloseLauncher() {
   if (state_.CancelRequested) return;
   state_.CancelRequested = true;
-  frmMain_.tmrUpdates.Set(false);
-  frmMain_.NewsTimer.Set(false);
+  mode_.ProgramEnds();
   options_.Unload();
   notify_.window.Visible = false;
   frmMain_.Visible = false;

@@ -16,6 +16,7 @@
 #include "ui/screen.hpp"
 #include "update/chunked_transfer.hpp"
 #include "update/repair.hpp"
+#include "update/run_mode.hpp"
 #include "update/update_check.hpp"
 #include "web/news_query.hpp"
 
@@ -46,9 +47,11 @@ class Launcher {
   startup::Lifetime& Life() { return lifetime_; }
   controls::MainWindow& MainWindow() { return frmMain_; }
   ui::frmOpciones& Options() { return options_; }
-  web::DownloadState& State() { return state_; }
+  update::Mode Mode() const { return mode_.Now(); }
 
  private:
+  void StartUp(int& line);
+  void AttemptAndNote(const char* what, const std::function<void()>& step);
   void PrepareFolders();
   void ReportDeployment();
   void EndStaleClient();
@@ -56,10 +59,8 @@ class Launcher {
   void CopyManifest();
   void ShowMainWindow();
   void EraseCache();
-  void StartTimers();
   bool IsProcessNameRunning(const std::string& imageName);
   ui::frmMain::Actions WindowActions();
-  void EnablePlay(bool enable);
 
   startup::Folders folders_;
   std::string executableBaseName_;
@@ -85,17 +86,19 @@ class Launcher {
   settings::modGameIni gameIni_;
   settings::SoundTable sounds_;
 
+  update::RunMode mode_;
   update::smodUnzip unzip_;
   update::modCompression compression_;
   update::CounterStore counters_;
+  update::MirrorRound mirrors_;
   update::Download download_;
   update::ChunkedTransfer chunked_;
   update::PatchInstallation installation_;
   update::IndexStage index_;
   update::LibraryCheck libraries_;
   update::GameLaunch launch_;
-  update::Repair repair_;
   update::UpdateCheck check_;
+  update::Repair repair_;
 
   ui::SettingsServices settingsServices_;
   ui::frmOpciones options_;

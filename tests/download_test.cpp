@@ -10,6 +10,7 @@
 
 namespace {
 
+using support::MakePacked;
 using support::MakeZip;
 
 struct DownloadTest : testing::Test, support::TestServices {
@@ -22,6 +23,9 @@ struct DownloadTest : testing::Test, support::TestServices {
     deployment.forum = "http://foro.example";
     hosts.CurrentUpdateURL = server.Url("/m/");
     download.remoteFolder = "NewAct2/";
+    mode.StartUpDone();
+    mode.cmdIniciar_Click();
+    window.tmrUpdates.Set(false);  // the test itself is the run
   }
 
   support::FaultyServer server;
@@ -30,43 +34,47 @@ struct DownloadTest : testing::Test, support::TestServices {
   web::Hosts hosts;
   web::Inet1 inet{services};
   web::smodXmlHttp transfers{services, window, state, hosts};
+  modGeneral::HostSelection selection{services, window, inet, transfers, hosts, {500, 500, 500}};
+  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}}};
+  update::MirrorRound mirrors{services, mode, hosts, selection};
   update::smodUnzip unzip{services};
   int closed = 0;
-  update::Download download{{services, window, state, hosts, transfers, unzip, [this] { ++closed; }}};
+  update::Download download{
+      {services, window, state, hosts, transfers, mirrors, unzip, [this] { ++closed; }}};
   update::ChunkedTransfer chunked{services, window, inet, state, [this] { ++closed; }};
 };
 
 TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
-  server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text("paquete"));
-  const update::IndexRecord record{std::string(32, '0'), "\\Bin\\Sub\\a #.dll", "Sub/a #.dll", ""};
+  const std::string packed = MakePacked("contenido");
+  server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text(packed));
+  const update::IndexRecord record{support::Md5Of("contenido"), "\\Bin\\Sub\\a #.dll", "Sub/a #.dll", ""};
   EXPECT_TRUE(download.DownloadClient(3, 9, record));
   const std::string target = folders.ResourcesUpdateDir + platform::NativePath("/Sub/a #.dll");
   EXPECT_EQ(window.lblName.Caption.Get(), "Descargando actualizaciones: 3/9 - Sub");
   EXPECT_EQ(window.lblDirectorio.Caption.Get(), target);
-  EXPECT_EQ(window.lblEstado.Caption.Get(), "Actualizando, aguarde un momento...");
-  EXPECT_EQ(folder.Get("juego/RECURSOS/UPDATE/Sub/a #.dll.kvn"), "paquete");
+  EXPECT_EQ(window.lblEstado.Caption.Get(), "Progreso de actualización: 3/9");
+  EXPECT_EQ(folder.Get("juego/RECURSOS/UPDATE/Sub/a #.dll.kvn"), packed);
   EXPECT_FALSE(state.Finished);
 }
 
 TEST_F(DownloadTest, AnArchiveIsSavedFlatUnpackedAndRemoved) {
-  window.tmrUpdates.Set(true);
   server.On("/m/NewAct2/Mapas/Mapas1.zip", support::Text(MakeZip({{"a/b.txt", "hola"}})));
   folder.Put("juego/MapasMapas1.zip", "viejo");
-  EXPECT_EQ(download.DescargarArchivo("Mapas/Mapas1.zip", true), update::DownloadResult::Done);
+  EXPECT_EQ(download.DescargarArchivo("Mapas/Mapas1.zip", true).result, update::DownloadResult::Done);
   EXPECT_EQ(state.TargetPath, folder / "juego/MapasMapas1.zip");
   EXPECT_FALSE(folder.Has("juego/MapasMapas1.zip"));
   EXPECT_EQ(folder.Get("juego/a/b.txt"), "hola");
-  EXPECT_FALSE(window.tmrUpdates.On());
   EXPECT_EQ(window.lblEstado.Caption.Get(), "Actualizando juego, por favor aguarde unos minutos.");
 }
 
 TEST_F(DownloadTest, AFileInAFoldersPlaceStopsThePatchBeforeTheFirstMove) {
   platform::MakeFolders(folder / "juego/z");
   server.On("/m/NewAct2/x.zip", support::Text(MakeZip({{"a.txt", "x"}, {"z", "x"}})));
-  EXPECT_EQ(download.DescargarArchivo("x.zip", true), update::DownloadResult::UnpackFailed);
+  EXPECT_EQ(download.DescargarArchivo("x.zip", true).result, update::DownloadResult::Stopped);
   EXPECT_FALSE(folder.Has("juego/a.txt"));
 }
 
+// Without another mirror a round is one transfer: three are retried in silence, the fourth asks.
 TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
   using platform::DialogAnswer;
   using update::DownloadResult;
@@ -74,21 +82,59 @@ TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
   hosts.CurrentUpdateURL = closedPort.Url("/");
   host.dialogs.answers = {DialogAnswer::Yes, DialogAnswer::No};
   std::vector<DownloadResult> results;
-  for (int i = 0; i < 9; ++i) results.push_back(download.DescargarArchivo("x.zip", true));
+  std::string reason;
+  for (int i = 0; i < 9; ++i) {
+    const update::Fetched fetched = download.DescargarArchivo("x.zip", true);
+    results.push_back(fetched.result);
+    reason = fetched.reason;
+  }
   // Yes starts the count of silent retries anew; No does not, so the next time-out asks again.
   const std::vector<DownloadResult> expected = {
       DownloadResult::TryAgain, DownloadResult::TryAgain, DownloadResult::TryAgain,
       DownloadResult::TryAgain, DownloadResult::TryAgain, DownloadResult::TryAgain,
-      DownloadResult::TryAgain, DownloadResult::GivenUp,  DownloadResult::GivenUp};
+      DownloadResult::TryAgain, DownloadResult::Stopped,  DownloadResult::Stopped};
   EXPECT_EQ(results, expected);
+  EXPECT_EQ(reason, "no se pudo conectar con el servidor");
   EXPECT_EQ(host.dialogs.shown.size(), 3u);
   EXPECT_TRUE(state.TimedOut && state.RetryPending);
+  const std::string log = folder.Get("Errores.log");
+  EXPECT_NE(log.find("x.zip: no se pudo conectar con el servidor (0 bytes; "), std::string::npos) << log;
+}
+
+// What this machine cannot take stops at once, names the amount and asks no other mirror.
+TEST_F(DownloadTest, ADiskWithoutRoomIsNamedBeforeAByteIsTaken) {
+  support::Answer huge = support::Text("x");
+  huge.announced = "9000000000000000";
+  server.On("/m/NewAct2/x.zip", huge);
+  deployment.mirrors[0] = server.Url("/m/");
+  deployment.mirrors[1] = server.Url("/otro/");
+  deployment.usable[0] = deployment.usable[1] = true;
+  const update::Fetched fetched = download.DescargarArchivo("x.zip", true);
+  EXPECT_EQ(fetched.result, update::DownloadResult::Stopped);
+  EXPECT_TRUE(fetched.reason.starts_with("disco lleno: faltan 85")) << fetched.reason;
+  EXPECT_EQ(server.Targets(), std::vector<std::string>{"/m/NewAct2/x.zip"});
+  EXPECT_TRUE(host.dialogs.shown.empty());
+  EXPECT_NE(folder.Get("Errores.log").find("x.zip: disco lleno: faltan"), std::string::npos);
+  EXPECT_FALSE(folder.Has("juego/x.zip"));
+}
+
+TEST_F(DownloadTest, TheEndOfTheProgramDuringADownloadClosesTheLauncher) {
+  server.On("/m/NewAct2/x.zip", support::Silent());
+  const auto id = host.events->Timers().Start(1, [this] {
+    if (!server.Seen().empty()) lifetime.End(0);
+  });
+  host.clock.stepOnRead = 1;
+  EXPECT_EQ(download.DescargarArchivo("x.zip", true).result, update::DownloadResult::Cancelled);
+  host.events->Timers().Stop(id);
+  EXPECT_EQ(closed, 1);
+  EXPECT_FALSE(folder.Has("juego/x.zip"));
 }
 
 TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
   server.On("/m/Kelvarin.zip", support::Text(MakeZip({{"a.txt", "x"}})));
   download.DescargarCliente();
   EXPECT_EQ(window.lblName.Caption.Get(), "Cliente Kelvarin.zip");
+  EXPECT_EQ(window.lblDirectorio.Caption.Get(), folders.BinDir + platform::kSeparator);
   EXPECT_FALSE(folder.Has("juego/Bin/Kelvarin.zip"));
   EXPECT_FALSE(folder.Has("juego/Bin/a.txt"));
   ASSERT_EQ(host.dialogs.shown.size(), 1u);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 
 #include "base/text.hpp"
@@ -13,6 +14,7 @@ constexpr const char* kFile = "RECURSOS/INIT/ConfigVideo.cfg";
 constexpr const char* kSounds = "RECURSOS/INIT/WavSilenced.ini";
 const std::string kHead = "[INIT]\r\nVERSION=1.0.03\r\n";
 
+using GC = settings::GameConfig;
 using Values = std::map<std::string, std::string>;
 
 // `text` with every {key} replaced by its value.
@@ -93,14 +95,14 @@ TEST_F(GameConfigTest, RoundTripChangesOnlyTheKeysOfTheRecord) {
     after[key] = value;
   }
   Load(Filled(kLived, before));
-  EXPECT_EQ(gameIni.Config.NameSaved, "Ñandú");
-  EXPECT_EQ(gameIni.Config.ChatType, 2);
-  EXPECT_TRUE(gameIni.Config.OptimizarRendimiento);
+  EXPECT_EQ(gameIni.Config().NameSaved, "Ñandú");
+  EXPECT_EQ(gameIni.Config().ChatType, 2);
+  EXPECT_TRUE(gameIni.Config().OptimizarRendimiento);
   EXPECT_EQ(folder.Get(kFile), Filled(kLived, before)) << "loading writes nothing";
-  gameIni.Config.IntervalMessages = true;
-  gameIni.SaveGameConfig(gameIni.Config);
+  gameIni.Set(&GC::IntervalMessages, true);
+  gameIni.SaveGameConfig(gameIni.Config());
   EXPECT_EQ(folder.Get(kFile), Filled(kLived, after));
-  gameIni.SaveGameConfig(gameIni.Config);
+  gameIni.SaveGameConfig(gameIni.Config());
   EXPECT_EQ(folder.Get(kFile), Filled(kLived, after)) << "a second save changes nothing";
   EXPECT_TRUE(host.dialogs.shown.empty());
 }
@@ -136,16 +138,16 @@ TEST_F(GameConfigTest, ValuesAreReadAsNumbersAndWrittenPlain) {
   };
   for (const auto& [key, inFile, saved] : cases) {
     Load(kHead + key + "=" + inFile + "\r\n");
-    gameIni.SaveGameConfig(gameIni.Config);
+    gameIni.SaveGameConfig(gameIni.Config());
     EXPECT_EQ(Stored(key), saved) << key << "=" << inFile;
   }
   EXPECT_TRUE(host.dialogs.shown.empty());
 }
 
 TEST_F(GameConfigTest, WithoutFileAllFactoryValuesAreWrittenInOrder) {
-  gameIni.Config.FPS = 15;
+  gameIni.Set(&GC::FPS, 15);
   gameIni.LoadGameConfig();
-  EXPECT_EQ(gameIni.Config, settings::GameConfig{});
+  EXPECT_EQ(gameIni.Config(), settings::GameConfig{});
   const std::string lines = base::Replaced(folder.Get(kFile), "\r\n", "\n");
   EXPECT_EQ(lines,
             "[INIT]\nIntervalMessages=0\nEffect_Arrows=1\nEffect_Die=0\nEffect_Time=0\nEffect_Text=0\n"
@@ -165,7 +167,7 @@ TEST_F(GameConfigTest, AnotherVersionIsReplacedByFactoryValues) {
     settings::GameConfig expected;
     expected.RememberPassword = true;
     expected.CreditoInterfaz = {"", "", "c"};
-    EXPECT_EQ(gameIni.Config, expected) << version;
+    EXPECT_EQ(gameIni.Config(), expected) << version;
     const Values stored = {{"Version", "1.0.03"},
                            {"RememberPassword", "1"},
                            {"FPS", "100"},
@@ -186,39 +188,77 @@ TEST_F(GameConfigTest, NumberOutOfRangeEndsTheReadingWithAReport) {
                {"MaxVideoMemory", "3e9", "250"},  {"ChatType", "-1", "320"},
                {"MaxInterfaces", "255.5", "330"}, {"InterfaceID", "99999999999999999999", "340"}};
   for (const auto& [key, inFile, line] : cases) {
-    gameIni.Config = {};
     host.dialogs.shown.clear();
     const std::string bytes =
         std::string("[INIT]\r\nVERSION=0\r\nIntervalMessages=1\r\nOptimizarRendimiento=1\r\n") + key + "=" +
         inFile + "\r\n";
-    Load(bytes);
+    folder.Put(kFile, bytes);
+    settings::modGameIni fresh(*host.profiles, folders, recorder);
+    fresh.LoadGameConfig();
     ASSERT_EQ(host.dialogs.shown.size(), 1u) << key;
     EXPECT_EQ(
         host.dialogs.shown[0].text,
         std::string("Error: Error 6 (Overflow) procedimiento LoadGameConfig Módulo modGameIni línea: ") +
             line);
-    EXPECT_TRUE(gameIni.Config.IntervalMessages) << "read before the failure";
-    EXPECT_FALSE(gameIni.Config.OptimizarRendimiento) << "not reached";
+    EXPECT_TRUE(fresh.Config().IntervalMessages) << "read before the failure";
+    EXPECT_FALSE(fresh.Config().OptimizarRendimiento) << "not reached";
     EXPECT_EQ(folder.Get(kFile), bytes) << "the version was not compared";
   }
+}
+
+TEST_F(GameConfigTest, SaveAfterAStoppedLoadKeepsWhatWasNeitherReadNorSet) {
+  const std::string stopped =
+      "[INIT]\r\nNameSaved=\xD1"
+      "and\xFA\r\nVERSION=1.0.03\r\nIntervalMessages={IntervalMessages}\r\nVIDEO_MODE={VIDEO_MODE}\r\n"
+      "Effect_Filter= -1 ; s\xED\nFPS={FPS}\r\nRememberPassword=1\r\nCreditoInterfaz0=autora\r\n"
+      "MaxInterfaces=3\r\nEffect_Nicks={Effect_Nicks}\r\n";
+  const Values before = {
+      {"IntervalMessages", "0"}, {"VIDEO_MODE", "300"}, {"FPS", "100 cuadros"}, {"Effect_Nicks", "-1"}};
+  Load(Filled(stopped, before));
+  ASSERT_EQ(host.dialogs.shown.size(), 1u);
+  Values after = before;
+  const auto saved = [&](const char* key, const char* value) {
+    after[key] = value;
+    gameIni.SaveGameConfig(gameIni.Config());
+    const std::string text = folder.Get(kFile), kept = Filled(stopped, after);
+    EXPECT_EQ(text.substr(0, kept.size()), kept);
+    return text.substr(std::min(text.size(), kept.size()));
+  };
+  gameIni.Set(&GC::IntervalMessages, true);
+  const std::string read = saved("IntervalMessages", "1");
+  EXPECT_EQ(std::count(read.begin(), read.end(), '\n'), 13) << "what was read and was not in the file";
+  EXPECT_EQ(read.find("Credito"), std::string::npos);
+  gameIni.Set(&GC::FPS, 100);
+  EXPECT_EQ(saved("FPS", "100"), read) << "chosen, though the record held it already";
+  for (const bool nicks : {true, false}) {
+    gameIni.Set(&GC::Effect_Nicks, nicks);
+    EXPECT_EQ(saved("Effect_Nicks", nicks ? "1" : "0"), read);
+  }
+  gameIni.Set(&GC::VIDEO_MODE, 2);
+  EXPECT_EQ(saved("VIDEO_MODE", "2"), read);
+  gameIni.LoadGameConfig();
+  EXPECT_EQ(host.dialogs.shown.size(), 1u) << "the number was put right";
+  EXPECT_EQ(gameIni.Config().NameSaved, "Ñandú");
+  EXPECT_EQ(gameIni.Config().CreditoInterfaz.front(), "autora");
 }
 
 TEST_F(GameConfigTest, CreditLinesFollowMaxInterfaces) {
   const std::string credits = "CreditoInterfaz0=a\r\nCreditoInterfaz1=b\r\nCreditoInterfaz3=d\r\n";
   Load(kHead + credits + "MaxInterfaces=3\r\n");
-  EXPECT_EQ(gameIni.Config.CreditoInterfaz, (std::vector<std::string>{"a", "b", "", "d"}));
+  EXPECT_EQ(gameIni.Config().CreditoInterfaz, (std::vector<std::string>{"a", "b", "", "d"}));
   Load(kHead + credits + "MaxInterfaces=0\r\n");
-  EXPECT_EQ(gameIni.Config.CreditoInterfaz, std::vector<std::string>{""}) << "nothing is read";
+  EXPECT_EQ(gameIni.Config().CreditoInterfaz, std::vector<std::string>{""}) << "nothing is read";
   Load(kHead + credits + "MaxInterfaces=255\r\n");
-  EXPECT_EQ(gameIni.Config.CreditoInterfaz.size(), 256u);
+  EXPECT_EQ(gameIni.Config().CreditoInterfaz.size(), 256u);
 }
 
 TEST_F(GameConfigTest, CreditLinesThatWereNotReadStayInTheFile) {
-  Load(kHead + "MaxInterfaces=200\r\nInterfaceID=300\r\nCreditoInterfaz7=autora\r\n");
+  Load(kHead +
+       "MaxInterfaces=200\r\nInterfaceID=300\r\nCreditoInterfaz0=coro\r\nCreditoInterfaz7=autora\r\n");
   EXPECT_EQ(host.dialogs.shown.size(), 1u);
-  gameIni.SaveGameConfig(gameIni.Config);
+  gameIni.SaveGameConfig(gameIni.Config());
   EXPECT_EQ(host.dialogs.shown.size(), 1u);
-  EXPECT_EQ(Stored("CreditoInterfaz7"), "autora");
+  EXPECT_EQ(Stored("CreditoInterfaz0") + Stored("CreditoInterfaz7"), "coroautora");
   EXPECT_EQ(Stored("MaxInterfaces"), "200");
 }
 
@@ -226,7 +266,7 @@ TEST_F(GameConfigTest, FileThatCannotBeWrittenIsNoFailure) {
   startup::Folders nowhere(folder / "no/such/folder");
   settings::modGameIni other(*host.profiles, nowhere, recorder);
   other.LoadGameConfig();
-  EXPECT_EQ(other.Config, settings::GameConfig{});
+  EXPECT_EQ(other.Config(), settings::GameConfig{});
   EXPECT_TRUE(host.dialogs.shown.empty());
 }
 

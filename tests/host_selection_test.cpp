@@ -98,7 +98,7 @@ TEST_F(HostSelectionTest, WalksTheRingInItsOrder) {
       {"remembered", 4, 4, {4, 5}, "4"},
       {"after the last comes the first", 7, 7, {1, 2}, "7771"},
       {"the web base is tested, the walk goes on from the other", 3, 6, {4}, "6664"},
-      {"unknown address", 9, 9, {1}, "9991"},
+      {"an address that the deployment does not hold", 9, 9, {1}, "1"},
       {"no web base", 2, 0, {3}, "3"},
       {"all the way round", 2, 2, {1}, "2223334445556667771"},
   };
@@ -175,6 +175,52 @@ TEST_F(HostSelectionTest, AMirrorMayVouchForItself) {
   EXPECT_EQ(server.Seen().size(), 6u) << "a bad answer is never used again";
 }
 
+TEST_F(HostSelectionTest, AHostInDoubtIsAskedAndNotItsLastWord) {
+  server.On(kProbe, support::Text("1", {{"Cache-Control", "max-age=3600"}}));
+  world.Mirror(1, server.Url(kPath));
+  world.Use(server.Url(kPath));
+  EXPECT_TRUE(world.selection.ConfirmHost());
+  EXPECT_TRUE(world.selection.ConfirmHost());
+  EXPECT_EQ(server.Seen().size(), 2u);
+  server.On(kProbe, support::Page(503, "no"));
+  EXPECT_FALSE(world.selection.ConfirmHost()) << "one round, not an endless walk";
+}
+
+TEST_F(HostSelectionTest, RoundsWithoutAnAnswerGetSlower) {
+  Ring({});
+  Store("", "");
+  std::vector<std::uint64_t> rounds;
+  server.On("/1" + kProbe, [&](const support::SeenRequest&) {
+    rounds.push_back(world.host.clock.Now());
+    return support::Page(503, "no");
+  });
+  const auto id = world.host.events->Timers().Start(1, [&] {
+    if (rounds.size() > 3 * 9) world.lifetime.End(0);
+  });
+  world.selection.ComenzarActualizacion();
+  world.host.events->Timers().Stop(id);
+  std::vector<std::uint64_t> pauses;
+  for (std::size_t i = 3; i < rounds.size(); i += 3) pauses.push_back(rounds[i] - rounds[i - 1]);
+  ASSERT_GE(pauses.size(), 8u);
+  for (std::size_t i = 1; i < 5; ++i) EXPECT_GT(pauses[i], pauses[i - 1]);
+  EXPECT_GE(pauses[0], 1'000u);
+  EXPECT_GE(pauses[7], 30'000u);
+  EXPECT_LE(pauses[7], 60'000u);
+}
+
+TEST_F(HostSelectionTest, AProbeIsMadeByBothWaysAndEndsWhatTheControlWasDoing) {
+  server.On(kProbe, support::Page(503, "no"));
+  server.On("/silent", support::Silent());
+  world.inet.Execute(server.Url("/silent"));
+  EXPECT_TRUE(world.inet.StillExecuting());
+  EXPECT_FALSE(world.selection.CheckOnline(server.Url(kPath), "Online.txt"));
+  std::string ways;
+  for (const support::SeenRequest& request : server.Seen()) {
+    if (request.target == kProbe) ways += request.Header("content-type").empty() ? 'I' : 'X';
+  }
+  EXPECT_EQ(ways, "IXX");
+}
+
 TEST_F(HostSelectionTest, AddressQuery) {
   const std::string script = "/web/include/ipdate.php";
   const struct {
@@ -200,6 +246,11 @@ TEST_F(HostSelectionTest, AddressQuery) {
     server.On(script, support::Text(test.answer));
     EXPECT_EQ(fresh.selection.ClientAddressQuery(), test.result);
     EXPECT_EQ(server.Count(script), test.asked);
+    EXPECT_FALSE(server.Seen()[0].Header("content-type").empty())
+        << "first by the one way, then by the other";
+    if (test.asked > 1) {
+      EXPECT_TRUE(server.Seen()[1].Header("content-type").empty());
+    }
   }
 }
 

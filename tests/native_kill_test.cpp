@@ -14,6 +14,8 @@
 #include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "support/game_mirror.hpp"
+#include "support/test_services.hpp"
+#include "update/patch_journal.hpp"
 
 extern char** environ;
 
@@ -126,6 +128,49 @@ TEST(Kill, AnyMomentLeadsToTheSameVerifiedFolder) {
     EXPECT_EQ(folder.Get(game + "/RECURSOS/INIT/AUGraficos.ini"), "3\r\n");
     EXPECT_FALSE(folder.Has(game + "/RECURSOS/INIT/UPDATE/Unzip"));
   }
+}
+
+// Killed between the moves of a large patch, the launcher leaves a game that is put back whole.
+TEST(Kill, APatchIsAppliedWholeOrNotAtAll) {
+  constexpr int kFiles = 1500, kKills = 6;
+  support::GameMirror mirror;
+  const auto patch = [&](char letter) {
+    std::vector<support::ZipItem> files;
+    for (int i = 0; i < kFiles; ++i)
+      files.push_back(
+          {"RECURSOS/d" + std::to_string(i % 20) + "/" + std::to_string(i), std::string(100, letter)});
+    if (letter == 'b') files.push_back({"RECURSOS/nuevo/mas", "b"});
+    mirror.AddPatch("Extras", files);
+    mirror.Publish();
+  };
+  support::TestServices with("juego");
+  support::Deploy(with.folder, "juego", {mirror.Url()}, mirror.server.Url(""));
+  std::filesystem::create_hard_link(LAUNCHER_PROGRAM, with.folder / "juego/launcher");
+  patch('a');
+  ASSERT_EQ(Program(with.folder / "juego/launcher").Wait(), 0);
+  const auto before = GameFiles(with.folder, "juego");
+  patch('b');
+  std::mt19937 random(17);
+  int torn = 0;
+  for (int i = 0; i < kKills; ++i) {
+    Program program(with.folder / "juego/launcher");
+    const std::string last = with.folder / "juego/RECURSOS/nuevo";
+    for (const auto end = Clock::now() + kGenerous; !platform::IsThere(last) && Clock::now() < end;) {
+    }
+    std::this_thread::sleep_for(std::chrono::microseconds(random() % 8000));
+    program.Kill();
+    const auto left = GameFiles(with.folder, "juego");
+    EXPECT_EQ(update::RecoverInterruptedPatch(with.services), "");
+    EXPECT_FALSE(with.folder.Has("juego/RECURSOS/INIT/UPDATE/Unzip"));
+    const auto after = GameFiles(with.folder, "juego");
+    if (after == mirror.Expected()) break;  // the last move was made before the kill
+    ASSERT_EQ(after, before);
+    EXPECT_FALSE(platform::IsThere(last));
+    torn += left != before;
+  }
+  EXPECT_GT(torn, 0) << "no kill came between two moves";
+  ASSERT_EQ(Program(with.folder / "juego/launcher").Wait(), 0);
+  EXPECT_EQ(GameFiles(with.folder, "juego"), mirror.Expected());
 }
 
 }  // namespace

@@ -6,11 +6,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
+#include <map>
 #include <random>
 #include <thread>
 
 #include "platform/files.hpp"
-#include "platform/unzip.hpp"
 #include "publisher/publication_lock.hpp"
 #include "publisher/source_files.hpp"
 #include "support/archives.hpp"
@@ -56,12 +56,18 @@ TEST(Publisher, ArchivesHoldEveryFileAndTheSameFilesGiveTheSameBytes) {
   for (const auto& [name, bytes] : files) pub.game.Put(name, bytes);
   ASSERT_EQ(pub.Run({"client", pub.Root(), pub.game.Path()}), 0) << pub.err;
   const std::string first = pub.Get("Kelvarin.zip");
-  update::ZipArchive(pub.Root() + "/Kelvarin.zip").Prove();
-  ASSERT_EQ(platform::UnzipArchive(pub.Root() + "/Kelvarin.zip", pub.folder / "x"), 0);
-  for (const auto& [name, bytes] : files) {
-    EXPECT_TRUE(pub.folder.Has("x/" + name)) << name;
-    EXPECT_EQ(pub.folder.Get("x/" + name), bytes) << name;
+  const update::ZipArchive archive(pub.Root() + "/Kelvarin.zip");
+  std::map<std::string, std::string> held;
+  for (const auto& entry : archive.Entries()) {
+    update::Inflater inflater;
+    std::string& bytes = held[entry.name];
+    archive.Expand(entry, inflater,
+                   [&](std::span<const std::byte> piece) {
+                     bytes.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+                   },
+                   {});
   }
+  EXPECT_TRUE(held == (std::map<std::string, std::string>{files.begin(), files.end()}));
   // The same files made in another order and at another time, below a folder of another name.
   support::TempFolder again;
   for (auto file = files.rbegin(); file != files.rend(); ++file) again.Put(file->first, file->second);
@@ -250,6 +256,18 @@ TEST(Publisher, CheckFindsEveryKindOfDamage) {
       {"NewAct2/Bin/file.kvn", support::MakePacked("content") + "x", "after its end"},
       {"NewAct2/Bin/file.kvn", support::MakePacked("content").substr(0, 9), "cut short"},
       {"web/include/info.php", "no records", "info.php"},
+      {"web/include/info.php", "1@Sur@ONLINE@0@0@32768@@0|", "record 1: field 6 (the players) is \"32768\""},
+      {"web/include/info.php", "1@a@ONLINE@0@0@9@@0|256@b@ONLINE@0@0@9@@0", "record 2: field 1"},
+      {"web/include/info.php", "1@a@ONLINE@0@0@many@@0|", "is \"many\""},
+      {"web/include/info.php", "1@a@ONLINE@0@2147483648@9@@0|", "field 5"},
+      {"web/include/info.php", "1@a@ONLINE@0@0@9@@0||2@b@ONLINE@0@0@9@@0", "record 2: it has 1 fields"},
+      {"web/include/noticiasbase.php", "<html>1|0|a|b</html>", "number|...|title|text@"},
+      {"web/include/noticiasbase.php", "1|0|title@", "number|...|title|text@"},
+      {"web/include/noticiasbase.php", "1|0|title|text|more@", "launchers cut it"},
+      {"web/include/noticiasbase.php", "3000000000|0|title|text@", "is \"3000000000\""},
+      {"web/include/ipdate.php", "{date}-{address}", "is no date"},
+      {"web/include/ipdate.php", "1/2/2026", "with an address"},
+      {"web/include/ipdate.php", "1/2/2026-1.2.3.256", "with an address"},
       {"Kelvarin.zip", "no archive", "Kelvarin.zip"},
   };
   TestPublication pub;
@@ -268,6 +286,10 @@ TEST(Publisher, CheckFindsEveryKindOfDamage) {
   // On one line, as launchers take it too; and a file that nobody asks for is no problem.
   pub.Put("OldAct/Update.ini", "[INIT] Init=0 Mapas=1 Graficos=0 Midis=0 Wavs=0 AU=0 Extras=0");
   pub.Put("OldAct/stray", "x");
+  // As launchers take them: fields left empty or too many, numbers at their ends, a line end behind it.
+  pub.Put("web/include/info.php", "255@a@x@@-2147483648@32767@@2147483647|@b@@@@-32768@@@more|\n");
+  pub.Put("web/include/noticiasbase.php", "|0|title|@1|0|older|text@");
+  pub.Put("web/include/ipdate.php", "1/2/2026-203.0.113.5\n");
   EXPECT_EQ(pub.Check(), 0) << pub.out;
   EXPECT_TRUE(Holds(pub.out, "stray: no launcher asks for it"));
 }

@@ -140,7 +140,8 @@ TEST_F(NativeTerminal, ALineActsAsThePlayer) {
   window.two.Value = true;
   Printed();
 
-  EXPECT_EQ(Type("frmMain.cmdIniciar\nfrmMain.cmdIniciar~\nfrmMain~\nfrmMain.lblServerState(1)\nframe~"), "");
+  EXPECT_EQ(Type("frmMain.cmdIniciar\n  frmMain.cmdIniciar~ \nfrmMain~\nfrmMain.lblServerState(1)\nframe~"),
+            "");
   EXPECT_EQ(Type("frmMain.txtCantMensajes= a=b ~"), "frmMain.txtCantMensajes.Text:  a=b ~\n");
   EXPECT_EQ(Type("frmMain.cmbFPS=100"), "frmMain.cmbFPS.ListIndex: 1\nfrmMain.cmbFPS.Text: 100\n");
   EXPECT_EQ(Type("frmMain.cmbWavsList=12"), "frmMain.cmbWavsList.Text: 12\n");

@@ -117,6 +117,27 @@ TEST_F(NotifyTest, ClosingDuringTheSlideEndsIt) {
   EXPECT_GT(*std::min_element(tops.begin(), tops.end()), 854);
 }
 
+TEST_F(NotifyTest, NoticeWaitsForTheEndOfAFullScreenGame) {
+  screen.playerIsBusy = true;
+  notify.ShowMessage("uno", "primero", 1, 15000);
+  notify.ShowMessage("dos", "segundo", 2, 15000);
+  host.clock.Step(60'000);
+  host.events->DoEvents();
+  EXPECT_FALSE(notify.window.Visible);
+  EXPECT_TRUE(Tops().empty());
+  screen.playerIsBusy = false;
+  host.clock.Step(5000);
+  host.events->DoEvents();
+  EXPECT_TRUE(notify.window.Visible);
+  EXPECT_EQ(notify.lblNews.Caption.Get(), "dos");
+  host.clock.Step(15000);
+  host.events->DoEvents();
+  EXPECT_FALSE(notify.window.Visible);
+  host.clock.Step(60'000);
+  host.events->DoEvents();
+  EXPECT_FALSE(notify.window.Visible) << "shown once";
+}
+
 TEST_F(NotifyTest, TheProgramsEndStopsTheSlide) {
   host.events->Timers().Start(50, [this] { lifetime.End(0); });
   notify.ShowMessage("texto", "título", 7, 15000);

@@ -7,6 +7,7 @@
 
 namespace {
 
+using GC = settings::GameConfig;
 using Texts = std::vector<std::string>;
 
 constexpr const char* kFile = "RECURSOS/INIT/ConfigVideo.cfg";
@@ -159,6 +160,7 @@ TEST_F(OptionsWindowTest, EveryCheckTogglesItsKeyItsPictureAndTellsWhatItMeans) 
       ASSERT_EQ(host.dialogs.shown.size(), text.empty() ? 0u : 1u) << clicked;
       if (text.empty()) continue;
       EXPECT_EQ(host.dialogs.shown[0].text, text);
+      EXPECT_EQ(host.dialogs.shown[0].title, "");
       EXPECT_NE(whileShown, Stored(key)) << "the message comes before the save";
     }
   }
@@ -174,15 +176,15 @@ TEST_F(OptionsWindowTest, VolumesStepByFiveBetweenTheirEnds) {
                {"Plus", -5, "0"},    {"Less", 0, "0"},    {"Less", 3, "0"},
                {"Less", 5, "0"},     {"Less", 100, "95"}, {"Less", -32768, "0"}};
   for (const auto& [button, before, after] : cases) {
-    gameIni.Config.MusicVolume = before;
-    gameIni.Config.SoundVolume = static_cast<std::int16_t>(before);
+    gameIni.Set(&GC::MusicVolume, before);
+    gameIni.Set(&GC::SoundVolume, static_cast<std::int16_t>(before));
     for (const std::string kind : {"Sound", "Music"}) {
       Click(std::string("img") + button + kind + "Volume");
       EXPECT_EQ(Stored(kind + "Volume"), after) << button << kind << before;
       EXPECT_EQ(CaptionOf("lbl" + kind + "Volume"), std::string(after) + "%");
     }
   }
-  gameIni.Config.MusicVolume = 150;
+  gameIni.Set(&GC::MusicVolume, 150);
   Click("chkMusic");
   EXPECT_EQ(Stored("MusicVolume") + CaptionOf("lblMusicVolume"), "100100%");
 }
@@ -210,9 +212,9 @@ TEST_F(OptionsWindowTest, ListsWriteWhatIsChosen) {
 }
 
 TEST_F(OptionsWindowTest, ValuesInNoListSelectNothingAndStay) {
-  gameIni.Config.FPS = 70;
-  gameIni.Config.MaxVideoMemory = 1;
-  gameIni.Config.VIDEO_MODE = 9;
+  gameIni.Set(&GC::FPS, 70);
+  gameIni.Set(&GC::MaxVideoMemory, 1);
+  gameIni.Set(&GC::VIDEO_MODE, 9);
   screen.eager = true;
   Show();
   for (controls::ComboBox* list : {&form.Window.cmbFPS, &form.Window.cmbMemory, &form.Window.cmbVideo_Mode}) {
@@ -220,19 +222,35 @@ TEST_F(OptionsWindowTest, ValuesInNoListSelectNothingAndStay) {
   }
   form.Window.cmbFPS.Change();
   form.Window.cmbMemory.Change();
-  EXPECT_EQ(gameIni.Config.FPS, 70);
-  EXPECT_EQ(gameIni.Config.MaxVideoMemory, 1);
-  EXPECT_EQ(gameIni.Config.VIDEO_MODE, 9);
+  EXPECT_EQ(gameIni.Config().FPS, 70);
+  EXPECT_EQ(gameIni.Config().MaxVideoMemory, 1);
+  EXPECT_EQ(gameIni.Config().VIDEO_MODE, 9);
+}
+
+TEST_F(OptionsWindowTest, OneChangeAfterAStoppedLoadWritesNoDefaultsOverThePlayersOwn) {
+  const std::string kept = "Effect_Filter=0\r\nNameSaved=yo\r\nRememberPassword=1\r\nSound_Activated=0\r\n";
+  folder.Put(kFile, "[INIT]\r\nVERSION=1.0.03\r\nVIDEO_MODE=300\r\n" + kept);
+  gameIni.LoadGameConfig();
+  host.dialogs.shown.clear();
+  Show();
+  Click("chkMiniMap");
+  EXPECT_NE(folder.Get(kFile).find("VIDEO_MODE=300\r\n" + kept), std::string::npos);
+  EXPECT_EQ(Stored("MiniMapa") + Stored("FPS"), "1");
+  Choose(form.Window.cmbVideo_Mode, 0);
+  EXPECT_EQ(Stored("VIDEO_MODE"), "0") << "shown all the time, but now chosen";
+  host.dialogs.answers = {platform::DialogAnswer::Yes};
+  Click("imgDefaultOptions");
+  EXPECT_EQ(Stored("Effect_Filter") + Stored("FPS") + Stored("NameSaved"), "1100yo");
 }
 
 TEST_F(OptionsWindowTest, OptimisedPerformanceSwitchesEffectsOffForGood) {
   for (auto field : {&settings::GameConfig::Effect_Die, &settings::GameConfig::Effect_Keys,
                      &settings::GameConfig::Effect_KeysUnstored, &settings::GameConfig::Effect_Time,
                      &settings::GameConfig::Effect_Text}) {
-    gameIni.Config.*field = true;
+    gameIni.Set(field, true);
   }
   Click("chkOptimizedOptions");
-  EXPECT_FALSE(gameIni.Config.OptimizarRendimiento) << "deaf until the window is loaded";
+  EXPECT_FALSE(gameIni.Config().OptimizarRendimiento) << "deaf until the window is loaded";
   Show();
   for (const char* value : {"1", "0"}) {
     Click(value[0] == '1' ? "chkOptimizedOptions" : "lblPerformance");
@@ -242,7 +260,7 @@ TEST_F(OptionsWindowTest, OptimisedPerformanceSwitchesEffectsOffForGood) {
     for (const char* key : {"Effect_Die", "Effect_Keys", "Effect_Arrows", "Effect_Time"}) {
       EXPECT_EQ(Stored(key), "0") << key;
     }
-    EXPECT_FALSE(gameIni.Config.Effect_KeysUnstored);
+    EXPECT_FALSE(gameIni.Config().Effect_KeysUnstored);
     EXPECT_EQ(Stored("Effect_Text"), "1");
     for (const char* check : {"chkDieEffect", "chkArrowEffect", "chkEffect_Time"}) {
       EXPECT_EQ(PictureOf(check), "check_n") << check;
@@ -258,11 +276,15 @@ TEST_F(OptionsWindowTest, OptimisedPerformanceSwitchesEffectsOffForGood) {
 }
 
 TEST_F(OptionsWindowTest, ResetAsksAndPutsBackItsOwnSet) {
-  settings::GameConfig& config = gameIni.Config;
-  config.Effect_Arrows = config.Effect_Filter = config.Music_Activated = config.Sound_Activated =
-      config.Sound3D_Activated = false;
-  config.Effect_Die = config.Effect_Nicks = config.MiniMapa = config.FullScreenResolution = true;
-  config.SoundVolume = 35;
+  const settings::GameConfig& config = gameIni.Config();
+  for (const auto off : {&GC::Effect_Arrows, &GC::Effect_Filter, &GC::Music_Activated, &GC::Sound_Activated,
+                         &GC::Sound3D_Activated}) {
+    gameIni.Set(off, false);
+  }
+  for (const auto on : {&GC::Effect_Die, &GC::Effect_Nicks, &GC::MiniMapa, &GC::FullScreenResolution}) {
+    gameIni.Set(on, true);
+  }
+  gameIni.Set(&GC::SoundVolume, 35);
   Show();
   const settings::GameConfig before = config;
   Click("imgDefaultOptions");
@@ -270,6 +292,7 @@ TEST_F(OptionsWindowTest, ResetAsksAndPutsBackItsOwnSet) {
   EXPECT_EQ(host.dialogs.shown[0].text,
             "¿Estás seguro que deseas reiniciar la configuración de TODO el juego?");
   EXPECT_EQ(host.dialogs.shown[0].title, "Confirmar configuración por defecto.");
+  EXPECT_EQ(host.dialogs.shown[0].buttons, platform::DialogButtons::RiskyYesNo);
   host.dialogs.answers = {platform::DialogAnswer::Yes};
   Click("imgDefaultOptions");
   settings::GameConfig expected = before;
@@ -352,7 +375,7 @@ TEST_F(OptionsWindowTest, EscAndCloseWriteTheRecordAndHideEachWindow) {
   const auto closes = [&](controls::Window& window, std::function<void()> close) {
     EXPECT_TRUE(window.Visible) << window.Name();
     window.KeyDown(13);
-    gameIni.Config.FPS = ++rate;
+    gameIni.Set(&GC::FPS, ++rate);
     close();
     EXPECT_FALSE(window.Visible) << window.Name();
     EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();
@@ -384,7 +407,7 @@ TEST_F(OptionsWindowTest, MissingPicturesAreReportedOnceAndTheWindowWorks) {
   ASSERT_EQ(host.dialogs.shown.size(), 1u);
   EXPECT_EQ(
       host.dialogs.shown[0].text,
-      "Error: Error 53 (File not found) procedimiento Form_Load Formulario frmOpciones línea: 60 por favor "
+      "Error: Error 53 (File not found) procedimiento Form_Load Formulario frmOpciones línea: 30 por favor "
       "reportelo en nuestra página de Facebook:, http://social.example");
   EXPECT_TRUE(form.Window.Visible);
   Click("chkMiniMap");
@@ -415,6 +438,40 @@ TEST_F(OptionsWindowTest, KeysAndMessagesShowTheirLayout) {
   const controls::Window& messages = form.MessagesConfigurateds.Window;
   EXPECT_EQ(label(messages, "Label10"), "Mensaje 10:");
   EXPECT_NE(messages.Find("messageTxt(9)"), nullptr);
+}
+
+TEST_F(OptionsWindowTest, WhatWasTypedIntoKeysAndMessagesIsGoneAtTheNextOpening) {
+  Show();
+  const std::tuple<const char*, controls::Window*, const char*> windows[] = {
+      {"imgCustomKeys1", &form.CustomK.Window, "Text1(32)"},
+      {"imgCustomMsg", &form.MessagesConfigurateds.Window, "messageTxt(9)"}};
+  for (const auto& [opener, window, name] : windows) {
+    auto& box = dynamic_cast<controls::TextBox&>(*window->Find(name));
+    Click(opener);
+    box.Text = std::string("F12");
+    Click(opener);
+    EXPECT_EQ(box.Text.Get(), "F12") << "an open window stays as it is";
+    window->KeyDown(controls::kKeyEscape);
+    Click(opener);
+    EXPECT_EQ(box.Text.Get(), "") << name;
+  }
+}
+
+TEST_F(OptionsWindowTest, ButtonsThatLeadNowhereNeverLightUp) {
+  folder.Put("RECURSOS/GRAFICOS/Opciones/aceptar_n.jpg", "x");
+  Show();
+  Click("imgCustomKeys1");
+  for (controls::Control* idle :
+       {form.CustomK.Window.Find("imgAcept"), form.CustomK.Window.Find("imgDefault"),
+        form.CustomK.Window.Find("imgClose"), form.Window.Find("imgMapa")}) {
+    auto& image = dynamic_cast<controls::ImageControl&>(*idle);
+    const std::string normal = image.Picture;
+    EXPECT_TRUE(normal.ends_with("_n.jpg")) << image.Name();
+    EXPECT_FALSE(image.Enabled) << image.Name();
+    image.MouseMove(controls::MouseButton::None);
+    EXPECT_EQ(image.Picture.Get(), normal) << image.Name();
+  }
+  EXPECT_TRUE(host.dialogs.shown.empty()) << "their missing pictures are not told";
 }
 
 }  // namespace

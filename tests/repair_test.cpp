@@ -193,28 +193,6 @@ TEST(Repair, SettingsThatAPatchBringsArePutBack) {
   EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
 }
 
-TEST(Repair, PressedDuringADownloadStartsOverAtOnce) {
-  InstalledGame run;
-  run.Flip(kLibrary, 1);
-  run.mirror.server.Forget();
-  const std::string slow = run.mirror.PathOf("NewAct2/Bin/Sub/nested.dll.kvn");
-  bool pressed = false;
-  run.Start();
-  const auto id = run.machine.events->Timers().Start(10, [&] {
-    if (pressed || run.mirror.server.Count(slow) == 0) return;
-    pressed = true;
-    run.Repair();
-  });
-  run.machine.clock.stepOnRead = 5;
-  run.Play();
-  run.UntilEnded();
-  run.machine.events->Timers().Stop(id);
-  EXPECT_TRUE(pressed);
-  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("OldAct/Mapas/Mapas1.zip")), 1u);
-  EXPECT_EQ(run.Counter("Mapas"), "2\r\n");
-  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
-}
-
 TEST(Repair, AFailurePartWayNamesItsLineAndKeepsWhatIsWritten) {
   InstalledGame run;
   run.Start();

@@ -157,6 +157,39 @@ TEST_F(ServerListTest, NewsAreShownOncePerTitle) {
   EXPECT_EQ(Label(0), "Alpha ONLINE - 37 Users.");
 }
 
+TEST_F(ServerListTest, ATickThatAskedNobodyLeavesTheStatusLineAlone) {
+  const support::Headers fresh = {{"Cache-Control", "max-age=60"}};
+  server.On(kList, support::Text(kTwoServers));
+  server.On(kNews, support::Text("1||T|t@", fresh));
+  server.On(kProbe, support::Text("1", fresh));
+  world.frmMain.restingStatus = "lo que señala el puntero";
+  world.news.Timer_Timer();
+  EXPECT_EQ(world.frmMain.lblEstado.Caption.Get(), "lo que señala el puntero")
+      << "one that asked puts it back";
+  world.frmMain.lblEstado.Caption = std::string("otra cosa");
+  world.news.Timer_Timer();
+  EXPECT_EQ(world.frmMain.lblEstado.Caption.Get(), "otra cosa");
+}
+
+TEST_F(ServerListTest, ATickParsesTheKeptListAgain) {
+  server.On(kList, support::Text("1@Alpha@OFFLINE@x@5@0@@8|2@Beta@OFFLINE@y@6@0@@9"));
+  server.On(kNews, support::Text("1||T|t@"));
+  world.news.Timer_Timer();
+  ASSERT_EQ(world.servers.Servers().size(), 1u) << "only what is kept";
+  EXPECT_EQ(world.servers.Servers()[0].name, "Beta");
+}
+
+// A modal box every two seconds would take the launcher from the player.
+TEST_F(ServerListTest, WhatCannotBeReadIsToldOncePerAnswer) {
+  server.On(kList, support::Text("1@Alpha@online@x@5@40000@@8|"));
+  server.On(kNews, support::Text("99999999999||T|t@"));
+  for (int i = 0; i < 3; ++i) world.news.Timer_Timer();
+  EXPECT_EQ(world.host.dialogs.shown.size(), 2u);
+  server.On(kList, support::Text("1@Alpha@online@x@5@50000@@8|"));
+  for (int i = 0; i < 3; ++i) world.news.Timer_Timer();
+  EXPECT_EQ(world.host.dialogs.shown.size(), 3u);
+}
+
 TEST_F(ServerListTest, UnchangedNewsComeAgainAfter27000Ticks) {
   server.On(kList, support::Text(kTwoServers));
   server.On(kNews, support::Text("1||T|t@", {{"Cache-Control", "max-age=86400"}}));
@@ -205,14 +238,13 @@ TEST_F(ServerListTest, NewsOfTheSecondHost) {
 
 TEST_F(ServerListTest, PlayingLeavesTheNewsAlone) {
   std::atomic<bool> playing = false;
-  world.frmMain.NewsTimer.Set(true);
+  world.news.beginTick = [&] { return [&] { return !playing; }; };
   server.On(kNews, [&](const support::SeenRequest&) {
     while (!playing) std::this_thread::yield();
     return support::Text("1||T|t@");
   });
   world.When([this] { return !server.Seen().empty(); },
              [&] {
-               world.frmMain.NewsTimer.Set(false);
                world.frmMain.lblEstado.Caption = "Buscando actualizaciones...";
                playing = true;
              });

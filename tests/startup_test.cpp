@@ -4,7 +4,6 @@
 #include "platform/files.hpp"
 #include "startup/error_recorder.hpp"
 #include "startup/launcher_settings.hpp"
-#include "startup/system_directory.hpp"
 #include "support/launcher_run.hpp"
 #include "support/test_services.hpp"
 
@@ -23,14 +22,22 @@ struct Recorder : testing::Test, support::TestServices {
 };
 
 TEST_F(Recorder, ShowsEveryTextAndWritesNoRepeats) {
+  const auto start = host.clock.Milliseconds();
   for (const char* text : {"A", "A", "A", "B", "A", "", ""}) recorder.LogError(text);
   EXPECT_EQ(host.dialogs.shown.size(), 7u);
+  EXPECT_EQ(host.clock.Milliseconds() - start, 5 * 100u) << "a pause before each line that is written";
   EXPECT_EQ(Log(), Line("A") + Line("B") + Line("A") + Line("") + Line(""));
 }
 
 TEST_F(Recorder, WritesARepeatAgainAfter1500) {
   for (int i = 0; i < 1502; ++i) recorder.LogError("A");
   EXPECT_EQ(Log(), Line("A") + Line("A"));
+}
+
+TEST_F(Recorder, NotesAreWrittenOnceInARowAndShownToNobody) {
+  for (const char* text : {"A {1}", "A {1}", "B", "A {1}"}) recorder.Note(text);
+  EXPECT_EQ(Log(), Line("A -1-") + Line("B") + Line("A -1-"));
+  EXPECT_TRUE(host.dialogs.shown.empty());
 }
 
 TEST_F(Recorder, ReplacesBracesInTheLogOnly) {
@@ -53,6 +60,7 @@ TEST_F(Recorder, AsksToCloseAndOnlyYesEndsTheProgram) {
   host.dialogs.answers = {DialogAnswer::Yes};
   recorder.LogError("B", true);
   EXPECT_TRUE(lifetime.Ending());
+  EXPECT_EQ(host.processes.endedAtOnce, 1) << "nothing is unloaded or saved any more";
   EXPECT_EQ(host.dialogs.shown.back().title, "¡Error en el Launcher de Kelvarin!");
   EXPECT_EQ(host.dialogs.shown.back().text,
             "B\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.");
@@ -92,21 +100,13 @@ TEST(Deployment, TakesBuiltInValuesForWhatTheFileLacks) {
              "[MIRRORS]\r\n1=http://a/x\r\n2=ftp://a/\r\n3=\r\n4=a/b/\r\n5=https://h:81/u/"
              "\r\n[SITE]\r\nWeb=http://w/\r\n");
   const startup::Deployment some = startup::LoadDeployment(*profiles, folder / "Deployment.ini");
-  EXPECT_EQ(some.usable, (std::array<bool, 7>{false, false, false, false, true, true, true}));
+  EXPECT_EQ(some.usable, (std::array<bool, 7>{false, false, false, false, true, false, false}));
   EXPECT_EQ(some.web, "http://w");
   EXPECT_EQ(some.parameter, "KELVARIN");
   EXPECT_TRUE(some.IsSecondHost("https://h:81/u/"));
   const auto problems = startup::ProblemsOf(some);
-  ASSERT_EQ(problems.size(), 4u);
-  EXPECT_NE(problems[3].find("MIRRORS/4"), std::string::npos);
-}
-
-TEST(SystemDirectory, PrefersTheFolderOf32BitLibraries) {
-  support::TestServices with;
-  const std::string directory = startup::ObtenerDirectorio(with.recorder);
-  const std::string wow64 = platform::SystemFolder() + platform::NativePath("\\..\\SysWOW64");
-  EXPECT_EQ(directory, platform::IsFolder(wow64) ? wow64 : platform::SystemFolder());
-  EXPECT_TRUE(with.host.dialogs.shown.empty());
+  ASSERT_EQ(problems.size(), 3u) << "an empty or missing entry is none";
+  EXPECT_NE(problems[2].find("MIRRORS/4"), std::string::npos);
 }
 
 TEST(Main, PreparesTheFolderAndTheTimers) {
@@ -131,6 +131,16 @@ TEST(Main, PreparesTheFolderAndTheTimers) {
   EXPECT_EQ(run.machine.processes.started[0].commandLine,
             "RunDll32.exe InetCpl.cpl, ClearMyTracksByProcess 8");
   EXPECT_EQ(run.machine.processes.locksTaken, std::vector<std::string>{"Global\\Kelvarin"});
+  EXPECT_EQ(run.mirror.server.Count("/web/include/ipdate.php"), 1u);
+  EXPECT_EQ(run.mirror.server.Count("/web/include/info.php"), 1u);
+  run.Launched().MainWindow().cmdConfig.Click();
+  ui::OptionsWindow& options = run.Launched().Options().Window;
+  EXPECT_TRUE(options.Visible) << "settings are for everybody once the start is done";
+  for (const auto& [sound, silenced] : {std::pair{"12", true}, {"13", false}, {"14", false}, {"15", false}}) {
+    options.cmbWavsList.Text = std::string(sound);
+    options.cmbWavsList.KeyUp();
+    EXPECT_EQ(options.chkSilenciarWav.Checked.Get(), silenced) << sound;
+  }
 
   run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "más nuevo");
   run.Start();
@@ -161,6 +171,25 @@ TEST(Main, MeetsOtherInstances) {
     EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), entry.show);
     EXPECT_TRUE(run.Launched().MainWindow().Visible);  // neither message ends the start-up
   }
+}
+
+TEST(Main, UpdateOnlyModeMeetsNobody) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.machine.processes.lockExists = true;
+  run.machine.processes.running = {"Kelvarin.exe"};
+  run.Start("/UPDATES");
+  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), "");
+  EXPECT_FALSE(run.Shown("Se encontró otra instancia del launcher abierta."));
+  EXPECT_TRUE(run.machine.processes.locksTaken.empty());
+}
+
+TEST(Main, AsksForServersAgainWhileNoneIsUp) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.mirror.server.On("/web/include/info.php", support::Text("1@Alpha@OFFLINE@x@5@0@@8|"));
+  run.Start();
+  EXPECT_EQ(run.mirror.server.Count("/web/include/info.php"), 2u);
 }
 
 TEST(Main, ARenamedLauncherEndsAStaleClient) {

@@ -50,7 +50,7 @@ TEST_F(TransferTest, TextsAreTakenWhateverTheirStatusButOnlyWhole) {
     platform::TryRemoveFile(world.folders.Scratch("Tmp.tmp"));
     server.On("/text", test.answer);
     const std::uint32_t limit = test.answer.silent ? 300 : 0;
-    EXPECT_TRUE(world.transfers.GetHttpText(server.Url("/text"), {.wholeLimitMs = limit}) == test.text);
+    EXPECT_TRUE(world.transfers.GetHttpText(server.Url("/text"), {.wholeLimitMs = limit}).text == test.text);
     EXPECT_TRUE(Scratch("Tmp.tmp") == test.copy);
   }
   EXPECT_EQ(server.Seen()[0].Header("content-type"), "application/x-www-form-urlencoded");
@@ -61,7 +61,7 @@ TEST_F(TransferTest, AnUnreachableHostIsNamed) {
   for (const char* path : {"/update/kvn2011/", "/files/update/kvn2011/"}) {
     world.frmMain.lblName.Caption = "";
     world.Use(closed.Url(path));
-    EXPECT_EQ(world.transfers.GetHttpText(closed.Url("/x")), "");
+    EXPECT_EQ(world.transfers.GetHttpText(closed.Url("/x")).text, "");
     EXPECT_EQ(world.frmMain.lblName.Caption.Get(), "No se pudo acceder a " + closed.Url(""));
   }
   world.frmMain.lblName.Caption = "";
@@ -211,7 +211,7 @@ TEST_F(TransferTest, WhoeverLeavesDoesNotWait) {
     world.state.CancelRequested = false;
   }
   Download("/hold");
-  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "");
+  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")).text, "");
   EXPECT_EQ(server.Count("/hold"), 1u) << "nothing is asked for once the program ends";
 }
 
@@ -233,7 +233,12 @@ TEST_F(TransferTest, FreshAnswersAreUsedAgain) {
   const auto ask = [&](bool viaInet) {
     const web::TextOptions options{.cache = &cache};
     const std::string url = server.Url("/news");
-    return viaInet ? world.inet.OpenURL(url, options) : world.transfers.GetHttpText(url, options);
+    const std::size_t before = server.Seen().size();
+    const web::TextAnswer answer =
+        viaInet ? world.inet.OpenURL(url, options) : world.transfers.GetHttpText(url, options);
+    EXPECT_EQ(answer.asked, server.Seen().size() > before);
+    EXPECT_TRUE(answer.report.Arrived());
+    return answer.text;
   };
   const struct {
     const char* name;
@@ -308,7 +313,7 @@ TEST_F(TransferTest, TheControlDeliversInChunks) {
     body.clear();
     world.inet.Execute(test.url);
     EXPECT_TRUE(world.inet.StillExecuting());
-    EXPECT_EQ(world.inet.OpenURL(server.Url("/other")), "") << "one request at a time";
+    EXPECT_EQ(world.inet.OpenURL(server.Url("/other")).text, "") << "one request at a time";
     world.inet.Execute(server.Url("/other"));
     ASSERT_TRUE(world.PumpUntil([&] { return !world.inet.StillExecuting(); }));
     EXPECT_EQ(states, std::vector<int>{test.state});
@@ -330,10 +335,10 @@ TEST_F(TransferTest, ACancelledControlIsFreeAtOnce) {
     ASSERT_TRUE(world.PumpUntil([&] { return states == i + 1; }));
     EXPECT_TRUE(world.inet.StillExecuting());
     world.inet.Cancel();
-    EXPECT_EQ(world.inet.OpenURL(server.Url("/text")), "hello");
+    EXPECT_EQ(world.inet.OpenURL(server.Url("/text")).text, "hello");
   }
   world.inet.SetRequestTimeout(1);
-  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")), "") << "the request time-out";
+  EXPECT_EQ(world.inet.OpenURL(server.Url("/hold")).text, "") << "the request time-out";
   world.inet.Execute(server.Url("/hold"));  // and the end of the test does not wait for it either
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(8));
 }

@@ -104,9 +104,24 @@ TEST_F(TrayTest, MenuHasItsEntriesAndTheirActions) {
   Entry("mDonate").Click();
   Entry("mWeb").Click();
   EXPECT_EQ(host.shell.pages,
-            (Names{"http://web.example/web/index.php?op=Donaciones", "http://web.example/"}));
+            (Names{"http://web.example/web/index.php?op=Donaciones", "https://web.example/"}));
   Entry("mExit").Click();
   EXPECT_EQ(unloads, std::vector{controls::UnloadMode::Code});
+}
+
+TEST_F(TrayTest, NewsOfAnyWebHostAreOpenedOverHttps) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"HTTP://Web.example", "https://Web.example/"},
+      {"http://web.example:80/sitio", "https://web.example/sitio/"},
+      {"http://web.example:8080", "https://web.example:8080/"},
+      {"http://[::1]:80", "https://[::1]/"},
+      {"https://web.example:80", "https://web.example:80/"},
+  };
+  for (const auto& [web, page] : cases) {
+    deployment.web = web;
+    Entry("mWeb").Click();
+    EXPECT_EQ(host.shell.pages.back(), page);
+  }
 }
 
 TEST_F(TrayTest, ClosingFromTheControlMenuIsTurnedIntoHiding) {

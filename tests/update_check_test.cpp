@@ -48,6 +48,7 @@ TEST(UpdateCheck, InstallsAnEmptyFolderAndStartsTheGame) {
   EXPECT_EQ(client.commandLine, client.program + " CLAVE 1");
   EXPECT_EQ(run.Launched().Life().ExitStatus(), 0);
   EXPECT_TRUE(run.machine.dialogs.shown.empty());
+  EXPECT_EQ(run.machine.processes.locksReleased, std::vector<std::string>{"Global\\Kelvarin"});
 
   // A second start with nothing new fetches the list and the index, nothing else.
   run.mirror.server.Forget();
@@ -124,7 +125,8 @@ TEST(UpdateCheck, ABadPatchStageLeavesTheFolderAsItWas) {
        "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
       {"letters in the list", "OldAct/Update.ini", support::Text("[INIT] Init=abc"), "",
        "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
-      {"empty list", "OldAct/Update.ini", support::Text(""), "", "Buscando host..."},
+      {"empty list", "OldAct/Update.ini", support::Text(""), "",
+       "No se pudo obtener la lista de actualizaciones: la respuesta está vacía."},
       {"page for an archive", "OldAct/Extras/Extras1.zip", support::Page(500, "<h1>500</h1>"), kBadZip, ""},
       {"truncated archive", "OldAct/Extras/Extras1.zip", support::Text(zip.substr(0, zip.size() - 30)),
        kBadZip, ""},
@@ -176,17 +178,19 @@ TEST(UpdateCheck, RefusesACountBeyondSixteenBits) {
   EXPECT_EQ(run.mirror.Asked(), std::vector<std::string>{"OldAct/Update.ini"});
 }
 
-// Transfers that fail: retried three times in silence, asked the fourth time.
+// Transfers that fail on the one mirror that is up: a cut one is tried twice, then the ring is walked; the
+// rounds that follow are silent until five transfers have failed, or four rounds.
 TEST(UpdateCheck, RetriesATransferThatDoesNotArrive) {
   const std::string zip = MakeZip({{"leame.txt", std::string(5000, 'x')}});
   const struct {
     const char* what;
     Answer answer;
+    std::size_t asked;
   } cases[] = {
-      {"cut short", support::CutShort(zip, 20)},
-      {"too long a Content-Length", {.body = zip, .announced = "99999"}},
-      {"another scheme", support::Redirect("ftp://127.0.0.1/x.zip")},
-      {"garbage", support::Garbage()},
+      {"cut short", support::CutShort(zip, 20), 6},
+      {"too long a Content-Length", {.body = zip, .announced = "99999"}, 6},
+      {"another scheme", support::Redirect("ftp://127.0.0.1/x.zip"), 4},
+      {"garbage", support::Garbage(), 4},
   };
   for (const auto& entry : cases) {
     LauncherRun run;
@@ -201,7 +205,7 @@ TEST(UpdateCheck, RetriesATransferThatDoesNotArrive) {
     ASSERT_EQ(run.machine.dialogs.shown.size(), 1u) << entry.what;
     EXPECT_EQ(run.machine.dialogs.shown[0].text,
               "Error, tiempo de espera agotado. ¿Deseas reintentar la descarga?");
-    EXPECT_EQ(run.mirror.server.Count(path), 4u) << entry.what;
+    EXPECT_EQ(run.mirror.server.Count(path), entry.asked) << entry.what;
     EXPECT_EQ(run.GameFiles(), before) << entry.what;
     EXPECT_EQ(run.Counter("Extras"), "") << entry.what;
   }
@@ -219,6 +223,10 @@ TEST(UpdateCheck, ABadIndexDeletesNothingAndDoesNotKeepThePlayerFromPlaying) {
       {"page", support::Page(404, "<!DOCTYPE html>"), true},
       {"truncated", support::Text(good.substr(0, good.size() - 6)), true},
       {"cut record", support::Text(MakePacked(MakeIndex({{digest, "\\Bin\\a"}}).substr(0, 40))), true},
+      {"cut behind a good record",
+       support::Text(MakePacked(MakeIndex({{support::Md5Of("a"), "\\Bin\\a"}, {digest, "\\Bin\\b"}})
+                                    .substr(0, 4 + 32 + 2 + 6 + 20))),
+       true},
       {"lying count", support::Text(MakePacked(MakeIndex({{digest, "\\Bin\\a"}}, 1'000'000))), true},
       {"empty index", support::Text(MakePacked(MakeIndex({}))), false},
   };
@@ -235,6 +243,26 @@ TEST(UpdateCheck, ABadIndexDeletesNothingAndDoesNotKeepThePlayerFromPlaying) {
         << entry.what;
     EXPECT_EQ(run.machine.processes.started.size(), 2u) << entry.what;
   }
+}
+
+TEST(UpdateCheck, AnIndexThatIsWantedAgainComesFromAConfirmedMirror) {
+  LauncherRun run;
+  PublishGame(run.mirror);
+  run.mirror.server.On(run.mirror.PathOf("NewAct2/Info.kvn"), support::Page(404, "no"));
+  run.machine.dialogs.answers = {DialogAnswer::Yes};
+  std::size_t probes = 0;
+  run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) {
+    if (dialog.text != kBadIndex) return;
+    probes = run.mirror.server.Count(run.mirror.PathOf("Online.txt"));
+    run.mirror.Publish();
+  };
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("Online.txt")), probes + 1);
+  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("OldAct/Mapas/Mapas1.zip")), 1u)
+      << "what is applied stays so";
 }
 
 TEST(UpdateCheck, AnIndexWritesNowhereButInBin) {

@@ -1,4 +1,4 @@
-// The formats that a mirror sends: archives, packed files, the index; and the launcher's own small files.
+// The formats that a mirror sends: packed files, the index; and the launcher's own small files.
 #include <gtest/gtest.h>
 
 #include "base/runtime_error.hpp"
@@ -11,7 +11,6 @@
 #include "update/modCompression.hpp"
 #include "update/packed_file.hpp"
 #include "update/patch_installation.hpp"
-#include "update/zip_archive.hpp"
 #include "util/clsFastString.hpp"
 #include "util/clsHashing.hpp"
 
@@ -20,77 +19,12 @@ namespace {
 using support::IndexItem;
 using support::MakeIndex;
 using support::MakePacked;
-using support::MakeZip;
-using support::ZipItem;
 
 std::string Noise(std::size_t size) {
   std::string bytes(size, '\0');
   std::uint32_t state = 1;
   for (char& c : bytes) c = static_cast<char>((state = state * 1664525 + 1013904223) >> 24);
   return bytes;
-}
-
-std::string UnicodePathField(const std::string& name) {
-  std::string body = std::string(5, '\x01') + name;
-  return std::string("\x75\x70") + static_cast<char>(body.size()) + '\0' + body;
-}
-
-// The description of what is wrong with an archive; empty when it is proved.
-std::string Verdict(const support::TempFolder& folder, const std::string& bytes) {
-  folder.Put("a.zip", bytes);
-  try {
-    update::ZipArchive(folder / "a.zip").Prove();
-    return {};
-  } catch (const base::RuntimeError& error) {
-    return error.Description();
-  }
-}
-
-TEST(ZipArchive, ProvesGoodArchives) {
-  const support::TempFolder folder;
-  const std::string big = Noise(300'000) + std::string(1'000'000, 'x');
-  EXPECT_EQ(Verdict(folder, MakeZip({{"RECURSOS/", ""}, {"RECURSOS/a.map", "hola"}, {"vacío.txt", ""}})), "");
-  EXPECT_EQ(Verdict(folder, MakeZip({{"grande", big}, {"guardado", big, true}})), "");
-  EXPECT_EQ(Verdict(folder, MakeZip({})), "");
-}
-
-TEST(ZipArchive, RefusesWhatMustNotBeUnpacked) {
-  const support::TempFolder folder;
-  const std::string good = MakeZip({{"a", Noise(5000)}, {"b", "b"}});
-  const struct {
-    std::string bytes, why;
-  } cases[] = {
-      {"<!DOCTYPE html><h1>404</h1>", "It is no ZIP archive"},
-      {"", "It is no ZIP archive"},
-      {good.substr(0, good.size() / 2), "It is no ZIP archive"},
-      {good.substr(200), "The archive is cut short"},
-      {MakeZip({{"x", "x"}, {"../evil.dll", "x"}}), "climbs"},
-      {MakeZip({{"a/..\\..\\evil.dll", "x"}}), "climbs"},
-      {MakeZip({{"/etc/evil", "x"}}), "absolute"},
-      {MakeZip({{"\\\\host\\share\\evil", "x"}}), "absolute"},
-      {MakeZip({{"C:evil", "x"}}), "drive or stream"},
-      {MakeZip({{"COM1.dat", "x"}}), "device"},
-      {MakeZip({{"ok", "x", false, 1 << 11, 8, 0100644, 0, "", UnicodePathField("../evil")}}), "climbs"},
-      {MakeZip({{"link", "/etc", true, 1 << 11, 0, 0120777}}), "is a link"},
-      {MakeZip({{"secret", "x", false, 1 << 11 | 1}}), "is encrypted"},
-      {MakeZip({{"odd", "x", false, 1 << 11, 9}}), "unknown method"},
-      {MakeZip({{"bad", Noise(9000), false, 1 << 11, 8, 0100644, 1}}), "\"bad\" is damaged"},
-      {MakeZip({{"short", "abc", false, 1 << 11, 8, 0100644, 0, "", "", 5}}), "\"short\" is damaged"},
-      {MakeZip({{"long", Noise(9000), false, 1 << 11, 8, 0100644, 0, "", "", -5}}), "\"long\" is damaged"},
-      {MakeZip({{"one", "x", false, 1 << 11, 8, 0100644, 0, "two"}}), "differs from the directory"},
-  };
-  for (const auto& entry : cases) {
-    const std::string verdict = Verdict(folder, entry.bytes);
-    EXPECT_NE(verdict.find(entry.why), std::string::npos) << entry.why << " / " << verdict;
-  }
-}
-
-TEST(ZipArchive, RefusesOverlappingEntries) {
-  const support::TempFolder folder;
-  std::string bomb = MakeZip({{"a", Noise(500)}, {"b", Noise(500)}});
-  const std::size_t second = bomb.rfind("PK\x01\x02");
-  bomb.replace(second + 42, 4, std::string(4, '\0'));  // the second entry points at the first one's bytes
-  EXPECT_EQ(Verdict(folder, bomb), "Entries of the archive overlap");
 }
 
 // What becomes of an old destination "viejo"; the number of the error raised, 0 for none.
@@ -143,6 +77,19 @@ TEST(PackedFile, ExpandsAndRefuses) {
     EXPECT_EQ(expanded.error, entry.error) << entry.what;
     EXPECT_TRUE(expanded.content == entry.content) << entry.what;
   }
+}
+
+TEST(PackedFile, OtherContentThanAskedForReplacesNothing) {
+  const support::TempFolder folder;
+  folder.Put("a.kvn", MakePacked("nuevo"));
+  folder.Put("a", "viejo");
+  const std::string source = folder / "a.kvn", target = folder / "a";
+  EXPECT_FALSE(update::ExpandPackedFile(source, target, {}, {.md5 = support::Md5Of("otro")}));
+  EXPECT_EQ(folder.Get("a"), "viejo");
+  EXPECT_FALSE(update::PackedFileHolds(source, support::Md5Of("otro"), {}));
+  EXPECT_TRUE(update::PackedFileHolds(source, support::Md5Of("nuevo"), {}));
+  EXPECT_TRUE(update::ExpandPackedFile(source, target, {}, {.md5 = support::Md5Of("nuevo")}));
+  EXPECT_EQ(folder.Get("a"), "nuevo");
 }
 
 TEST(PackedFile, TellsThePlayerWhatFailed) {
@@ -237,10 +184,11 @@ TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
   folder.Put("game/RECURSOS/INIT/AUMapas.ini", "99999");
   EXPECT_EQ(counters.Read("Mapas"), 0);
   ASSERT_EQ(with.host.dialogs.shown.size(), 1u);
-  EXPECT_EQ(with.host.dialogs.shown[0].text,
-            "Error: Error en la linea N30 del procedimiento 8, descripción: OverflowReporta esto mediante el "
-            "soporte "
-            "WEB en http://soporte/");
+  EXPECT_EQ(
+      with.host.dialogs.shown[0].text,
+      "Error: Error en la linea N30 del procedimiento 8, descripción: Overflow. reporta esto mediante el "
+      "soporte "
+      "WEB en http://soporte/");
   EXPECT_TRUE(counters.Write("Mapas", 13));
   EXPECT_EQ(folder.Get("game/RECURSOS/INIT/AUMapas.ini"), "13\r\n");
   EXPECT_FALSE(update::CounterStore(without.services).Write("AU", 1));
@@ -248,12 +196,15 @@ TEST(CounterStore, ReadsOnlyNumbersOfPatches) {
 
 TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
   const support::TempFolder folder;
-  const std::string file = folder / "MD5Update.ini", digest(32, 'a');
+  const std::string file = folder / "MD5Update.ini";
+  const auto digest = *util::Md5Digest::FromHex("0123456789abcdef0123456789abcdef"),
+             other = util::Md5Digest{};
   const platform::FileStamp stamp{10, 20};
   const auto noError = [](const std::string& text) { ADD_FAILURE() << text; };
   update::DigestRecord record(file);
   record.Remember("Sub/ñandú x.dat", stamp, digest);
-  record.Remember("b", {1, 2}, digest);
+  record.Remember("b", {1, 2}, other);
+  record.Remember("b", {1, 2}, digest);  // an index may name a file twice
   record.Save(noError);
   const std::string saved = folder.Get("MD5Update.ini");
 
@@ -262,6 +213,20 @@ TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
   EXPECT_EQ(record.Find("Sub/ñandú x.dat", {10, 21}), std::nullopt);
   EXPECT_EQ(record.Find("Sub/ñandú x.dat", {11, 20}), std::nullopt);
   EXPECT_EQ(record.Find("c", stamp), std::nullopt);
+  EXPECT_EQ(record.Find("b", {1, 2}), digest);
+
+  record.Remember("a", stamp, other);
+  record.Remember("b", {1, 3}, other);
+  record.Forget("Sub/ñandú x.dat");
+  record.Save(noError);
+  record.Load();
+  EXPECT_EQ(record.Find("a", stamp), other);
+  EXPECT_EQ(record.Find("b", {1, 3}), other);
+  EXPECT_EQ(record.Find("Sub/ñandú x.dat", stamp), std::nullopt);
+  record.Remember("Sub/ñandú x.dat", stamp, digest);
+  record.Save(noError);
+  record.Load();
+  EXPECT_EQ(record.Find("Sub/ñandú x.dat", stamp), digest);
 
   for (const std::string& torn : {std::string(" \r\n"), std::string(), saved.substr(0, saved.size() - 5),
                                   saved.substr(0, saved.size() / 2), saved + "x", "[INIT]\r\n" + saved,

@@ -100,7 +100,7 @@ struct WindowsLaunchTest : testing::Test {
   startup::Services services{host, folders, deployment, flags, recorder, lifetime};
   update::LibraryCheck libraries{services, window};
   int closed = 0;
-  update::GameLaunch launch{services, window, libraries, [](bool) {}, [this] { ++closed; }};
+  update::GameLaunch launch{services, libraries, [this] { ++closed; }};
 };
 
 TEST_F(WindowsLaunchTest, TheClientStartsWhateverItsFolderIsCalled) {

@@ -161,6 +161,17 @@ TEST_F(WindowsMainWindowTest, KeyboardWalksThePressableButtons) {
   EXPECT_TRUE(lifetime.Ending());
 }
 
+TEST_F(WindowsMainWindowTest, KeyHeldDownIsOnePress) {
+  SetFocus(Child(window.cmdIniciar));
+  Key(VK_RETURN, 5);
+  EXPECT_EQ(plays, 1);
+  Key(VK_SPACE, 5);
+  EXPECT_EQ(plays, 2);
+  PostMessageW(handle, WM_KEYDOWN, VK_ESCAPE, 0x40000001);  // held since another window closed by it
+  host.events->DoEvents();
+  EXPECT_FALSE(lifetime.Ending());
+}
+
 TEST_F(WindowsMainWindowTest, EndOfSessionIsAllowedAndEndsTheProgram) {
   EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
   SendMessageW(handle, WM_ENDSESSION, FALSE, 0);
@@ -209,6 +220,50 @@ TEST_F(WindowsMainWindowTest, MessageBoxBelongsToTheWindow) {
   EXPECT_EQ(owner, handle);
 }
 
+// A player whose finger still lies on Enter when the box opens, and who then presses it.
+TEST_F(WindowsMainWindowTest, MessageBoxIsAnsweredByAFreshPressOfItsDefaultButton) {
+  using platform::DialogAnswer;
+  using platform::DialogButtons;
+  const struct {
+    DialogButtons buttons;
+    const char* title;
+    DialogAnswer answer;
+  } cases[] = {{DialogButtons::YesNo, "reintentar", DialogAnswer::Yes},
+               {DialogButtons::RiskyYesNo, "reparar", DialogAnswer::No},
+               {DialogButtons::YesNoCancel, "cliente", DialogAnswer::Yes},
+               {DialogButtons::Ok, "", DialogAnswer::Ok}};
+  ui::win32::Win32Dialogs dialogs;
+  dialogs.SetScreen(&screen);
+  for (const auto& row : cases) {
+    bool survived = false;
+    std::wstring title = L"?";
+    std::thread player([&] {
+      HWND box = nullptr;
+      for (int i = 0; i < 500 && !(box = FindWindowW(L"#32770", nullptr)); ++i) Sleep(20);
+      title = ui::win32::TextOf(box);
+      GUITHREADINFO focus{};
+      focus.cbSize = sizeof focus;
+      for (int i = 0; i < 500 && !focus.hwndFocus; ++i) {
+        GetGUIThreadInfo(GetWindowThreadProcessId(box, nullptr), &focus);
+        Sleep(20);
+      }
+      for (int i = 0; i < 3; ++i) {
+        for (const WPARAM key : {VK_RETURN, VK_SPACE, VK_ESCAPE}) {
+          PostMessageW(focus.hwndFocus, WM_KEYDOWN, key, 0x40000001);
+        }
+      }
+      SendMessageW(box, WM_NULL, 0, 0);
+      Sleep(100);
+      survived = IsWindow(box);
+      PostMessageW(focus.hwndFocus, WM_KEYDOWN, VK_RETURN, 1);
+    });
+    EXPECT_EQ(dialogs.Show("¿?", row.buttons, row.title), row.answer) << row.title;
+    player.join();
+    EXPECT_TRUE(survived) << row.title;
+    EXPECT_EQ(title, platform::Wide(row.title));
+  }
+}
+
 TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
   const auto tick = [&](int i) {
     window.lblsize.Caption = std::to_string(i) + " kb";
@@ -228,11 +283,30 @@ TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
 }
 
 TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
-  const ui::win32::Pixels source{
-      4, 2, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060}};
-  EXPECT_EQ(ui::win32::Resampled(source, 2, 1).data, (std::vector<std::uint32_t>{0x000040, 0x204060}));
-  const ui::win32::Pixels larger = ui::win32::Resampled({2, 1, {0x000000, 0x640000}}, 4, 1);
-  EXPECT_EQ(larger.data, (std::vector<std::uint32_t>{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  using Picture = std::vector<std::uint32_t>;
+  const auto resampled = [](ui::win32::PixelSize from, const Picture& source, ui::win32::PixelSize to) {
+    Picture result(static_cast<std::size_t>(to.width * to.height));
+    std::size_t row = 0;
+    const auto next = [&] {
+      const std::size_t at = row++ * static_cast<std::size_t>(from.width);
+      return at < source.size() ? source.data() + at : nullptr;
+    };
+    EXPECT_TRUE(ui::win32::Resample(from, next, to, result.data()));
+    return result;
+  };
+  EXPECT_EQ(
+      resampled({4, 2}, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060},
+                {2, 1}),
+      (Picture{0x000040, 0x204060}));
+  EXPECT_EQ(resampled({1, 3}, {0x000030, 0x000060, 0x000090}, {1, 2}), (Picture{0x000040, 0x000080}));
+  EXPECT_EQ(resampled({2, 1}, {0x000000, 0x640000}, {4, 1}),
+            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  EXPECT_EQ(resampled({1, 2}, {0x000000, 0x640000}, {1, 4}),
+            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
+  std::uint32_t pixel = 0;
+  EXPECT_FALSE(ui::win32::Resample(
+      {1, 2}, [] { return nullptr; }, {1, 1}, &pixel))
+      << "a file that is cut";
 }
 
 }  // namespace

@@ -16,6 +16,8 @@
 
 namespace {
 
+using GC = settings::GameConfig;
+
 constexpr const char* kFile = "RECURSOS/INIT/ConfigVideo.cfg";
 constexpr const char* kStems[] = {"cerrar", "teclas",   "donar", "manual",  "mapa", "reglamento",
                                   "web",    "mensajes", "check", "default", "mas",  "menos"};
@@ -193,8 +195,8 @@ TEST_F(WindowsOptionsTest, VolumesStopAtTheirEnds) {
     int before, after;
   } cases[] = {{"Plus", 100, 100}, {"Plus", 98, 100}, {"Less", 3, 0}, {"Less", 0, 0}, {"Plus", 30, 35}};
   for (const auto& [button, before, after] : cases) {
-    gameIni.Config.MusicVolume = before;
-    gameIni.Config.SoundVolume = static_cast<std::int16_t>(before);
+    gameIni.Set(&GC::MusicVolume, before);
+    gameIni.Set(&GC::SoundVolume, static_cast<std::int16_t>(before));
     for (const std::string kind : {"Sound", "Music"}) {
       Click(std::string("img") + button + kind + "Volume");
       EXPECT_EQ(Stored(kind + "Volume"), std::to_string(after)) << button << kind << before;
@@ -234,9 +236,27 @@ TEST_F(WindowsOptionsTest, ListsAreChosenFromByKeyboardAndMouse) {
   EXPECT_EQ(SendMessageW(memory, CB_GETDROPPEDSTATE, 0, 0), 0);
 }
 
+TEST_F(WindowsOptionsTest, WheelTurnsOnlyTheListThatHasTheFocus) {
+  const auto turn = [&](const char* list) {
+    SendMessageW(Child(list), WM_MOUSEWHEEL, MAKEWPARAM(0, -WHEEL_DELTA), 0);
+    host.events->DoEvents();
+  };
+  SetFocus(Child("chkMiniMap"));
+  for (const char* list : {"cmbFPS", "cmbMemory", "cmbVideo_Mode", "cmbWavsList"}) turn(list);
+  EXPECT_EQ(folder.Get(kFile), asLoaded);
+  EXPECT_EQ(TextOf("cmbFPS") + TextOf("cmbWavsList"), "10001");
+  SetFocus(Child("cmbFPS"));
+  turn("cmbFPS");
+  EXPECT_EQ(Stored("FPS"), "500");
+  Click("cmbWavsList");
+  turn("cmbWavsList");
+  EXPECT_EQ(TextOf("cmbWavsList"), "2");
+}
+
 TEST_F(WindowsOptionsTest, OptimisedPerformanceAndResetReachEveryPicture) {
-  gameIni.Config.Effect_Die = gameIni.Config.FullScreenResolution = true;
-  gameIni.Config.SoundVolume = 35;
+  gameIni.Set(&GC::Effect_Die, true);
+  gameIni.Set(&GC::FullScreenResolution, true);
+  gameIni.Set(&GC::SoundVolume, 35);
   Click("chkOptimizedOptions");
   EXPECT_EQ(Stored("OptimizarRendimiento") + Stored("FPS") + Stored("Effect_Die"), "1700");
   EXPECT_EQ(SendMessageW(Child("cmbFPS"), CB_GETCURSEL, 0, 0), CB_ERR);
@@ -310,7 +330,7 @@ TEST_F(WindowsOptionsTest, EscAndCloseSaveAndEndEachWindow) {
   int rate = 200;
   const auto closes = [&](controls::Window& window, const std::function<void()>& close) {
     ASSERT_TRUE(opened(window)) << window.Name();
-    gameIni.Config.FPS = ++rate;
+    gameIni.Set(&GC::FPS, ++rate);
     close();
     EXPECT_FALSE(IsWindowVisible(Handle(window))) << window.Name();
     EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();

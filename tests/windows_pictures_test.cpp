@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <set>
 #include <vector>
 
@@ -31,10 +33,17 @@ RECT InForm(HWND form, HWND child) {
   return box;
 }
 
+bool IsButton(HWND child) {
+  wchar_t name[16] = L"";
+  GetClassNameW(child, name, 16);
+  return lstrcmpiW(name, L"BUTTON") == 0;
+}
+
 std::vector<HWND> ShownChildren(HWND form) {
   std::vector<HWND> children;
   for (HWND at = GetWindow(form, GW_CHILD); at; at = GetWindow(at, GW_HWNDNEXT)) {
-    if (IsWindowVisible(at)) children.push_back(at);
+    const bool ground = (GetWindowLongPtrW(at, GWL_STYLE) & BS_TYPEMASK) == BS_GROUPBOX;
+    if (IsWindowVisible(at) && !(ground && IsButton(at))) children.push_back(at);
   }
   return children;
 }
@@ -84,11 +93,11 @@ struct WindowsPicturesTest : testing::Test, support::WindowWorld {
   }
 
   // Paints what is due, writes the picture and returns it.
-  WindowPicture Photograph(HWND form, const std::string& name) {
+  WindowPicture Photograph(HWND form, const std::string& name, unsigned leastColours = 30) {
     host.events->DoEvents();
     RedrawWindow(form, nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
     WindowPicture picture = support::TakePicture(form);
-    EXPECT_GT(picture.Colours(), 30u) << name << " is blank";
+    EXPECT_GT(picture.Colours(), leastColours) << name << " is blank";
     EXPECT_TRUE(support::WritePng(picture, *destination, name)) << name;
     return picture;
   }
@@ -161,6 +170,27 @@ struct WindowsPicturesTest : testing::Test, support::WindowWorld {
     }
   }
 
+  // High contrast in the colours of a dark scheme, until the end of the test.
+  void Contrast() {
+    SetColours({RGB(0, 0, 0), RGB(255, 255, 255), RGB(26, 235, 255), RGB(0, 0, 0), RGB(63, 242, 63)});
+    screen.Look().wantsContrast = [] { return true; };
+    SendMessageW(handle, WM_SYSCOLORCHANGE, 0, 0);
+  }
+  using Colours = std::array<COLORREF, 5>;
+  static constexpr INT kElements[] = {COLOR_WINDOW, COLOR_WINDOWTEXT, COLOR_HIGHLIGHT, COLOR_HIGHLIGHTTEXT,
+                                      COLOR_GRAYTEXT};
+  static void SetColours(const Colours& colours) {
+    SetSysColors(static_cast<int>(colours.size()), kElements, colours.data());
+  }
+  static Colours SystemsColours() {
+    Colours colours{};
+    std::transform(std::begin(kElements), std::end(kElements), colours.begin(), &GetSysColor);
+    return colours;
+  }
+  ~WindowsPicturesTest() override { SetColours(before); }
+
+  const Colours before = SystemsColours();
+  static constexpr unsigned kPlain = 1;  // colours: what is not blank has its text beside its ground
   std::optional<std::wstring> destination;
 };
 
@@ -310,8 +340,36 @@ TEST_F(WindowsPicturesTest, SettingsWindows) {
   for (const auto& [shown, name] : windows) {
     const HWND form = screen.HandleOf(*shown);
     SetForegroundWindow(form);
-    PhotographScaled(form, *shown, name, {100, 150});
+    PhotographScaled(form, *shown, name, {100, 150, 200});
   }
+  Contrast();
+  for (const auto& [shown, name] : windows) {
+    const HWND form = screen.HandleOf(*shown);
+    SetForegroundWindow(form);
+    Scale(form, 96);
+    Photograph(form, name + std::string("-contrast"), kPlain);
+  }
+}
+
+TEST_F(WindowsPicturesTest, HighContrast) {
+  Contrast();
+  Progress(kRepairText, "Descargando actualizaciones: 7/12", "C:\\Juegos\\Kelvarin\\RECURSOS\\INIT\\UPDATE",
+           "18734kb de 48211kb a 1250kb/s", "48211kb", 38.8);
+  main.btnConfig.EnableButton(false);
+  SetFocus(Child(window.cmdReportar));
+  Key(VK_TAB);
+  Photograph(handle, "main-contrast", kPlain);
+  ui::frmNotify notify(services, screen);
+  notify.ShowMessage("06/01/2019 20/30 hs. en la arena", "    Kelvarin      ¡Record de usuarios! 255.", 7,
+                     15000);
+  Photograph(screen.HandleOf(notify.window), "news-contrast", kPlain);
+}
+
+TEST_F(WindowsPicturesTest, FailedRun) {
+  Progress("No se pudo actualizar: no hay espacio en el disco.", "", "", "", "", 0);
+  window.ProgressBar1.Failed = true;
+  const WindowPicture picture = Photograph(handle, "main-failed");
+  EXPECT_GT(picture.Colours({45, 489, 477, 501}), 5u) << "no bar";
 }
 
 TEST_F(WindowsPicturesTest, OpenListInTheSkinsColours) {

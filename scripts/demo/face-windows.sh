@@ -28,11 +28,10 @@ main_or_box() { # main_or_box main|box
 box() { main_or_box box; }
 is_box() { [ -n "$(box)" ]; }
 
-# The start is done when the first news have been shown: the mirror is confirmed right after that.
+# The start is done when news are asked for.
 face_ready() {
   main_window=$(main_or_box main)
-  [ -n "$main_window" ] &&
-    requests 'Online\.txt|web/include/noticiasbase\.php' | tr '\n' ' ' | grep -q 'php Online'
+  [ -n "$main_window" ] && requests 'web/include/noticiasbase\.php' | grep -q php
 }
 
 # At the middle of the control, as the layout places it.

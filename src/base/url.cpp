@@ -84,6 +84,19 @@ std::string ResolvedUrl(const std::string& url) {
          Escaped(pieces.query);
 }
 
+std::string AsHttps(const std::string& url) {
+  constexpr std::string_view kHttp = "http://", kOwnPort = ":80";
+  if (LowerAscii(url.substr(0, kHttp.size())) != kHttp) return url;
+  std::string rest = url.substr(kHttp.size());
+  const std::size_t end = std::min(rest.find_first_of("/?#"), rest.size());
+  if (std::string_view(rest).substr(0, end).ends_with(kOwnPort)) {
+    rest.erase(end - kOwnPort.size(), kOwnPort.size());
+  }
+  return "https://" + rest;
+}
+
+bool IsMirrorUrl(const std::string& url) { return url.ends_with('/') && !ResolvedUrl(url).empty(); }
+
 bool RedirectAllowed(const std::string& from, const std::string& to) {
   UrlPieces source, target;
   if (!Parse(from, source) || !Parse(to, target)) return false;

@@ -13,6 +13,13 @@ std::string UrlPath(std::string_view relativePath);
 // escaped; empty when it is not an absolute http or https address with a host.
 std::string ResolvedUrl(const std::string& url);
 
+// The same place asked over https: an http address with its scheme replaced and its port kept, but for http's
+// own, which goes. Anything else as it is.
+std::string AsHttps(const std::string& url);
+
+// Whether `url` can be what a mirror's files are asked below: absolute, http or https, ending in "/".
+bool IsMirrorUrl(const std::string& url);
+
 // Whether a redirect from one absolute address to another may be followed.
 bool RedirectAllowed(const std::string& from, const std::string& to);
 

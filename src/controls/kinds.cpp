@@ -11,7 +11,7 @@ Button::Button(Window& window, std::string name, std::string caption)
     : Control(window, std::move(name)), Caption(*this, "", std::move(caption)) {}
 
 TextBox::TextBox(Window& window, std::string name, std::string text)
-    : Control(window, std::move(name)), Text(*this, "Text", std::move(text)) {}
+    : Control(window, std::move(name)), Text(*this, "Text", text), laidOut_(std::move(text)) {}
 
 OptionButton::OptionButton(Window& window, std::string name, std::string caption)
     : Control(window, std::move(name)), Caption(*this, "", std::move(caption)) {}
@@ -40,16 +40,22 @@ int ComboBox::IndexOf(const std::string& text) const {
   return found == entries_.end() ? -1 : static_cast<int>(found - entries_.begin());
 }
 
-Timer::Timer(Window& window, std::string name, platform::TimerQueue& queue, std::uint32_t intervalMs)
-    : Control(window, std::move(name)), queue_(queue), interval_(intervalMs) {}
+Timer::Timer(Window& window, std::string name, platform::TimerQueue& queue, std::uint32_t intervalMs,
+             platform::TickKind kind)
+    : Control(window, std::move(name)), queue_(queue), interval_(intervalMs), kind_(kind) {}
 
 Timer::~Timer() { queue_.Stop(id_); }
+
+void Timer::Start() {
+  const auto tick = [this] { Tick(); };
+  id_ = queue_.Start(interval_, tick, kind_);
+}
 
 void Timer::Set(bool on) {
   if (on == enabled_) return;
   enabled_ = on;
   if (on) {
-    id_ = queue_.Start(interval_, [this] { Tick(); });
+    Start();
   } else {
     queue_.Stop(id_);
   }
@@ -60,7 +66,7 @@ void Timer::SetInterval(std::uint32_t milliseconds) {
   interval_ = milliseconds;
   if (!enabled_) return;
   queue_.Stop(id_);
-  id_ = queue_.Start(interval_, [this] { Tick(); });
+  Start();
 }
 
 }  // namespace controls

@@ -34,7 +34,10 @@ class ImageControl : public Control {
   Property<std::string, Control> MouseIcon{*this, "MouseIcon",
                                            ""};              // full path of a cursor file; empty: the arrow
   Property<bool, Control> Checked{*this, "Checked", false};  // of one that stands for a check box
+  Property<bool, Control> Idle{*this, "Idle", false};        // a press of it has no effect now
+  bool isCheck = false;                                      // it stands for a check box
   std::string description;                                   // what a screen reader reads
+  std::string sign;  // shown where there is no picture and no room for the description
 };
 
 class ProgressBar : public Control {
@@ -42,13 +45,18 @@ class ProgressBar : public Control {
   using Control::Control;
   Property<double, Control> Max{*this, "Max", 100};
   Property<double, Control> Value{*this, "Value", 0};
+  Property<bool, Control> Failed{*this, "Failed", false};  // what it counts was given up
 };
 
 class TextBox : public Control {
  public:
   TextBox(Window& window, std::string name, std::string text = "");
+  void ShowLaidOut() { Text = laidOut_; }  // the text it was made with
   Property<std::string, Control> Text;
   Event<> LostFocus;
+
+ private:
+  const std::string laidOut_;
 };
 
 class ComboBox : public Control {
@@ -92,10 +100,12 @@ class Frame : public Control {
   Property<std::string, Control> Caption;
 };
 
-// Runs Tick every Interval milliseconds while it is on; its handler is never entered twice.
+// Runs Tick every Interval milliseconds while it is on; its handler is never entered twice. `kind` says
+// whether the handler lets events run.
 class Timer : public Control {
  public:
-  Timer(Window& window, std::string name, platform::TimerQueue& queue, std::uint32_t intervalMs);
+  Timer(Window& window, std::string name, platform::TimerQueue& queue, std::uint32_t intervalMs,
+        platform::TickKind kind = platform::TickKind::Short);
   ~Timer() override;
 
   bool On() const { return enabled_; }
@@ -105,8 +115,11 @@ class Timer : public Control {
   Event<> Tick;
 
  private:
+  void Start();
+
   platform::TimerQueue& queue_;
   std::uint32_t interval_;
+  platform::TickKind kind_;
   bool enabled_ = false;
   platform::TimerQueue::Id id_ = 0;
 };

@@ -35,6 +35,10 @@ struct MainWindow : Window {
   Button cmdSend{*this, "cmdSend"};
   Button Command{*this, "Command"};
 
+  // What lblEstado shows while nothing reports its progress: the text of what the pointer is over, or why the
+  // last run failed. Not a control.
+  std::string restingStatus;
+
   Timer NewsTimer;  // named "Timer"
   Timer tmrUpdates;
   Timer tmrShow;

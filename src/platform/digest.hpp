@@ -7,7 +7,7 @@
 
 namespace platform {
 
-enum class DigestKind { Md5, Sha1 };
+enum class DigestKind { Md5, Sha1, Sha256 };
 
 // A message digest fed in pieces; the operating system's own implementation.
 class Digest {

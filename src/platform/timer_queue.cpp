@@ -5,20 +5,24 @@
 
 namespace platform {
 
-TimerQueue::Id TimerQueue::Start(std::uint32_t intervalMs, std::function<void()> tick) {
+TimerQueue::Id TimerQueue::Start(std::uint32_t intervalMs, std::function<void()> tick, TickKind kind) {
   const std::uint32_t interval = std::max<std::uint32_t>(intervalMs, 1);
-  entries_.emplace(++last_, Entry{interval, clock_.Milliseconds() + interval, std::move(tick)});
+  entries_.emplace(++last_, Entry{interval, clock_.Milliseconds() + interval, std::move(tick), kind});
   if (onChange) onChange();
   return last_;
 }
 
 void TimerQueue::Stop(Id id) { entries_.erase(id); }
 
-void TimerQueue::FireDue() {
+void TimerQueue::FireDue() { Fire(true); }
+void TimerQueue::FireDueAndShort() { Fire(false); }
+
+void TimerQueue::Fire(bool all) {
   const std::uint64_t now = clock_.Milliseconds();
   std::vector<Id> due;
   for (const auto& [id, entry] : entries_) {
-    if (!entry.running && entry.due <= now) due.push_back(id);
+    const bool wanted = all || entry.kind == TickKind::Short;
+    if (wanted && !entry.running && entry.due <= now) due.push_back(id);
   }
   for (const Id id : due) {
     auto found = entries_.find(id);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace settings {
@@ -52,6 +53,11 @@ struct GameConfig {
 
   bool operator==(const GameConfig&) const = default;
 };
+
+// Any field that has a key of its own.
+using GameConfigMember =
+    std::variant<bool GameConfig::*, std::uint8_t GameConfig::*, std::int16_t GameConfig::*,
+                 std::int32_t GameConfig::*, std::string GameConfig::*>;
 
 // Volumes above 100, a frame rate of 0 and a memory below 1 byte are put right. Volumes have no lower bound.
 void ClampGameConfig(GameConfig& config);

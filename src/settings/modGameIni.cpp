@@ -4,7 +4,6 @@
 #include <array>
 #include <type_traits>
 #include <utility>
-#include <variant>
 #include <vector>
 
 #include "base/numeric.hpp"
@@ -18,17 +17,12 @@ constexpr int kLineStep = 10;
 constexpr const char* kCredit = "CreditoInterfaz";
 constexpr const char* kOptimised = "OptimizarRendimiento";
 
-template <class T>
-using Member = T GameConfig::*;
-using AnyMember = std::variant<Member<bool>, Member<std::uint8_t>, Member<std::int16_t>, Member<std::int32_t>,
-                               Member<std::string>>;
-
 enum class Written { AsItIs, AsTruth, Never };
 
 struct Field {
   const char* key;
-  AnyMember member;  // its type decides how the text of the file is read
-  int place;         // among the keys written; the rows stand in reading order
+  GameConfigMember member;  // its type decides how the text of the file is read
+  int place;                // among the keys written; the rows stand in reading order
   Written written = Written::AsItIs;
 };
 
@@ -73,15 +67,19 @@ constexpr Field kFields[] = {
 
 constexpr std::size_t kWrittenCount = std::size(kFields) - 1;
 
-constexpr std::array<const Field*, kWrittenCount> WritingOrder() {
-  std::array<const Field*, kWrittenCount> order{};
-  for (const Field& field : kFields) {
-    if (field.written != Written::Never) order.at(static_cast<std::size_t>(field.place)) = &field;
+// The rows' numbers in writing order.
+constexpr std::array<std::size_t, kWrittenCount> WritingOrder() {
+  constexpr std::size_t kNone = std::size(kFields);
+  std::array<std::size_t, kWrittenCount> order{};
+  order.fill(kNone);
+  for (std::size_t i = 0; i < kNone; ++i) {
+    if (kFields[i].written != Written::Never) order.at(static_cast<std::size_t>(kFields[i].place)) = i;
   }
   return order;
 }
 constexpr auto kWritingOrder = WritingOrder();
-static_assert(std::find(kWritingOrder.begin(), kWritingOrder.end(), nullptr) == kWritingOrder.end(),
+static_assert(std::find(kWritingOrder.begin(), kWritingOrder.end(), std::size(kFields)) ==
+                  kWritingOrder.end(),
               "two fields claim one place");
 
 void Assign(bool& field, const std::string& text) { field = base::Val(text) != 0; }
@@ -128,22 +126,31 @@ void ClampGameConfig(GameConfig& config) {
 
 modGameIni::modGameIni(platform::ProfileFiles& profiles, const startup::Folders& folders,
                        startup::ErrorRecorder& recorder)
-    : profiles_(profiles), recorder_(recorder), file_(folders.InitDir + "ConfigVideo.cfg") {}
+    : profiles_(profiles),
+      recorder_(recorder),
+      file_(folders.InitDir + "ConfigVideo.cfg"),
+      own_(std::size(kFields)) {}
+
+void modGameIni::Own(GameConfigMember field) {
+  for (std::size_t i = 0; i < own_.size(); ++i) own_[i] = own_[i] || kFields[i].member == field;
+}
 
 void modGameIni::LoadGameConfig() {
   startup::Guarded(
       recorder_,
       [&](int& line) {
+        own_.assign(own_.size(), false);
+        ownsCredits_ = false;
         ReadFields(line);
         line += kLineStep;
         ReadCredits();
         line += kLineStep;
-        Config.FreqencyLag = false;  // kept in the file, never honoured
-        ClampGameConfig(Config);
+        config_.FreqencyLag = false;  // kept in the file, never honoured
+        ClampGameConfig(config_);
         line += kLineStep;
-        if (Config.Version == kGameConfigVersion) return;
+        if (config_.Version == kGameConfigVersion) return;
         LoadDefaultGameConfig();
-        SaveGameConfig(Config);
+        SaveGameConfig(config_);
       },
       Words("LoadGameConfig"));
 }
@@ -154,16 +161,18 @@ void modGameIni::ReadFields(int& line) {
   const std::vector<std::string> texts = profiles_.GetVars(file_, kSection, keys);
   for (std::size_t i = 0; i < std::size(kFields); ++i) {
     line += kLineStep;  // a line for each field, so that a report tells which one the file has wrong
-    std::visit([&](auto member) { Assign(Config.*member, texts[i]); }, kFields[i].member);
+    std::visit([&](auto member) { Assign(config_.*member, texts[i]); }, kFields[i].member);
+    own_[i] = true;
   }
 }
 
 void modGameIni::ReadCredits() {
-  Config.CreditoInterfaz.assign(1, "");
-  if (Config.MaxInterfaces == 0) return;
+  ownsCredits_ = true;
+  config_.CreditoInterfaz.assign(1, "");
+  if (config_.MaxInterfaces == 0) return;
   std::vector<std::string> keys;
-  for (int i = 0; i <= Config.MaxInterfaces; ++i) keys.push_back(kCredit + std::to_string(i));
-  Config.CreditoInterfaz = profiles_.GetVars(file_, kSection, keys);
+  for (int i = 0; i <= config_.MaxInterfaces; ++i) keys.push_back(kCredit + std::to_string(i));
+  config_.CreditoInterfaz = profiles_.GetVars(file_, kSection, keys);
 }
 
 void modGameIni::LoadDefaultGameConfig() {
@@ -172,13 +181,15 @@ void modGameIni::LoadDefaultGameConfig() {
       [&](int& line) {
         line = 10;
         GameConfig factory;
-        factory.RememberPassword = Config.RememberPassword;
-        factory.CreditoInterfaz = std::move(Config.CreditoInterfaz);
+        factory.RememberPassword = config_.RememberPassword;
+        factory.CreditoInterfaz = std::move(config_.CreditoInterfaz);
         if (factory.CreditoInterfaz.empty()) factory.CreditoInterfaz.resize(1);
         factory.CreditoInterfaz.front().clear();
-        Config = std::move(factory);
+        config_ = std::move(factory);
+        own_.assign(own_.size(), true);
+        ownsCredits_ = true;
         line = 20;
-        ClampGameConfig(Config);
+        ClampGameConfig(config_);
       },
       Words("LoadDefaultGameConfig"));
 }
@@ -189,10 +200,12 @@ void modGameIni::SaveGameConfig(const GameConfig& config) {
       [&](int& line) {
         line = 10;
         std::vector<platform::ProfileFiles::Entry> entries;
-        for (const Field* field : kWritingOrder) entries.emplace_back(field->key, AsWritten(config, *field));
+        for (const std::size_t i : kWritingOrder) {
+          if (own_[i]) entries.emplace_back(kFields[i].key, AsWritten(config, kFields[i]));
+        }
         line = 20;
         const std::size_t held =
-            std::min(config.CreditoInterfaz.size(), std::size_t{config.MaxInterfaces} + 1);
+            ownsCredits_ ? std::min(config.CreditoInterfaz.size(), std::size_t{config.MaxInterfaces} + 1) : 0;
         for (std::size_t i = 0; i < held; ++i) {
           entries.emplace_back(kCredit + std::to_string(i), config.CreditoInterfaz[i]);
         }
@@ -203,7 +216,7 @@ void modGameIni::SaveGameConfig(const GameConfig& config) {
 }
 
 void modGameIni::SaveOptimizarRendimiento() {
-  profiles_.WriteVar(file_, kSection, kOptimised, TruthText(Config.OptimizarRendimiento));
+  profiles_.WriteVar(file_, kSection, kOptimised, TruthText(config_.OptimizarRendimiento));
 }
 
 }  // namespace settings

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <string>
+#include <type_traits>
+#include <vector>
 
 #include "platform/profile_files.hpp"
 #include "settings/game_config.hpp"
@@ -17,7 +19,14 @@ class modGameIni {
   modGameIni(platform::ProfileFiles& profiles, const startup::Folders& folders,
              startup::ErrorRecorder& recorder);
 
-  GameConfig Config;
+  const GameConfig& Config() const { return config_; }
+
+  // What the player chose. The next save writes it, even where it is what the record held already.
+  template <class T>
+  void Set(T GameConfig::*field, const std::type_identity_t<T>& value) {
+    config_.*field = value;
+    Own(field);
+  }
 
   // Fills the record from the file. A file of another version, or none, is replaced by factory values, of
   // which only RememberPassword is spared. A number that its field cannot hold ends the reading there.
@@ -26,8 +35,9 @@ class modGameIni {
   // Factory values for everything but RememberPassword; the list of credit lines keeps its length.
   void LoadDefaultGameConfig();
 
-  // Writes every key but OptimizarRendimiento, replacing the file once. Credit lines that the record does not
-  // hold stay in the file as they are.
+  // Writes every key but OptimizarRendimiento, replacing the file once. Keys of fields that were neither read
+  // nor set, which are those behind the number that ended the reading, stay in the file as they are, and so
+  // do credit lines that the record does not hold.
   void SaveGameConfig(const GameConfig& config);
 
   // Writes the one key that a save leaves out.
@@ -36,10 +46,14 @@ class modGameIni {
  private:
   void ReadFields(int& line);
   void ReadCredits();
+  void Own(GameConfigMember field);
 
   platform::ProfileFiles& profiles_;
   startup::ErrorRecorder& recorder_;
   const std::string file_;
+  GameConfig config_;
+  std::vector<bool> own_;  // a field each: its value is the file's or the player's, so a save may write it
+  bool ownsCredits_ = false;
 };
 
 }  // namespace settings

@@ -39,6 +39,13 @@ std::string ValueOf(platform::ProfileFiles& profiles, const std::string& file, c
   return profiles.Has(file, section, key) ? profiles.GetVar(file, section, key) : builtIn;
 }
 
+bool NamesAMirror(platform::ProfileFiles& profiles, const std::string& file) {
+  for (int entry = 1; entry <= kMirrorCount; ++entry) {
+    if (!profiles.GetVar(file, "MIRRORS", std::to_string(entry)).empty()) return true;
+  }
+  return false;
+}
+
 void CutTrailingSlashes(std::string& url) {
   while (url.ends_with('/')) url.pop_back();
 }
@@ -52,7 +59,7 @@ bool Deployment::IsSecondHost(const std::string& url) const { return url == mirr
 std::vector<std::string> ProblemsOf(const Deployment& deployment) {
   std::vector<std::string> problems;
   for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
-    if (deployment.usable[i]) continue;
+    if (deployment.usable[i] || deployment.mirrors[i].empty()) continue;
     problems.push_back("Deployment.ini: MIRRORS/" + std::to_string(i + 1) +
                        " no es una dirección http o https completa terminada en \"/\"; no se usará.");
   }
@@ -70,10 +77,11 @@ Deployment LoadDeployment(platform::ProfileFiles& profiles, const std::string& f
   }
   CutTrailingSlashes(deployment.web);
   CutTrailingSlashes(deployment.api);
+  const bool named = NamesAMirror(profiles, file);
   for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
     std::string& mirror = deployment.mirrors[i];
-    mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), kBuiltInMirrors[i]);
-    deployment.usable[i] = mirror.ends_with('/') && !base::ResolvedUrl(mirror).empty();
+    mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), named ? "" : kBuiltInMirrors[i]);
+    deployment.usable[i] = base::IsMirrorUrl(mirror);
   }
   return deployment;
 }

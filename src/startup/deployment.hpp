@@ -11,9 +11,9 @@ namespace startup {
 inline constexpr int kMirrorCount = 7;
 
 // Who the hosts are: Deployment.ini beside the executable. A key that the file lacks takes its built-in
-// value, a demonstration on loopback.
+// value, a demonstration on loopback; but as soon as one mirror is named, the ring has only those that are.
 struct Deployment {
-  std::array<std::string, kMirrorCount> mirrors;  // complete URLs, in ring order
+  std::array<std::string, kMirrorCount> mirrors;  // complete URLs, in ring order; empty: no such entry
   std::array<bool, kMirrorCount> usable{};        // absolute http or https, ending in "/"
   std::string web;                                // site root for pages and news, without trailing "/"
   std::string api;                                // scheme, host and port, without trailing "/"

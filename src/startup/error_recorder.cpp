@@ -25,7 +25,9 @@ void Attempt(Step step) {
 }  // namespace
 
 void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
+  showing_ = true;
   host_.dialogs.Show("Error: " + text);
+  showing_ = false;
   if (text == LastErrorText && !text.empty() && RepeatCount < kMostRepeats) {
     ++RepeatCount;
     return;
@@ -33,12 +35,20 @@ void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
   LastErrorText = text;
   RepeatCount = 0;
   host_.clock.Sleep(kPauseMs);
-  WriteLine(base::Replaced(base::Replaced(text, "{", "-"), "}", "-"));
+  WriteLine(text);
   if (!askToClose) return;
   const auto answer = host_.dialogs.Show(
       text + "\r\n\r\n¿Desea cerrar el Launcher? Si presiona 'NO' podrá intentar jugar de todas maneras.",
       platform::DialogButtons::YesNo, "¡Error en el Launcher de Kelvarin!");
-  if (answer == platform::DialogAnswer::Yes) lifetime_.End(1);
+  if (answer != platform::DialogAnswer::Yes) return;
+  lifetime_.End(1);
+  host_.processes.EndAtOnce(1);
+}
+
+void ErrorRecorder::Note(const std::string& text) {
+  if (showing_ || text == lastNote_) return;
+  lastNote_ = text;
+  WriteLine(text);
 }
 
 void ErrorRecorder::WriteLine(const std::string& text) {
@@ -48,7 +58,8 @@ void ErrorRecorder::WriteLine(const std::string& text) {
     if (stamp && stamp->size > kLargestLog) platform::RemoveFile(log);
   });
   Attempt([&] {
-    const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + text;
+    const std::string plain = base::Replaced(base::Replaced(text, "{", "-"), "}", "-");
+    const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + plain;
     platform::AppendTo(log, platform::ToAnsi(line) + platform::kLineEnd);
   });
 }

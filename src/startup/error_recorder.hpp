@@ -16,11 +16,12 @@ class ErrorRecorder {
   ErrorRecorder(platform::Host& host, const Folders& folders, Lifetime& lifetime)
       : host_(host), folders_(folders), lifetime_(lifetime) {}
 
-  // `askToClose` adds the question whether the launcher is to be closed, whose Yes ends the process.
+  // `askToClose` adds the question whether the launcher is to be closed, whose Yes ends the process at once.
   void LogError(const std::string& text, bool askToClose = false);
 
-  // Appends a line to the log without showing anything: what an operator wants to find there.
-  void Note(const std::string& text) { WriteLine(text); }
+  // Appends a line to the log without showing anything: what an operator wants to find there. A line that
+  // repeats the one before it is not written again, nor is what LogError is just showing.
+  void Note(const std::string& text);
 
  private:
   void WriteLine(const std::string& text);
@@ -30,6 +31,8 @@ class ErrorRecorder {
   Lifetime& lifetime_;
   std::string LastErrorText;
   std::int32_t RepeatCount = 0;
+  std::string lastNote_;
+  bool showing_ = false;  // LogError has a box open or announced
 };
 
 }  // namespace startup

@@ -7,18 +7,21 @@
 
 namespace startup {
 
-Failure CurrentFailure(int line) {
+base::RuntimeError CurrentError() {
   try {
     throw;
   } catch (const base::RuntimeError& error) {
-    return {error.Number(), error.Description(), line};
+    return error;
   } catch (const std::bad_alloc&) {
-    const base::RuntimeError memory(base::ErrorNumber::OutOfMemory);
-    return {memory.Number(), memory.Description(), line};
+    return base::RuntimeError(base::ErrorNumber::OutOfMemory);
   } catch (const std::exception&) {
-    const base::RuntimeError call(base::ErrorNumber::InvalidProcedureCall);
-    return {call.Number(), call.Description(), line};
+    return base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
   }
+}
+
+Failure CurrentFailure(int line) {
+  const base::RuntimeError error = CurrentError();
+  return {error.Number(), error.Description(), line};
 }
 
 }  // namespace startup

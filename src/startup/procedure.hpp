@@ -3,6 +3,7 @@
 #include <string>
 #include <utility>
 
+#include "base/runtime_error.hpp"
 #include "startup/error_recorder.hpp"
 
 namespace startup {
@@ -19,7 +20,9 @@ struct Failure {
   std::string Opening() const { return "Error " + std::to_string(number) + " (" + description + ")"; }
 };
 
-// The failure that is being handled right now; to be called inside a catch block.
+// What is being handled right now, as one of the run-time's errors; to be called inside a catch block.
+base::RuntimeError CurrentError();
+// The same, with the line where it happened.
 Failure CurrentFailure(int line);
 
 // The boundary of a named procedure: runs body(int& line); whatever it throws is worded by words(const

@@ -6,15 +6,8 @@ platform::DialogAnswer UnattendedDialogs::Show(const std::string& text, platform
                                                const std::string& title) {
   if (!flags_.UpdatesOnly) return dialogs_.Show(text, buttons, title);
   dialogs_.Announce(text, title);
-  switch (buttons) {
-    case platform::DialogButtons::Ok:
-      return platform::DialogAnswer::Ok;
-    case platform::DialogButtons::YesNo:
-      return platform::DialogAnswer::No;
-    case platform::DialogButtons::YesNoCancel:
-      return platform::DialogAnswer::Cancel;
-  }
-  return platform::DialogAnswer::Cancel;
+  if (announced) announced(text);
+  return platform::UnattendedAnswer(buttons);
 }
 
 }  // namespace startup

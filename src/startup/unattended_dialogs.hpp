@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "platform/dialogs.hpp"
@@ -15,6 +16,9 @@ class UnattendedDialogs : public platform::Dialogs {
 
   platform::DialogAnswer Show(const std::string& text, platform::DialogButtons buttons,
                               const std::string& title) override;
+  // Told of every box that nobody can answer, so that it can be looked up afterwards.
+  std::function<void(const std::string& text)> announced;
+
   void CloseAll() override { dialogs_.CloseAll(); }
   void Announce(const std::string& text, const std::string& title) override {
     dialogs_.Announce(text, title);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/url.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
 
@@ -56,8 +57,10 @@ void FrmSysTrays::BuildMenu() {
     return &entry;
   };
   add("mSep1", "-");
-  add("mDonate", "¡Dona y consigue tus regalos!", [this] { OpenPage("/web/index.php?op=Donaciones"); });
-  add("mWeb", "&Noticias (Ver en la web)", [this] { OpenPage("/"); });
+  add("mDonate", "¡Dona y consigue tus regalos!",
+      [this] { OpenPage(services_.deployment.web + "/web/index.php?op=Donaciones"); });
+  add("mWeb", "&Noticias (Ver en la web)",
+      [this] { OpenPage(base::AsHttps(services_.deployment.web) + "/"); });
   mRestore_ = add("mRestore", "&Restaurar", [this] { Restore(); });
   add("mSep2", "-");
   add("mExit", "&Cerrar", [this] { owner_->QueryUnload(controls::UnloadMode::Code); });
@@ -149,9 +152,8 @@ void FrmSysTrays::About() {
   services_.host.dialogs.Show("About code goes here.", platform::DialogButtons::Ok, "About");
 }
 
-void FrmSysTrays::OpenPage(const std::string& path) {
-  services_.host.shell.OpenPage(services_.deployment.web + path,
-                                services_.folders.AppPath + platform::NativePath("\\.."));
+void FrmSysTrays::OpenPage(const std::string& page) {
+  services_.host.shell.OpenPage(page, services_.folders.AppPath + platform::NativePath("\\.."));
 }
 
 }  // namespace ui

@@ -49,7 +49,7 @@ class FrmSysTrays {
   void BuildMenu();
   void DecodeMessage(int number);
   void PopUp();
-  void OpenPage(const std::string& path);
+  void OpenPage(const std::string& page);
   bool OwnerOnScreen() const;
   void SetPicture(const std::string& file) { screen_.SetTrayPicture(file); }
 

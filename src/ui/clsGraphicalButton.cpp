@@ -64,6 +64,9 @@ void clsGraphicalButton::ButtonHolder_MouseUp() {
   ButtonHolder_->Picture = disabled_ ? disabledPicture_ : hover_;
 }
 
-void clsGraphicalButton::ShowResting() { ButtonHolder_->Picture = disabled_ ? disabledPicture_ : normal_; }
+void clsGraphicalButton::ShowResting() {
+  ButtonHolder_->Picture = disabled_ ? disabledPicture_ : normal_;
+  ButtonHolder_->Idle = disabled_;
+}
 
 }  // namespace ui

@@ -2,8 +2,6 @@
 
 #include <vector>
 
-#include "platform/files.hpp"
-
 namespace ui {
 namespace {
 
@@ -68,16 +66,20 @@ void frmCustomK::AddFrames() {
 
 void frmCustomK::AddButtons() {
   for (const PicturedButton& button : kButtons) {
-    controls::ImageControl& control = buttons_.emplace_back(Window, button.name);
+    controls::ImageControl& control = images_.emplace_back(Window, button.name);
     control.description = button.description;
-    control.Enabled = false;  // leads nowhere, so it neither lights up nor takes the focus
+    control.Enabled = false;  // leads nowhere, so it stands dimmed and takes no focus
+    buttons_.emplace_back();
   }
 }
 
 void frmCustomK::Form_Load() {
+  for (controls::TextBox& box : Text1_) box.ShowLaidOut();
+  for (controls::CheckBox& check : Check1_) check.Value = false;
+  // No skin needs these pictures: what leads nowhere is not worth a report.
+  SkinPictures pictures = OptionPictures(services_.folders);
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    const std::string picture = OptionPicture(services_.folders, kButtons[i].picture, "_n");
-    buttons_[i].Picture = platform::IsFile(picture) ? picture : std::string{};
+    pictures.Load(buttons_[i], images_[i], SkinPictures::Idle(kButtons[i].picture), lit_, 10);
   }
 }
 

@@ -3,6 +3,7 @@
 #include <deque>
 
 #include "controls/kinds.hpp"
+#include "ui/clsGraphicalButton.hpp"
 #include "ui/settings_window.hpp"
 
 namespace ui {
@@ -27,7 +28,10 @@ class frmCustomK {
   std::deque<controls::Label> actions_;  // named "(Text1(n))", beside Text1(n)
   std::deque<controls::TextBox> Text1_;
   std::deque<controls::CheckBox> Check1_;
-  std::deque<controls::ImageControl> buttons_;
+  std::deque<controls::ImageControl> images_;
+  std::deque<clsGraphicalButton> buttons_;
+  clsGraphicalButton nobody_;  // never initialised
+  LastPressedHolder lit_{&nobody_};
   SettingsWindow opened_;
 };
 

@@ -1,13 +1,13 @@
 #include "ui/frmMain.hpp"
 
 #include <array>
-#include <optional>
 #include <utility>
 
 #include "base/numeric.hpp"
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/launcher_settings.hpp"
+#include "ui/skin_pictures.hpp"
 
 namespace ui {
 namespace {
@@ -64,7 +64,7 @@ void frmMain::WireHoverTexts() {
   const auto explain = [this](const char* text) {
     return [this, text](MouseButton) {
       window_.lblErrorWhatsApp.Visible = false;
-      window_.lblEstado.Caption = std::string(text);
+      Explain(text);
     };
   };
   window_.cmdIniciar.MouseMove += explain(kPlayText);
@@ -104,6 +104,7 @@ std::string frmMain::LoadFailure(const startup::Failure& failure) const {
 void frmMain::SetUp(int& line, bool showWindow) {
   line = 10;
   screen_.Attach(window_);
+  loaded_ = true;
   window_.tmrShow.Set(true);
   line = 20;
   FSys_.Form_Load(window_);
@@ -136,52 +137,37 @@ void frmMain::SetUp(int& line, bool showWindow) {
   CentreWhenMaximised();
 }
 
-// A picture that cannot be had is reported, the first one only, and its place stays plain: a launcher without
-// its skin still repairs the game that the skin belongs to.
+// A launcher without its skin still repairs the game that the skin belongs to.
 void frmMain::LoadPictures() {
-  std::optional<startup::Failure> missing;
-  const auto attempt = [&missing](int line, auto step) {
-    try {
-      step();
-    } catch (const base::RuntimeError&) {
-      if (!missing) missing = startup::CurrentFailure(line);
-    }
-  };
-  attempt(50, [this] {
-    const std::string background = services_.folders.GraphicsDir + "Launcher.jpg";
-    if (!platform::IsFile(background)) throw base::RuntimeError(base::ErrorNumber::FileNotFound);
-    window_.Picture = background;
-  });
+  SkinPictures pictures(services_.folders.GraphicsDir);
+  window_.Picture = pictures.Required("Launcher.jpg", 50);
+  const std::string hand = pictures.Optional("HAND-M.CUR");
   const struct {
     clsGraphicalButton& button;
     controls::ImageControl& image;
     const char* stem;
     const char* description;
+    const char* sign;
     bool startDisabled;
   } rows[] = {
-      {btnClose, window_.cmdClose, "cerrar", "Cerrar: ocultar junto al reloj", false},
-      {btnCreditos, window_.cmdCreditos, "help", "Ayuda", false},
-      {btnMinimize, window_.cmdMinimize, "minimizar", "Minimizar", false},
-      {btnIniciar, window_.cmdIniciar, "jugar", "¡Jugar!", true},
-      {btnConfig, window_.cmdConfig, "config", "Configuración", true},
-      {btnReiniciarUpdates, window_.cmdReiniciarUpdates, "reparar", "Reparar", false},
-      {btnReportar, window_.cmdReportar, "whatsapp", "WhatsApp", false},
+      {btnClose, window_.cmdClose, "cerrar", "Cerrar: ocultar junto al reloj", "×", false},
+      {btnCreditos, window_.cmdCreditos, "help", "Ayuda", "?", false},
+      {btnMinimize, window_.cmdMinimize, "minimizar", "Minimizar", "–", false},
+      {btnIniciar, window_.cmdIniciar, "jugar", "¡Jugar!", "", true},
+      {btnConfig, window_.cmdConfig, "config", "Configuración", "", true},
+      {btnReiniciarUpdates, window_.cmdReiniciarUpdates, "reparar", "Reparar", "", false},
+      {btnReportar, window_.cmdReportar, "whatsapp", "WhatsApp", "", false},
   };
   for (const auto& row : rows) {
     row.image.description = row.description;
-    attempt(60, [&] { LoadButton(row.button, row.image, row.stem, row.startDisabled); });
+    row.image.sign = row.sign;
+    // Skins with three pictures a button show a disabled one as pressed.
+    const bool hasDisabled = !pictures.Optional(row.stem + std::string("_d.jpg")).empty();
+    pictures.Load(row.button, row.image, {row.stem, hasDisabled ? "_d" : "_c", row.startDisabled, hand},
+                  lastPressed_, 60);
   }
-  if (missing) services_.recorder.LogError(LoadFailure(*missing));
-}
-
-void frmMain::LoadButton(clsGraphicalButton& button, controls::ImageControl& image, const std::string& stem,
-                         bool startDisabled) {
-  const auto path = [&](const char* state) { return services_.folders.GraphicsDir + stem + state + ".jpg"; };
-  const std::string hand = services_.folders.GraphicsDir + "HAND-M.CUR";
-  // Skins with three pictures a button show a disabled one as pressed.
-  const std::string disabled = platform::IsFile(path("_d")) ? path("_d") : path("_c");
-  button.Initialize(image, path("_n"), path("_a"), path("_c"), lastPressed_, disabled, startDisabled, false,
-                    platform::IsFile(hand), hand);
+  pictures.ReportMissing(services_.recorder,
+                         [this](const startup::Failure& failure) { return LoadFailure(failure); });
 }
 
 void frmMain::CentreWhenMaximised() {
@@ -191,7 +177,12 @@ void frmMain::CentreWhenMaximised() {
 void frmMain::Form_MouseMove(MouseButton button) {
   if (button == MouseButton::Left) screen_.StartDrag(window_);
   lastPressed_.LastPressed->ToggleToNormal();
-  window_.lblEstado.Caption = std::string{};
+  Explain("");
+}
+
+void frmMain::Explain(const char* text) {
+  window_.restingStatus = text;
+  window_.lblEstado.Caption = std::string(text);
 }
 
 void frmMain::Form_KeyDown(int keyCode) {

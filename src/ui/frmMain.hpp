@@ -46,6 +46,8 @@ class frmMain {
   // True when the whole file arrived; never raises.
   bool DownloadFile(const std::string& Url, const std::string& LocalFilename);
 
+  // Whether there is a window that can be shown and closed.
+  bool Loaded() const { return loaded_; }
   bool IsStaff() const { return staff_; }
   FrmSysTrays& Tray() { return FSys_; }
 
@@ -59,11 +61,10 @@ class frmMain {
   void SetUp(int& line, bool showWindow);
   std::string LoadFailure(const startup::Failure& failure) const;
   void LoadPictures();
-  void LoadButton(clsGraphicalButton& button, controls::ImageControl& image, const std::string& stem,
-                  bool startDisabled);
   void CentreWhenMaximised();
   std::string OutsideFolder() const;
 
+  void Explain(const char* text);  // what the pointer is over, in the status line
   void Form_MouseMove(controls::MouseButton button);
   void Form_KeyDown(int keyCode);
   void Form_QueryUnload(controls::UnloadMode mode);
@@ -77,6 +78,7 @@ class frmMain {
   clsGraphicalButton none_;
   LastPressedHolder lastPressed_{&none_};
   FrmSysTrays FSys_;
+  bool loaded_ = false;
   bool staff_ = false;
 };
 

@@ -13,7 +13,11 @@ frmMessagesConfigurateds::frmMessagesConfigurateds(SettingsServices& services)
           "Aquí puedes configurar mensajes personalizados, para utilizar con los números del 0 al 9. "
           "También puedes configurar comandos."),
       opened_(
-          services, Window, [](int&) {}, WindowWords("Form_Load", Window.Name())) {
+          services, Window,
+          [this](int&) {
+            for (controls::TextBox& box : messageTxt_) box.ShowLaidOut();
+          },
+          WindowWords("Form_Load", Window.Name())) {
   for (int i = 0; i < kMessages; ++i) {
     const std::string number = std::to_string(i + 1);
     labels_.emplace_back(Window, "Label" + number, "Mensaje " + number + ":");

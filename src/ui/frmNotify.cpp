@@ -5,6 +5,7 @@
 
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "ui/skin_pictures.hpp"
 
 namespace ui {
 namespace {
@@ -14,13 +15,17 @@ constexpr const char* kClose = "Cerrar notificación.";
 constexpr controls::Colour kPlainColour = 0x00FAE5DC;
 constexpr controls::Colour kHoverColour = 0x0078D7FF;
 constexpr std::uint32_t kDesignIntervalMs = 100;
+constexpr std::uint32_t kBusyRoundMs = 5000;
 constexpr double kStepTwips = 15;
 constexpr double kSlideMs = 400;  // what a whole slide takes on any screen
 
 }  // namespace
 
 frmNotify::frmNotify(const startup::Services& services, Screen& screen)
-    : Timer1(window, "Timer1", services.host.events.Timers(), kDesignIntervalMs),
+    : Timer1(window, "Timer1", services.host.events.Timers(), kDesignIntervalMs,
+             platform::TickKind::LetsEventsRun),
+      tmrWaiting(window, "tmrWaiting", services.host.events.Timers(), kBusyRoundMs,
+                 platform::TickKind::LetsEventsRun),
       services_(services),
       screen_(screen) {
   window.MouseMove += [this](controls::MouseButton) { ShowTexts(); };
@@ -29,6 +34,7 @@ frmNotify::frmNotify(const startup::Services& services, Screen& screen)
   lblNews.Click += [this] { lblNews_Click(); };
   lblTitle.Click += [this] { lblTitle_Click(); };
   Timer1.Tick += [this] { Hide(); };
+  tmrWaiting.Tick += [this] { tmrWaiting_Timer(); };
   Form_Load();
 }
 
@@ -39,8 +45,7 @@ void frmNotify::Form_Load() {
       services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string picture = services_.folders.GraphicsDir + "Noticia.jpg";
-        if (platform::IsFile(picture)) window.Picture = picture;
+        window.Picture = SkinPictures(services_.folders.GraphicsDir).Optional("Noticia.jpg");
         StyleNews(false);
         line = 20;
         screen_.Attach(window);
@@ -54,6 +59,12 @@ void frmNotify::Form_Load() {
 
 void frmNotify::ShowMessage(const std::string& text, const std::string& title, std::int32_t number,
                             std::int32_t milliseconds) {
+  if (screen_.PlayerIsBusy()) {
+    waiting_ = {text, title, number, milliseconds};
+    tmrWaiting.Set(true);
+    return;
+  }
+  tmrWaiting.Set(false);
   text_ = text;
   title_ = title;
   if (Timer1.On()) Hide();
@@ -64,6 +75,11 @@ void frmNotify::ShowMessage(const std::string& text, const std::string& title, s
   if (!Slide(0, height_)) return;
   Timer1.SetInterval(static_cast<std::uint32_t>(std::max(milliseconds, 0)));
   Timer1.Set(true);
+}
+
+void frmNotify::tmrWaiting_Timer() {
+  const Notice notice = waiting_;
+  ShowMessage(notice.text, notice.title, notice.number, notice.milliseconds);
 }
 
 void frmNotify::Hide() {

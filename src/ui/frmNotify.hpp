@@ -17,7 +17,8 @@ class frmNotify {
   ~frmNotify();
   frmNotify(const frmNotify&) = delete;
 
-  // Returns when the notice has slid up; one that is on screen slides down first.
+  // Returns when the notice has slid up; one that is on screen slides down first. While a game fills the
+  // screen the notice waits; a later one takes its place.
   void ShowMessage(const std::string& text, const std::string& title, std::int32_t number,
                    std::int32_t milliseconds);
   void Hide();  // slides the notice down
@@ -28,9 +29,16 @@ class frmNotify {
       "    Kelvarin      ¡Record de usuarios! 255.                   Torneo 1vs1 en 20 mins"};
   controls::Label lblNews{window, "lblNews", "06/01/2019"};
   controls::Timer Timer1;
+  controls::Timer tmrWaiting;  // looks whether the screen is free again
 
  private:
+  struct Notice {
+    std::string text, title;
+    std::int32_t number = 0, milliseconds = 0;
+  };
+
   void Form_Load();
+  void tmrWaiting_Timer();
   void lblNews_MouseMove();
   void lblTitle_MouseMove();
   void lblNews_Click();
@@ -42,6 +50,7 @@ class frmNotify {
 
   const startup::Services& services_;
   Screen& screen_;
+  Notice waiting_;
   std::string text_, title_;
   std::int32_t number_ = 0;
   Area workArea_;

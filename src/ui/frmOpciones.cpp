@@ -27,12 +27,20 @@ frmOpciones::frmOpciones(SettingsServices& services)
     : CustomK(services),
       MessagesConfigurateds(services),
       services_(services),
+      pictures_(OptionPictures(services.folders)),
       opened_(
           services, Window, [this](int& line) { Form_Load(line); },
           [this](const startup::Failure& failure) { return LoadFailure(failure); }) {
-  for (const Check& check : kChecks) (Window.*check.control).description = (Window.*check.caption).Caption;
-  for (const auto& button : kOptionButtons) (Window.*button.control).description = button.description;
-  Window.chkSilenciarWav.description = Window.captionSilenciarWav.Caption;
+  const auto describe = [](controls::ImageControl& control, const controls::Label& caption) {
+    control.description = caption.Caption;
+    control.isCheck = true;
+  };
+  for (const Check& check : kChecks) describe(Window.*check.control, Window.*check.caption);
+  describe(Window.chkSilenciarWav, Window.captionSilenciarWav);
+  for (const auto& button : kOptionButtons) {
+    (Window.*button.control).description = button.description;
+    (Window.*button.control).sign = button.sign;
+  }
   Window.imgMapa.description = "Mapa";
   Window.imgMapa.Enabled = false;  // leads nowhere, so it takes no focus
   Window.Activate += [this] { Form_Activate(); };
@@ -53,7 +61,7 @@ void frmOpciones::Form_Load(int& line) {
   Window.Caption = OptionsWindow::kCaption;
   Window.FrameRateChanged = Window.VideoModeChanged = false;
   line = 30;
-  if (!picturesLoaded_) LoadPictures();
+  if (!picturesLoaded_) LoadPictures(line);
   line = 40;
   for (std::size_t i = 0; i < checks_.size(); ++i) ShowCheck(i);
   ShowVolumes();
@@ -64,35 +72,23 @@ void frmOpciones::Form_Load(int& line) {
   ShowSilenced();
   ready_ = true;
   line = 60;
-  if (missingPicture_) throw *std::exchange(missingPicture_, std::nullopt);
+  pictures_.ReportMissing(services_.recorder,
+                          [this](const startup::Failure& failure) { return LoadFailure(failure); });
 }
 
-void frmOpciones::LoadPictures() {
+void frmOpciones::LoadPictures(int line) {
   picturesLoaded_ = true;
-  const std::string background = OptionPicture(services_.folders, "Opciones", "");
-  if (platform::IsFile(background)) Window.Picture = background;
-  for (std::size_t i = 0; i < checks_.size(); ++i) {
-    LoadPicture(checks_[i], Window.*kChecks[i].control, "check", true);
-  }
-  LoadPicture(silenciarWav_, Window.chkSilenciarWav, "check", true);
+  Window.Picture = pictures_.Optional("Opciones.jpg");
+  const auto load = [&](clsGraphicalButton& button, controls::ImageControl& control,
+                        const SkinPictures::Button& look) {
+    pictures_.Load(button, control, look, lit_, line);
+  };
+  for (std::size_t i = 0; i < checks_.size(); ++i) load(checks_[i], Window.*kChecks[i].control, {"check"});
+  load(silenciarWav_, Window.chkSilenciarWav, {"check"});
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    LoadPicture(buttons_[i], Window.*kOptionButtons[i].control, kOptionButtons[i].picture, false);
+    load(buttons_[i], Window.*kOptionButtons[i].control, {kOptionButtons[i].picture});
   }
-  LoadPicture(mapa_, Window.imgMapa, "mapa", false);
-  const std::string unlit = OptionPicture(services_.folders, "mapa", "_d");
-  if (platform::IsFile(unlit)) Window.imgMapa.Picture = unlit;
-}
-
-// A skin without some picture still gives a window that works; the first one missing is told at the end of
-// the loading.
-void frmOpciones::LoadPicture(clsGraphicalButton& button, controls::ImageControl& control,
-                              const std::string& name, bool isCheck) {
-  const auto path = [&](const char* state) { return OptionPicture(services_.folders, name, state); };
-  try {
-    button.Initialize(control, path("_n"), path("_a"), path("_c"), lit_, isCheck ? path("_c") : "");
-  } catch (const base::RuntimeError& error) {
-    if (!missingPicture_) missingPicture_ = error;
-  }
+  load(mapa_, Window.imgMapa, SkinPictures::Idle("mapa"));
 }
 
 void frmOpciones::FillLists() {
@@ -133,7 +129,7 @@ void frmOpciones::ShowGuildChat() {
 }
 
 void frmOpciones::ShowVolumes() {
-  Config().MusicVolume = std::min(Config().MusicVolume, 100);
+  if (Config().MusicVolume > 100) Set(&GC::MusicVolume, 100);
   Window.lblMusicVolume.Caption = std::to_string(Config().MusicVolume) + "%";
   Window.lblSoundVolume.Caption = std::to_string(Config().SoundVolume) + "%";
 }

@@ -3,10 +3,9 @@
 #include <array>
 #include <deque>
 #include <functional>
-#include <optional>
 #include <string>
+#include <type_traits>
 
-#include "base/runtime_error.hpp"
 #include "ui/clsGraphicalButton.hpp"
 #include "ui/frmCustomK.hpp"
 #include "ui/frmMessagesConfigurateds.hpp"
@@ -33,9 +32,7 @@ class frmOpciones {
   void Form_Load(int& line);
   std::string LoadFailure(const startup::Failure& failure) const;
   void Form_Activate();
-  void LoadPictures();
-  void LoadPicture(clsGraphicalButton& button, controls::ImageControl& control, const std::string& name,
-                   bool isCheck);
+  void LoadPictures(int line);
   void FillLists();
 
   void ShowCheck(std::size_t check);
@@ -63,7 +60,11 @@ class frmOpciones {
   void cmbMemory_Change();
   void OpenPage(const std::string& page);
   void Save();
-  settings::GameConfig& Config() { return services_.gameIni.Config; }
+  const settings::GameConfig& Config() const { return services_.gameIni.Config(); }
+  template <class T>
+  void Set(T settings::GameConfig::*field, const std::type_identity_t<T>& value) {
+    services_.gameIni.Set(field, value);
+  }
   int ChosenSound() const;
 
   SettingsServices& services_;
@@ -72,8 +73,8 @@ class frmOpciones {
   std::array<clsGraphicalButton, std::size(kChecks)> checks_;
   std::array<clsGraphicalButton, std::size(kOptionButtons)> buttons_;
   clsGraphicalButton silenciarWav_, mapa_;
+  SkinPictures pictures_;
   bool picturesLoaded_ = false;
-  std::optional<base::RuntimeError> missingPicture_;
   bool ready_ = false;  // false while the window is loading: filling the controls writes nothing
   SettingsWindow opened_;
 };

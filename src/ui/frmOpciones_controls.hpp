@@ -165,6 +165,7 @@ struct OptionButtonPicture {
   controls::ImageControl OptionsWindow::*control;
   const char* picture;
   const char* description;
+  const char* sign = "";
 };
 
 inline constexpr OptionButtonPicture kOptionButtons[] = {
@@ -176,10 +177,10 @@ inline constexpr OptionButtonPicture kOptionButtons[] = {
     {&OW::imgWeb, "web", "Sitio web"},
     {&OW::imgCustomMsg, "mensajes", "Mensajes predefinidos"},
     {&OW::imgDefaultOptions, "default", "Restablecer"},
-    {&OW::imgPlusSoundVolume, "mas", "Subir el volumen de los efectos"},
-    {&OW::imgLessSoundVolume, "menos", "Bajar el volumen de los efectos"},
-    {&OW::imgPlusMusicVolume, "mas", "Subir el volumen de la música"},
-    {&OW::imgLessMusicVolume, "menos", "Bajar el volumen de la música"},
+    {&OW::imgPlusSoundVolume, "mas", "Subir el volumen de los efectos", "+"},
+    {&OW::imgLessSoundVolume, "menos", "Bajar el volumen de los efectos", "–"},
+    {&OW::imgPlusMusicVolume, "mas", "Subir el volumen de la música", "+"},
+    {&OW::imgLessMusicVolume, "menos", "Bajar el volumen de la música", "–"},
 };
 
 }  // namespace ui

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "base/numeric.hpp"
+#include "base/runtime_error.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "ui/frmOpciones.hpp"
@@ -9,6 +10,7 @@
 namespace ui {
 namespace {
 
+constexpr const char* kNoTitle = "";
 constexpr int kVolumeStep = 5;
 constexpr std::int32_t kOptimisedFrameRate = 70;
 constexpr int kFactoryMemoryEntry = 4;
@@ -43,9 +45,9 @@ constexpr bool settings::GameConfig::*kCostlyEffects[] = {
     &GC::Effect_Die, &GC::Effect_Keys, &GC::Effect_KeysUnstored, &GC::Effect_Arrows, &GC::Effect_Time};
 
 template <class Volume>
-void Step(Volume& volume, int by) {
+Volume Stepped(Volume volume, int by) {
   const std::int64_t stepped = std::int64_t{volume} + by;
-  volume = static_cast<Volume>(by > 0 ? std::min<std::int64_t>(stepped, 100) : stepped < 1 ? 0 : stepped);
+  return static_cast<Volume>(by > 0 ? std::min<std::int64_t>(stepped, 100) : stepped < 1 ? 0 : stepped);
 }
 
 std::int32_t ChosenNumber(const controls::ComboBox& list) {
@@ -81,7 +83,7 @@ void frmOpciones::ConnectChecks() {
   for (const auto& [option, onScreen] : guildChat) {
     OnClick(*option, [this, onScreen = onScreen](int& line) {
       line = 10;
-      Config().Guild_Chat_OnScreen = onScreen;
+      Set(&GC::Guild_Chat_OnScreen, onScreen);
       ShowGuildChat();
       Save();
     });
@@ -90,22 +92,24 @@ void frmOpciones::ConnectChecks() {
 
 void frmOpciones::ToggleCheck(std::size_t index) {
   const Check& check = kChecks[index];
-  bool& field = Config().*check.field;
-  field = !field;
+  const bool on = !(Config().*check.field);
+  Set(check.field, on);
   ShowCheck(index);
   if (check.traits & kShowsVolumes) ShowVolumes();
-  if (const char* text = field ? check.textOn : check.textOff) services_.host.dialogs.Show(text);
+  if (const char* text = on ? check.textOn : check.textOff) {
+    services_.host.dialogs.Show(text, platform::DialogButtons::Ok, kNoTitle);
+  }
   Save();
 }
 
 void frmOpciones::chkOptimizedOptions_Click(std::size_t index) {
   if (!ready_) return;
-  bool& optimised = Config().*kChecks[index].field;
-  optimised = !optimised;
+  const bool optimised = !(Config().*kChecks[index].field);
+  Set(kChecks[index].field, optimised);
   services_.gameIni.SaveOptimizarRendimiento();
   if (optimised) {
-    for (const auto effect : kCostlyEffects) Config().*effect = false;
-    Config().FPS = kOptimisedFrameRate;
+    for (const auto effect : kCostlyEffects) Set(effect, false);
+    Set(&GC::FPS, kOptimisedFrameRate);
     ShowFrameRate();
     services_.host.dialogs.Show(
         "Se se han desactivado la mayoría de los efectos. Si el juego presenta pocos FPS, es recomendable "
@@ -133,7 +137,7 @@ void frmOpciones::ConnectLists() {
 
 void frmOpciones::cmbFPS_Change() {
   if (Window.cmbFPS.ListIndex < 0) return;
-  Config().FPS = ChosenNumber(Window.cmbFPS);
+  Set(&GC::FPS, ChosenNumber(Window.cmbFPS));
   Window.Caption = "Efectos de Video - ¡Cambios!";
   Window.FrameRateChanged = Window.VideoModeChanged = true;
   Save();
@@ -141,29 +145,32 @@ void frmOpciones::cmbFPS_Change() {
 
 void frmOpciones::cmbMemory_Change() {
   if (Window.cmbMemory.ListIndex < 0) return;
-  Config().MaxVideoMemory = ChosenNumber(Window.cmbMemory);
+  Set(&GC::MaxVideoMemory, ChosenNumber(Window.cmbMemory));
   ShowMemory();
   Save();
 }
 
 void frmOpciones::cmbVideo_Mode_Change() {
   if (Window.cmbVideo_Mode.ListIndex < 0) Window.cmbVideo_Mode.Select(0);
-  Config().VIDEO_MODE = base::ToByte(Window.cmbVideo_Mode.ListIndex.Get());
+  Set(&GC::VIDEO_MODE, base::ToByte(Window.cmbVideo_Mode.ListIndex.Get()));
   Window.VideoModeChanged = true;
   Save();
 }
 
 void frmOpciones::ConnectSound() {
-  const std::tuple<controls::ImageControl*, std::function<void()>> steps[] = {
-      {&Window.imgPlusSoundVolume, [this] { Step(Config().SoundVolume, kVolumeStep); }},
-      {&Window.imgLessSoundVolume, [this] { Step(Config().SoundVolume, -kVolumeStep); }},
-      {&Window.imgPlusMusicVolume, [this] { Step(Config().MusicVolume, kVolumeStep); }},
-      {&Window.imgLessMusicVolume, [this] { Step(Config().MusicVolume, -kVolumeStep); }},
+  const auto step = [this](auto volume, int by) {
+    return [=, this] { Set(volume, Stepped(Config().*volume, by)); };
   };
-  for (const auto& [button, step] : steps) {
-    OnClick(*button, [this, step = step](int& line) {
+  const std::pair<controls::ImageControl*, std::function<void()>> steps[] = {
+      {&Window.imgPlusSoundVolume, step(&GC::SoundVolume, kVolumeStep)},
+      {&Window.imgLessSoundVolume, step(&GC::SoundVolume, -kVolumeStep)},
+      {&Window.imgPlusMusicVolume, step(&GC::MusicVolume, kVolumeStep)},
+      {&Window.imgLessMusicVolume, step(&GC::MusicVolume, -kVolumeStep)},
+  };
+  for (const auto& [button, change] : steps) {
+    OnClick(*button, [this, change = change](int& line) {
       line = 10;
-      step();
+      change();
       Save();
       ShowVolumes();
     });
@@ -230,12 +237,12 @@ void frmOpciones::ConnectButtons() {
 
 void frmOpciones::imgDefaultOptions_Click() {
   if (!ready_) return;
-  const auto answer =
-      services_.host.dialogs.Show("¿Estás seguro que deseas reiniciar la configuración de TODO el juego?",
-                                  platform::DialogButtons::YesNo, "Confirmar configuración por defecto.");
+  const auto answer = services_.host.dialogs.Show(
+      "¿Estás seguro que deseas reiniciar la configuración de TODO el juego?",
+      platform::DialogButtons::RiskyYesNo, "Confirmar configuración por defecto.");
   if (answer != platform::DialogAnswer::Yes) return;
-  for (const ResetField& reset : kReset) Config().*reset.field = reset.value;
-  Config().FPS = 100;
+  for (const ResetField& reset : kReset) Set(reset.field, reset.value);
+  Set(&GC::FPS, 100);
   ShowChecks(kOnReset);
   ShowFrameRate();
   Window.cmbMemory.Select(kFactoryMemoryEntry);

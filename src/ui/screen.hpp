@@ -40,6 +40,12 @@ class Screen {
   virtual void SetTopmost(controls::Window& window) = 0;
   virtual void StartDrag(controls::Window& window) = 0;  // the system moves the window with the pointer
 
+  // Whether a game or a presentation fills the screen, so that nothing should slide over it.
+  virtual bool PlayerIsBusy() { return false; }
+  // Another instance of the program that runs already may bring its window to the front: for a start that
+  // asks it to. The player's last act was this start, so the right to do it is ours to give.
+  virtual void LetOthersComeToFront() {}
+
   // The notification-area icon of the program (its own icon resource "AAA"). Its mouse messages arrive as
   // TrayMessage, by their published window-message numbers.
   virtual void NotifyIcon(TrayAction action, const std::string& tip) = 0;

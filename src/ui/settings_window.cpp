@@ -6,9 +6,8 @@
 
 namespace ui {
 
-std::string OptionPicture(const startup::Folders& folders, const std::string& name,
-                          const std::string& state) {
-  return folders.GraphicsDir + platform::NativePath("Opciones\\") + name + state + ".jpg";
+SkinPictures OptionPictures(const startup::Folders& folders) {
+  return SkinPictures(folders.GraphicsDir + platform::NativePath("Opciones\\"));
 }
 
 Words WindowWords(const std::string& procedure, const std::string& window) {
@@ -22,7 +21,7 @@ SettingsWindow::SettingsWindow(SettingsServices& services, controls::Window& win
     : services_(services), window_(window), load_(std::move(load)), words_(std::move(words)) {
   window_.KeyDown += [this](int key) {
     if (key != controls::kKeyEscape) return;
-    services_.gameIni.SaveGameConfig(services_.gameIni.Config);
+    services_.gameIni.SaveGameConfig(services_.gameIni.Config());
     Close();
   };
   window_.QueryUnload += [this](controls::UnloadMode) { Close(); };

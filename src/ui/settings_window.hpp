@@ -9,6 +9,7 @@
 #include "startup/procedure.hpp"
 #include "startup/services.hpp"
 #include "ui/screen.hpp"
+#include "ui/skin_pictures.hpp"
 
 namespace ui {
 
@@ -19,12 +20,10 @@ struct SettingsServices : startup::Services {
   settings::SoundTable& sounds;
 };
 
-// Full path of a picture of the options' own folder: `state` is "_n" (normal), "_a" (pointed at), "_c"
-// (pressed) or "_d" (disabled), or empty for one that has no states.
-std::string OptionPicture(const startup::Folders& folders, const std::string& name, const std::string& state);
+// The options' own folder of the skin.
+SkinPictures OptionPictures(const startup::Folders& folders);
 
 // The report of a window's procedure: "Error ... procedimiento `procedure` Formulario `window` línea: ...".
-using Words = std::function<std::string(const startup::Failure&)>;
 Words WindowWords(const std::string& procedure, const std::string& window);
 
 // The coming and going of one modeless window: given to the screen when it is first shown, loaded each time

@@ -10,7 +10,8 @@
 namespace update {
 
 // Handles the state-changed event of the internet transfer control: writes the answer's chunks to
-// DownloadState.TargetPath and shows size and speed.
+// DownloadState.TargetPath and shows size and speed. The control has always had it; no request is started
+// through it today.
 class ChunkedTransfer {
  public:
   ChunkedTransfer(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,

@@ -12,6 +12,8 @@ namespace {
 
 constexpr std::uint64_t kLargestCounter = 4096;  // a counter is a line; anything larger is something else
 
+std::string TextOf(std::int16_t number) { return std::to_string(number) + "\r\n"; }
+
 }  // namespace
 
 std::string CounterStore::FileOf(const std::string& category) const {
@@ -21,7 +23,7 @@ std::string CounterStore::FileOf(const std::string& category) const {
 std::string CounterStore::Report(const char* procedure, const std::string& line,
                                  const std::string& description) const {
   return "Error en la linea N" + line + " del procedimiento " + procedure + ", descripción: " + description +
-         "Reporta esto mediante el soporte WEB en " + services_.deployment.support;
+         ". reporta esto mediante el soporte WEB en " + services_.deployment.support;
 }
 
 std::int16_t CounterStore::Read(const std::string& category) {
@@ -42,15 +44,19 @@ std::int16_t CounterStore::Read(const std::string& category) {
   return number;
 }
 
+void CounterStore::Store(const std::string& category, std::int16_t number) {
+  platform::WriteWhole(FileOf(category), TextOf(number));
+}
+
 bool CounterStore::Write(const std::string& category, std::int16_t number) {
   return startup::Guarded(
       services_.recorder,
       [&](int& line) {
         line = 10;
-        const std::string file = FileOf(category), text = std::to_string(number) + "\r\n";
-        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == text) return;
+        const std::string file = FileOf(category);
+        if (platform::IsFile(file) && platform::ReadWhole(file, kLargestCounter) == TextOf(number)) return;
         line = 20;
-        platform::WriteWhole(file, text);
+        Store(category, number);
       },
       [&](const startup::Failure& failure) { return Report("9", failure.Line(), failure.description); });
 }

@@ -23,9 +23,11 @@ class CounterStore {
   // False, and reported, when it could not be written; the old number stays then.
   bool Write(const std::string& category, std::int16_t number);
 
-  std::string FileOf(const std::string& category) const;
+  // As Write, but raises what the file system does and leaves the report to the caller.
+  void Store(const std::string& category, std::int16_t number);
 
  private:
+  std::string FileOf(const std::string& category) const;
   std::string Report(const char* procedure, const std::string& line, const std::string& description) const;
 
   const startup::Services& services_;

@@ -1,5 +1,6 @@
 #include "update/digest_record.hpp"
 
+#include <algorithm>
 #include <charconv>
 #include <exception>
 
@@ -12,15 +13,13 @@ namespace {
 constexpr std::string_view kHeading = "; Archivos verificados de Bin: MD5, bytes, fecha, nombre";
 constexpr std::string_view kTotal = "; total ";
 constexpr std::uint64_t kLargestRecord = 64u << 20;
+constexpr std::int32_t kPiece = 48 * 1024;  // written at a time
+constexpr std::size_t kNone = SIZE_MAX;
 
 template <class Number>
 bool ParseNumber(std::string_view text, Number& number) {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   return error == std::errc{} && end == text.data() + text.size();
-}
-
-bool IsDigest(std::string_view text) {
-  return text.size() == 32 && text.find_first_not_of("0123456789abcdef") == std::string_view::npos;
 }
 
 std::string_view TakeLine(std::string_view& text) {
@@ -33,14 +32,22 @@ std::string_view TakeLine(std::string_view& text) {
 
 }  // namespace
 
+std::string RecordFile(const startup::Folders& folders) {
+  return folders.BinDir + platform::kSeparator + kRecordName;
+}
+
+void DigestRecord::Clear() {
+  *this = DigestRecord(file_);
+  platform::WriteWhole(file_, " \r\n");
+}
+
 void DigestRecord::Load() {
-  proofs_.clear();
-  changed_ = false;
+  *this = DigestRecord(file_);
   try {
     if (platform::IsFile(file_) && Parse(platform::ReadWhole(file_, kLargestRecord))) return;
   } catch (const std::exception&) {  // an unreadable record is as good as none
   }
-  proofs_.clear();
+  *this = DigestRecord(file_);
 }
 
 bool DigestRecord::Parse(std::string_view text) {
@@ -49,7 +56,8 @@ bool DigestRecord::Parse(std::string_view text) {
     const std::string_view line = TakeLine(text);
     if (line.starts_with(kTotal)) {
       std::size_t total = 0;
-      return text.empty() && ParseNumber(line.substr(kTotal.size()), total) && total == proofs_.size();
+      return text.empty() && ParseNumber(line.substr(kTotal.size()), total) && total == proofs_.size() &&
+             Sort();
     }
     if (!ParseLine(line)) return false;
   }
@@ -64,45 +72,93 @@ bool DigestRecord::ParseLine(std::string_view line) {
     field = line.substr(0, blank);
     line.remove_prefix(blank + 1);
   }
-  Proof proof;
-  proof.digest = fields[0];
-  if (!IsDigest(proof.digest) || !ParseNumber(fields[1], proof.stamp.size) ||
-      !ParseNumber(fields[2], proof.stamp.modified) || line.empty()) {
+  platform::FileStamp stamp;
+  const auto digest = util::Md5Digest::FromHex(fields[0]);
+  if (!digest || !ParseNumber(fields[1], stamp.size) || !ParseNumber(fields[2], stamp.modified) ||
+      line.empty())
     return false;
+  Add(line, stamp, *digest);
+  return true;
+}
+
+void DigestRecord::Add(std::string_view name, const platform::FileStamp& stamp,
+                       const util::Md5Digest& digest) {
+  proofs_.push_back(
+      {static_cast<std::uint32_t>(names_.size()), static_cast<std::uint32_t>(name.size()), stamp, digest});
+  names_ += name;
+}
+
+std::string_view DigestRecord::NameOf(const Proof& proof) const {
+  return std::string_view(names_).substr(proof.nameAt, proof.nameSize);
+}
+
+// Of two proofs of one name the later one counts.
+bool DigestRecord::Sort() {
+  const auto before = [this](const Proof& a, const Proof& b) { return NameOf(a) < NameOf(b); };
+  const auto same = [this](const Proof& a, const Proof& b) { return NameOf(a) == NameOf(b); };
+  if (!std::is_sorted(proofs_.begin(), proofs_.end(), before))
+    std::stable_sort(proofs_.begin(), proofs_.end(), before);
+  const std::size_t count = proofs_.size();
+  const auto kept = std::unique(proofs_.rbegin(), proofs_.rend(), same);
+  proofs_.erase(proofs_.begin(), kept.base());
+  std::erase_if(proofs_, [](const Proof& proof) { return proof.forgotten; });
+  sorted_ = proofs_.size();
+  return sorted_ == count;
+}
+
+std::size_t DigestRecord::IndexOf(std::string_view name) const {
+  const auto end = proofs_.begin() + static_cast<std::ptrdiff_t>(sorted_);
+  const auto found = std::lower_bound(
+      proofs_.begin(), end, name,
+      [this](const Proof& proof, std::string_view sought) { return NameOf(proof) < sought; });
+  return found != end && NameOf(*found) == name ? static_cast<std::size_t>(found - proofs_.begin()) : kNone;
+}
+
+std::optional<util::Md5Digest> DigestRecord::Find(std::string_view inBin,
+                                                  const platform::FileStamp& stamp) const {
+  const std::size_t at = IndexOf(inBin);
+  if (at == kNone || proofs_[at].forgotten || proofs_[at].stamp != stamp) return std::nullopt;
+  return proofs_[at].digest;
+}
+
+void DigestRecord::Remember(std::string_view inBin, const platform::FileStamp& stamp,
+                            const util::Md5Digest& digest) {
+  if (const std::size_t at = IndexOf(inBin); at == kNone) {
+    Add(inBin, stamp, digest);
+  } else {
+    Proof& kept = proofs_[at];
+    if (!kept.forgotten && kept.stamp == stamp && kept.digest == digest) return;
+    kept.stamp = stamp;
+    kept.digest = digest;
+    kept.forgotten = false;
   }
-  return proofs_.emplace(line, std::move(proof)).second;
-}
-
-std::optional<std::string> DigestRecord::Find(const std::string& inBin,
-                                              const platform::FileStamp& stamp) const {
-  const auto found = proofs_.find(inBin);
-  if (found == proofs_.end() || !(found->second.stamp == stamp)) return std::nullopt;
-  return found->second.digest;
-}
-
-void DigestRecord::Remember(const std::string& inBin, const platform::FileStamp& stamp,
-                            const std::string& digest) {
-  Proof proof{stamp, digest};
-  Proof& kept = proofs_[inBin];
-  if (kept == proof) return;
-  kept = std::move(proof);
   changed_ = true;
 }
 
-void DigestRecord::Forget(const std::string& inBin) {
-  if (proofs_.erase(inBin) > 0) changed_ = true;
+void DigestRecord::Forget(std::string_view inBin) {
+  const std::size_t at = IndexOf(inBin);
+  if (at == kNone) return;
+  proofs_[at].forgotten = changed_ = true;
 }
 
 void DigestRecord::Save(const std::function<void(const std::string&)>& logError) {
   if (!changed_) return;
+  Sort();
+  platform::OutputFile file(file_);
   util::clsFastString text(logError);
   text.Append(std::string(kHeading) + platform::kLineEnd);
-  for (const auto& [name, proof] : proofs_) {
-    text.Append(proof.digest + " " + std::to_string(proof.stamp.size) + " " +
-                std::to_string(proof.stamp.modified) + " " + name + platform::kLineEnd);
+  for (const Proof& proof : proofs_) {
+    text.Append(proof.digest.Hex() + " " + std::to_string(proof.stamp.size) + " " +
+                std::to_string(proof.stamp.modified) + " ");
+    text.Append(NameOf(proof));
+    text.Append(platform::kLineEnd);
+    if (text.Length() < kPiece) continue;
+    file.Write(text.Value());
+    text.Clear();
   }
   text.Append(std::string(kTotal) + std::to_string(proofs_.size()) + platform::kLineEnd);
-  platform::WriteWhole(file_, text.Value());
+  file.Write(text.Value());
+  file.Commit();
   changed_ = false;
 }
 

@@ -1,13 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "platform/files.hpp"
+#include "startup/folders.hpp"
+#include "util/md5_digest.hpp"
 
 namespace update {
+
+inline constexpr const char* kRecordName = "MD5Update.ini";  // below Bin
+
+// Full path of the record of an installation.
+std::string RecordFile(const startup::Folders& folders);
 
 // What was proved of the files below Bin at earlier starts (MD5Update.ini): a digest counts again only while
 // the file's size and time of last change are exactly the recorded ones. Lines of readable text (UTF-8): a
@@ -18,25 +27,36 @@ class DigestRecord {
  public:
   explicit DigestRecord(std::string file) : file_(std::move(file)) {}
 
+  // Leaves a record that vouches for nothing; raises what the file system does.
+  void Clear();
   void Load();  // never fails
-  std::optional<std::string> Find(const std::string& inBin, const platform::FileStamp& stamp) const;
-  void Remember(const std::string& inBin, const platform::FileStamp& stamp, const std::string& digest);
-  void Forget(const std::string& inBin);
+  bool Empty() const { return proofs_.empty(); }
+  std::optional<util::Md5Digest> Find(std::string_view inBin, const platform::FileStamp& stamp) const;
+  // What is remembered or forgotten counts once it is saved.
+  void Remember(std::string_view inBin, const platform::FileStamp& stamp, const util::Md5Digest& digest);
+  void Forget(std::string_view inBin);
   // Writes the file when anything changed; raises what the file system does.
   void Save(const std::function<void(const std::string&)>& logError);
 
  private:
   struct Proof {
+    std::uint32_t nameAt = 0, nameSize = 0;  // in names_
     platform::FileStamp stamp;
-    std::string digest;
-    bool operator==(const Proof&) const = default;
+    util::Md5Digest digest;
+    bool forgotten = false;
   };
 
   bool Parse(std::string_view text);
   bool ParseLine(std::string_view line);
+  bool Sort();  // false when not all of them are kept
+  void Add(std::string_view name, const platform::FileStamp& stamp, const util::Md5Digest& digest);
+  std::string_view NameOf(const Proof& proof) const;
+  std::size_t IndexOf(std::string_view name) const;  // among the sorted ones
 
   std::string file_;
-  std::map<std::string, Proof> proofs_;
+  std::string names_;          // one behind the other
+  std::vector<Proof> proofs_;  // the first sorted_ of them in the order of their names
+  std::size_t sorted_ = 0;
   bool changed_ = false;
 };
 

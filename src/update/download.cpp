@@ -4,7 +4,10 @@
 #include "base/text.hpp"
 #include "base/url.hpp"
 #include "platform/files.hpp"
+#include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
+#include "update/packed_file.hpp"
+#include "util/clsHashing.hpp"
 
 namespace update {
 namespace {
@@ -14,6 +17,16 @@ constexpr std::uint32_t kRoundMs = 10;  // a wait loop's pause, so that it costs
 constexpr int kMostTimeouts = 5;
 constexpr int kMostSilentRetries = 3;
 constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Deseas reintentar la descarga?";
+constexpr const char* kUnzipFailed =
+    "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR";
+constexpr const char* kOtherContent = "su contenido no es el que nombra el índice";
+
+Attempt NotGood(const web::TransferReport& report) {
+  return {.kind = report.own ? Attempt::Kind::OwnFailure : Attempt::Kind::NotArrived,
+          .reason = report.Reason(),
+          .details = report.Details(),
+          .cut = report.outcome.error == platform::HttpError::CutShort};
+}
 
 }  // namespace
 
@@ -28,72 +41,114 @@ bool Download::TimedOut() const {
 
 void Download::RemoveTarget() { platform::TryRemoveFile(with_.state.TargetPath); }
 
+// A page in the place of a file is no file; one that came whole is worth nothing unless it is what the index
+// names.
+Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& record) {
+  if (platform::IsFile(local)) platform::RemoveFile(local);
+  const web::TransferReport report =
+      with_.transfers.DownloadUrlToFile(UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn"), local);
+  if (!report.Good()) {
+    platform::TryRemoveFile(local);
+    return NotGood(report);
+  }
+  Attempt attempt;
+  startup::RunBlocking(with_.services, [&](std::stop_token stop) {
+    if (PackedFileHolds(local, record.digest, stop) || stop.stop_requested()) return;
+    attempt = {Attempt::Kind::BadContent, kOtherContent, kOtherContent};
+    attempt.digest = util::clsHashing().MD5File(local, stop);
+  });
+  if (attempt.kind != Attempt::Kind::Good) platform::TryRemoveFile(local);
+  return attempt;
+}
+
 bool Download::DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record) {
   web::DownloadState& state = with_.state;
-  std::string local;
+  controls::MainWindow& frmMain = with_.frmMain;
+  MirrorRound::End end = MirrorRound::End::Failed;
   startup::Guarded(
       with_.services.recorder,
       [&](int& line) {
         line = 10;
-        with_.frmMain.lblEstado.Caption = "Actualizando, aguarde un momento...";
-        const std::string url =
-            with_.hosts.CurrentUpdateURL + remoteFolder + "Bin/" + base::UrlPath(record.inBin) + ".kvn";
+        frmMain.lblEstado.Caption = "Actualizando, aguarde un momento...";
         line = 20;
         state.TargetPath = with_.services.folders.ResourcesUpdateDir + platform::kSeparator +
                            platform::NativePath(record.inBin);
-        local = state.TargetPath + ".kvn";
+        const std::string local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
-        line = 30;
-        if (platform::IsFile(local)) platform::RemoveFile(local);
         line = 40;
-        with_.transfers.DownloadUrlToFile(url, local);
+        const std::string place = std::to_string(index) + "/" + std::to_string(count);
+        end = with_.mirrors
+                  .Fetch(record.path,
+                         [&] {
+                           frmMain.lblEstado.Caption =
+                               "Progreso de actualización: " + place;  // while the file is on its way
+                           return AttemptPacked(local, record);
+                         })
+                  .end;
         line = 50;
-        with_.frmMain.lblName.Caption = "Descargando actualizaciones: " + std::to_string(index) + "/" +
-                                        std::to_string(count) + " - " +
-                                        std::string(base::Field(record.path, 3, '\\'));
-        with_.frmMain.lblDirectorio.Caption = state.TargetPath;
+        frmMain.lblName.Caption =
+            "Descargando actualizaciones: " + place + " - " + std::string(base::Field(record.path, 3, '\\'));
+        frmMain.lblDirectorio.Caption = state.TargetPath;
         state.Finished = false;
       },
       [&](const startup::Failure& failure) {
         return failure.Opening() + " in procedure DownloadClient of Formulario frmMain";
       });
-  return platform::IsFile(local);
+  return end == MirrorRound::End::Good;
 }
 
-DownloadResult Download::DescargarArchivo(const std::string& name, bool unpack) {
-  const std::string url = with_.hosts.CurrentUpdateURL + remoteFolder + name;
+Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const Use& use) {
   int line = 0;
-  bool mayTryAgain = true;
-  DownloadResult result = DownloadResult::Failed;
-  bool unpackOnly = false;
-  for (;;) {
-    try {
-      return unpackOnly ? FinishArchive(unpack) : FetchArchive(name, url, unpack, line);
-    } catch (const base::RuntimeError& error) {
-      if (error.Is(base::ErrorNumber::InterfaceNotSupported)) {
-        result = UnpackerMissing(mayTryAgain);
-        unpackOnly = true;
-        if (result == DownloadResult::TryAgain) continue;
-        return result;
-      }
-      const startup::Failure failure = startup::CurrentFailure(line);
-      with_.services.recorder.LogError(
-          failure.Opening() +
-          " en el procedimiento DescargarArchivo del módulo Formulario frmMain en la línea: " +
-          failure.Line() + " Nombre: " + name + " U: " + url);
-      return DownloadResult::Failed;
-    }
+  try {
+    return FetchArchive(name, unpack, use, line);
+  } catch (const base::RuntimeError&) {
+    const startup::Failure failure = startup::CurrentFailure(line);
+    with_.services.recorder.LogError(
+        failure.Opening() +
+        " en el procedimiento DescargarArchivo del módulo Formulario frmMain en la línea: " + failure.Line() +
+        " Nombre: " + name + " U: " + UrlOf(name));
+    return {DownloadResult::Stopped, failure.description};
   }
 }
 
-DownloadResult Download::FetchArchive(const std::string& name, const std::string& url, bool unpack,
-                                      int& line) {
+std::string Download::UrlOf(const std::string& name) const {
+  return with_.hosts.CurrentUpdateURL + remoteFolder + name;
+}
+
+Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
+  web::DownloadState& state = with_.state;
+  line = 10;
+  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
+  const MirrorRound::Result result =
+      with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, unpack, use, line); });
+  if (result.end == MirrorRound::End::Good) return {DownloadResult::Done};
+  line = 50;
+  if (state.CancelRequested || with_.services.lifetime.Ending()) {
+    RemoveTarget();
+    with_.closeLauncher();
+    return {DownloadResult::Cancelled};
+  }
+  if (result.end == MirrorRound::End::Interrupted) return {DownloadResult::TryAgain};
+  switch (result.last.kind) {
+    case Attempt::Kind::NotArrived:
+      with_.frmMain.lblEstado.Caption = "Falló la descarga de " + name + ": " + result.last.reason + ".";
+      return OnTimeOut(result.notArrived, result.last.reason);
+    case Attempt::Kind::BadContent:
+      if (unpack) with_.services.host.dialogs.Show(kUnzipFailed);
+      break;
+    case Attempt::Kind::OwnFailure:
+    case Attempt::Kind::Good:
+      break;
+  }
+  return {DownloadResult::Stopped, result.last.reason};
+}
+
+Attempt Download::AttemptArchive(const std::string& name, bool unpack, const Use& use, int& line) {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   line = 10;
   frmMain.lblName.Caption = name;
   frmMain.lblDirectorio.Caption = with_.services.folders.BinDir + platform::kSeparator;
-  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
   state.Completed = state.Failed = false;
   line = 20;
   for (const std::string& old : {state.TargetPath, state.TargetPath + ".txt"}) {
@@ -105,68 +160,61 @@ DownloadResult Download::FetchArchive(const std::string& name, const std::string
   frmMain.lblEstado.Caption = "Actualizando juego, por favor aguarde unos minutos.";
   state.Finished = false;
   line = 40;
-  with_.transfers.DownloadUrlToFile(url, state.TargetPath);
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(UrlOf(name), state.TargetPath);
   state.WatchdogStart = with_.services.host.clock.SystemUptime();
-  line = 50;
-  while (!state.Finished) {
-    if (state.CancelRequested || with_.services.lifetime.Ending()) {
-      RemoveTarget();
-      with_.closeLauncher();
-      return DownloadResult::Cancelled;
-    }
-    if (TimedOut()) return OnTimeOut();
+  if (!report.Arrived()) return NotGood(report);
+  line = 60;
+  Attempt attempt;
+  if (!report.Good()) {
+    attempt = NotGood(report);
+    attempt.kind = Attempt::Kind::BadContent;  // a page, which every mirror words in its own way
+    attempt.digest = UrlOf(name);
+  } else if (unpack || use) {
+    attempt = UseArchive(unpack, use);
+  }
+  if (unpack || attempt.kind != Attempt::Kind::Good) RemoveTarget();
+  return attempt;
+}
+
+Attempt Download::UseArchive(bool unpack, const Use& use) {
+  const std::string& file = with_.state.TargetPath;
+  if (!unpack) {
+    const std::string why = use(file);
+    if (why.empty()) return {};
+    Attempt bad{Attempt::Kind::BadContent, why, why};
+    bad.digest = util::clsHashing().MD5File(file);
+    return bad;
+  }
+  const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator);
+  if (unpacked.done) return {};
+  Attempt bad{unpacked.ownFailure ? Attempt::Kind::OwnFailure : Attempt::Kind::BadContent, unpacked.reason,
+              unpacked.reason};
+  if (!unpacked.ownFailure && !with_.services.lifetime.Ending())
+    bad.digest = util::clsHashing().MD5File(file);
+  return bad;
+}
+
+// A round in which nothing arrived is over. The pause keeps a launcher from asking a server that is in
+// trouble again at once.
+Fetched Download::OnTimeOut(int timeouts, const std::string& why) {
+  web::DownloadState& state = with_.state;
+  while (!TimedOut()) {
+    if (state.CancelRequested || with_.services.lifetime.Ending()) return {DownloadResult::Cancelled};
     Pause();
   }
-  line = 60;
-  return FinishArchive(unpack);
-}
-
-DownloadResult Download::FinishArchive(bool unpack) {
-  if (with_.state.Failed) {
-    RemoveTarget();
-    return DownloadResult::Failed;
-  }
-  bool unpacked = true;
-  if (unpack) {
-    unpacked =
-        with_.unzip.Unzip(with_.state.TargetPath, with_.services.folders.AppPath + platform::kSeparator);
-    RemoveTarget();
-  }
-  with_.frmMain.tmrUpdates.Set(false);
-  if (with_.services.lifetime.Ending()) return DownloadResult::Cancelled;
-  return unpacked ? DownloadResult::Done : DownloadResult::UnpackFailed;
-}
-
-DownloadResult Download::OnTimeOut() {
-  web::DownloadState& state = with_.state;
   state.TimedOut = state.RetryPending = true;
-  ++TimeoutCount;
+  TimeoutCount += timeouts;
   if (TimeoutCount < kMostTimeouts && SilentRetryCount < kMostSilentRetries) {
     ++SilentRetryCount;
-    return DownloadResult::TryAgain;
+    return {DownloadResult::TryAgain};
   }
   const auto answer = with_.services.host.dialogs.Show(kTimeOutQuestion, platform::DialogButtons::YesNo);
   TimeoutCount = 0;
-  if (answer != platform::DialogAnswer::Yes) return DownloadResult::GivenUp;
+  if (answer != platform::DialogAnswer::Yes) return {DownloadResult::Stopped, why};
   state.RetryPending = true;
   SilentRetryCount = 0;
   RemoveTarget();
-  return DownloadResult::TryAgain;
-}
-
-DownloadResult Download::UnpackerMissing(bool& mayTryAgain) {
-  const std::string library = with_.services.folders.BinDir + platform::NativePath("\\Unzip32.dll");
-  if (mayTryAgain && platform::IsFile(library)) {
-    mayTryAgain = false;
-    with_.services.host.shell.OpenFile("regsvr32 " + library, with_.services.folders.BinDir);
-    return DownloadResult::TryAgain;
-  }
-  with_.services.host.dialogs.Show(
-      "El juego esta dañado. Le faltan archivos escenciales. Porfavor reinstale Kelvarin, bajelo desde: " +
-      with_.services.deployment.client1 + " " + with_.services.deployment.client2);
-  RemoveTarget();
-  with_.services.lifetime.End(1);
-  return DownloadResult::Cancelled;
+  return {DownloadResult::TryAgain};
 }
 
 void Download::DescargarCliente() {
@@ -222,8 +270,9 @@ void Download::AwaitClient() {
     Pause();
   }
   if (!state.Failed) {
-    with_.unzip.Unzip(state.TargetPath, with_.services.folders.BinDir + platform::kSeparator);
-    with_.frmMain.tmrUpdates.Set(false);
+    const bool done =
+        with_.unzip.Unzip(state.TargetPath, with_.services.folders.BinDir + platform::kSeparator).done;
+    if (!done) with_.services.host.dialogs.Show(kUnzipFailed);
   }
   RemoveTarget();
 }

@@ -6,6 +6,7 @@
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
 #include "update/index_file.hpp"
+#include "update/mirror_round.hpp"
 #include "update/smodUnzip.hpp"
 #include "web/download_state.hpp"
 #include "web/smodXmlHttp.hpp"
@@ -14,11 +15,14 @@ namespace update {
 
 enum class DownloadResult {
   Done,
-  TryAgain,      // timed out; the next update tick is to try again
-  GivenUp,       // timed out, and the player does not want another try
-  UnpackFailed,  // reported to the player, archive deleted
-  Failed,        // a run-time error, reported
-  Cancelled,     // the launcher is closing
+  TryAgain,   // timed out; the next update tick is to try again
+  Stopped,    // given up, or what came is of no use; `reason` tells
+  Cancelled,  // the launcher is closing
+};
+
+struct Fetched {
+  DownloadResult result = DownloadResult::Stopped;
+  std::string reason{};  // of Stopped, for the player: a few words in Spanish, no full stop
 };
 
 // Brings files from the chosen mirror to disk and keeps the player informed; asks before it gives up.
@@ -30,6 +34,7 @@ class Download {
     web::DownloadState& state;
     const web::Hosts& hosts;
     web::smodXmlHttp& transfers;
+    MirrorRound& mirrors;
     smodUnzip& unzip;
     std::function<void()> closeLauncher;
   };
@@ -39,22 +44,28 @@ class Download {
   // The folder of the mirror from which the current stage downloads: "OldAct/" or "NewAct2/".
   std::string remoteFolder;
 
-  // One packed file of the index, numbered from 1 among `count`, into the update folder; false when it did
-  // not come.
+  // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
+  // mirror gives it with the content that the index names. False when none did; there is no file then.
   bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record);
 
-  // One named file into AppPath; with `unpack` its archive is unpacked over the game and deleted. Stops
-  // tmrUpdates when it is done.
-  DownloadResult DescargarArchivo(const std::string& name, bool unpack);
+  // Makes use of a file that came whole; why it is of none, in a few words.
+  using Use = std::function<std::string(const std::string& file)>;
 
-  // The complete client archive.
+  // One named file into AppPath, from whichever mirror gives a good one; with `unpack` its archive is
+  // unpacked over the game and deleted. Without, `use` judges it, and nothing is told to the player when no
+  // mirror has a good one.
+  Fetched DescargarArchivo(const std::string& name, bool unpack, const Use& use = {});
+
+  // The complete client archive. Players' launchers have always had it; nothing starts it today.
   void DescargarCliente();
 
  private:
-  DownloadResult FetchArchive(const std::string& name, const std::string& url, bool unpack, int& line);
-  DownloadResult FinishArchive(bool unpack);
-  DownloadResult UnpackerMissing(bool& mayTryAgain);
-  DownloadResult OnTimeOut();
+  Fetched FetchArchive(const std::string& name, bool unpack, const Use& use, int& line);
+  Attempt AttemptArchive(const std::string& name, bool unpack, const Use& use, int& line);
+  Attempt UseArchive(bool unpack, const Use& use);
+  std::string UrlOf(const std::string& name) const;
+  Attempt AttemptPacked(const std::string& local, const IndexRecord& record);
+  Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;
   void RemoveTarget();

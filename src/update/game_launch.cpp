@@ -11,21 +11,6 @@ constexpr const char* kLibrarySet = "0.4.1";
 
 }  // namespace
 
-GameLaunch::GameLaunch(const startup::Services& services, controls::MainWindow& frmMain,
-                       LibraryCheck& libraries, std::function<void(bool)> enablePlay,
-                       std::function<void()> closeLauncher)
-    : services_(services),
-      frmMain_(frmMain),
-      libraries_(libraries),
-      enablePlay_(std::move(enablePlay)),
-      closeLauncher_(std::move(closeLauncher)) {}
-
-void GameLaunch::cmdIniciar_Click() {
-  frmMain_.tmrUpdates.Set(true);
-  frmMain_.NewsTimer.Set(false);
-  enablePlay_(false);
-}
-
 void GameLaunch::EjecutarKelvar(const std::string& parameter) {
   startup::Guarded(
       services_.recorder, [&](int& line) { Launch(parameter, line); },

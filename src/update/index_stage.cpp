@@ -15,7 +15,7 @@ namespace update {
 namespace {
 
 constexpr const char* kIndexName = "Info.kvn";
-constexpr const char* kRecordName = "MD5Update.ini";
+constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 256 << 20;  // bytes; a game of a million files has a smaller one
 constexpr std::size_t kNotedRefusals = 10;
 constexpr std::size_t kFilesPerRound = 16;  // between two looks at the player's events
@@ -24,31 +24,39 @@ std::string Folded(std::string_view name) { return base::UpperLatin(base::Replac
 
 }  // namespace
 
-IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download)
-    : services_(services), frmMain_(frmMain), download_(download) {}
+IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
+                       modCompression& compression)
+    : services_(services), frmMain_(frmMain), download_(download), compression_(compression) {}
 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
-  const std::string packed = services_.folders.AppPath + platform::kSeparator + kIndexName;
-  const std::string unpacked = packed + ".txt";
-  bool good = false;
-  try {
-    if (download_.DescargarArchivo(kIndexName, false) == DownloadResult::Done) {
-      if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
-      startup::RunBlocking(services_, [&](std::stop_token stop) {
-        ExpandPackedFile(packed, unpacked, stop, platform::OutputFile::Lasting::No);
-        index_.Read(unpacked);
-      });
-      good = true;
-    }
-  } catch (...) {
-    services_.recorder.Note("Info.kvn: " + startup::CurrentFailure(0).Opening());
-  }
-  platform::TryRemoveFile(packed);
-  platform::TryRemoveFile(unpacked);
+  fetched_.clear();
+  complaint_.reset();
+  const Fetched fetched = download_.DescargarArchivo(
+      kIndexName, false, [this](const std::string& packed) { return Take(packed); });
+  platform::TryRemoveFile(services_.folders.AppPath + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
+  const bool good = fetched.result == DownloadResult::Done;
+  if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
   NoteRefusals();
   return good;
+}
+
+// Reads the index; why it cannot be used, empty when it can.
+std::string IndexStage::Take(const std::string& packed) {
+  const std::string unpacked = packed + ".txt";
+  std::string why;
+  try {
+    if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
+    bool done = false;
+    complaint_ = compression_.Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, done);
+    if (complaint_) why = complaint_->text;
+    if (done) startup::RunBlocking(services_, [&](std::stop_token) { index_.Read(unpacked); });
+  } catch (...) {
+    why = startup::CurrentFailure(0).Opening();
+  }
+  platform::TryRemoveFile(unpacked);
+  return why;
 }
 
 void IndexStage::NoteRefusals() const {
@@ -73,7 +81,7 @@ void IndexStage::RemoveForeignFiles() const {
     for (const IndexRecord& record : index_.Records()) named.insert(Folded(record.inBin));
     for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
       if (stop.stop_requested()) return;
-      if (base::Contains(platform::FileNameOf(file.path), "$")) continue;
+      if (base::Contains(file.path, "$")) continue;
       if (named.contains(Folded(base::WithSlashes(file.path)))) continue;
       platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
     }
@@ -85,48 +93,48 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
 }
 
-std::string IndexStage::PathOf(const IndexRecord& record) const {
-  return services_.folders.BinDir + platform::kSeparator + platform::NativePath(record.inBin);
-}
-
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
-  DigestRecord proved(services_.folders.BinDir + platform::kSeparator + kRecordName);
+  DigestRecord proved(RecordFile(services_.folders));
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
-  std::vector<Verification::Target> targets(records.size());
+  std::vector<std::string_view> names(records.size());
   for (std::size_t i = 0; i < records.size(); ++i) {
-    if (Wanted(records[i])) targets[i] = {PathOf(records[i]), records[i].inBin};
+    if (Wanted(records[i])) names[i] = records[i].inBin;
   }
   std::vector<FileProof> proofs(records.size());
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
   {
-    Verification verification(std::move(targets), proved, services_.host.events, services_.lifetime);
+    Verification verification(services_.folders.BinDir, std::move(names), proved, services_.host.events,
+                              services_.lifetime);
     for (std::size_t i = 0; i < records.size() && !ended(); ++i) {
       proofs[i] = verification.Take(i);
       frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
       if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
-      if (Wanted(records[i]) && proofs[i].digest != records[i].digest && !ended()) FetchAgain(i);
+      if (Wanted(records[i]) && !proofs[i].Has(records[i].digest) && !ended()) FetchAgain(i);
     }
   }
   if (!ended()) Remember(proofs, proved);
 }
 
 void IndexStage::FetchAgain(std::size_t i) {
+  const IndexRecord& record = index_.Records()[i];
   const auto number = static_cast<std::int32_t>(i + 1),
              count = static_cast<std::int32_t>(index_.Records().size());
-  frmMain_.lblEstado.Caption =
-      "Progreso de actualización: " + std::to_string(number) + "/" + std::to_string(count);
-  const IndexRecord& record = index_.Records()[i];
-  if (!download_.DownloadClient(number, count, record))
-    services_.recorder.Note("No se pudo descargar " + record.path);
+  if (download_.DownloadClient(number, count, record))
+    fetched_[Folded(record.inBin + kPackedEnding)] = record.digest;
+}
+
+std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {
+  const auto found = fetched_.find(Folded(base::WithSlashes(packed)));
+  return found == fetched_.end() ? std::nullopt : std::optional(found->second);
 }
 
 void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& proved) {
   for (std::size_t i = 0; i < proofs.size(); ++i) {
     const IndexRecord& record = index_.Records()[i];
     if (!Wanted(record)) continue;
-    if (proofs[i].stamp && proofs[i].digest == record.digest) {
-      proved.Remember(record.inBin, *proofs[i].stamp, proofs[i].digest);
+    if (proofs[i].stamp && proofs[i].Has(record.digest)) {
+      proved.Remember(record.inBin, *proofs[i].stamp, *proofs[i].digest);
     } else {
       proved.Forget(record.inBin);
     }

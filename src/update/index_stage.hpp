@@ -1,6 +1,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "controls/main_window.hpp"
@@ -8,6 +11,7 @@
 #include "update/digest_record.hpp"
 #include "update/download.hpp"
 #include "update/index_file.hpp"
+#include "update/modCompression.hpp"
 #include "update/verification.hpp"
 
 namespace update {
@@ -15,7 +19,8 @@ namespace update {
 // Proves the files below Bin against the published index and fetches what is damaged or missing.
 class IndexStage {
  public:
-  IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download);
+  IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
+             modCompression& compression);
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
@@ -29,17 +34,24 @@ class IndexStage {
   // nothing, once `abandoned` says so.
   void VerifyAndFetch(const std::function<bool()>& abandoned);
 
+  // The digest that the content of a packed file must have, by its path below the update folder; none for a
+  // file that this run did not fetch.
+  std::optional<std::string> DigestOf(const std::string& packed) const;
+
  private:
+  std::string Take(const std::string& packed);
   void FetchAgain(std::size_t i);
   void Remember(const std::vector<FileProof>& proofs, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;
-  std::string PathOf(const IndexRecord& record) const;
 
   const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Download& download_;
+  modCompression& compression_;
   IndexFile index_;
+  std::optional<modCompression::Complaint> complaint_;    // about the last index that came
+  std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 
 }  // namespace update

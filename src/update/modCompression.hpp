@@ -1,8 +1,10 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "startup/services.hpp"
+#include "update/packed_file.hpp"
 
 namespace update {
 
@@ -12,11 +14,26 @@ class modCompression {
  public:
   explicit modCompression(const startup::Services& services) : services_(services) {}
 
+  // What the player is to be told of a file that could not be expanded.
+  struct Complaint {
+    std::string text;
+    bool isError = false;  // one for the error recorder, or else a message box of its own
+  };
+
   // Expands `source` over `destination`, whose folders are made; events are handled meanwhile. On failure,
-  // which is shown to the player, the old destination stays and the result is false.
-  bool Descomprimir(const std::string& source, const std::string& destination);
+  // which is shown to the player, the old destination stays and the result is false. Content other than the
+  // one asked for is only logged: it is a download that failed.
+  bool Descomprimir(const std::string& source, const std::string& destination, const Expansion& how = {});
+
+  // As Descomprimir, but leaves it to the caller to tell. `done` says whether the destination was written;
+  // there is no complaint about other content or when the program ends.
+  std::optional<Complaint> Expand(const std::string& source, const std::string& destination,
+                                  const Expansion& how, bool& done);
+  void Tell(const Complaint& complaint);
 
  private:
+  Complaint ComplaintAbout(const std::string& source, const std::string& destination, int line) const;
+
   const startup::Services& services_;
 };
 

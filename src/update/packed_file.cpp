@@ -1,64 +1,54 @@
 #include "update/packed_file.hpp"
 
-#include <algorithm>
-#include <array>
+#include <functional>
+#include <optional>
 #include <span>
-#include <vector>
 
 #include "base/runtime_error.hpp"
+#include "platform/digest.hpp"
 #include "platform/files.hpp"
 #include "update/inflater.hpp"
+#include "update/packed_format.hpp"
 
 namespace update {
 namespace {
 
-constexpr std::size_t kHeaderSize = 4;
-constexpr std::size_t kPiece = 128 * 1024;
 constexpr std::uint64_t kBestRatio = 1032;  // no deflate stream expands further (zlib's technical details)
 
 [[noreturn]] void Damaged() { throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat); }
 
 std::int32_t ReadClaim(platform::InputFile& file) {
-  std::array<std::byte, kHeaderSize> header{};
+  PackedHeader header{};
   std::size_t got = 0;
   while (got < header.size()) {
     const std::size_t more = file.Read(std::span(header).subspan(got));
     if (more == 0) return 0;
     got += more;
   }
-  std::uint32_t claim = 0;
-  for (std::size_t i = 0; i < header.size(); ++i)
-    claim |= std::to_integer<std::uint32_t>(header[i]) << (8 * i);
-  return static_cast<std::int32_t>(claim);
+  return SizeIn(header);
 }
 
-// Expands at most `claim` bytes into `take`; true when the stream ended, false when the claim was reached
-// before.
-template <class Take>
-bool Expand(platform::InputFile& file, std::uint64_t claim, std::stop_token stop, Take take) {
-  std::vector<std::byte> input(kPiece), output(kPiece);
-  Inflater inflater(Inflater::Format::Zlib);
-  bool holdsOutput = false;
-  std::uint64_t left = claim;
-  while (!stop.stop_requested()) {
-    if (inflater.NeedsInput() && !holdsOutput) {
-      const std::size_t got = file.Read(input);
-      if (got == 0) Damaged();
-      inflater.Feed(std::span(input).first(got));
-    }
-    // One byte of room beyond the claim shows whether the stream goes on.
-    const std::size_t room = static_cast<std::size_t>(std::min<std::uint64_t>(left + 1, output.size()));
-    std::size_t produced = 0;
-    const auto status = inflater.Expand(std::span(output).first(room), produced);
-    if (status == Inflater::Status::Corrupt) Damaged();
-    const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(produced, left));
-    take(std::span(output).first(wanted));
-    left -= wanted;
-    if (produced > wanted) return false;
-    if (status == Inflater::Status::End) return true;
-    holdsOutput = produced == room;
-  }
-  return false;
+// Hands the content out in pieces; false when it was not the one asked for or `stop` was requested.
+bool ExpandProving(const std::string& source, std::stop_token stop, const std::string& md5,
+                   const std::function<void(std::uint64_t)>& begin,
+                   const std::function<void(std::span<const std::byte>)>& take) {
+  platform::InputFile file(source);
+  const std::int32_t claim = ReadClaim(file);
+  if (claim < 1) Damaged();
+  const std::uint64_t packed = file.Size() - kPackedHeaderSize;
+  if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
+  begin(static_cast<std::uint64_t>(claim));
+  platform::Digest digest(platform::DigestKind::Md5);
+  const Inflater::Outcome outcome = Inflater().Expand(
+      Inflater::Format::Zlib, static_cast<std::uint64_t>(claim),
+      [&](std::span<std::byte> into) { return file.Read(into); },
+      [&](std::span<const std::byte> bytes) {
+        take(bytes);
+        if (!md5.empty()) digest.Update(bytes);
+      },
+      stop);
+  if (outcome == Inflater::Outcome::Damaged) Damaged();
+  return outcome != Inflater::Outcome::Stopped && (md5.empty() || digest.Hex() == md5);
 }
 
 }  // namespace
@@ -68,17 +58,26 @@ std::int32_t ClaimedSize(const std::string& source) {
   return ReadClaim(file);
 }
 
-void ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop,
-                      platform::OutputFile::Lasting lasting) {
-  platform::InputFile file(source);
-  const std::int32_t claim = ReadClaim(file);
-  if (claim < 1) Damaged();
-  const std::uint64_t packed = file.Size() - kHeaderSize;
-  if (static_cast<std::uint64_t>(claim) > packed * kBestRatio) Damaged();
-  platform::OutputFile target(destination);
-  Expand(file, static_cast<std::uint64_t>(claim), stop,
-         [&](std::span<const std::byte> bytes) { target.Write(bytes); });
-  if (!stop.stop_requested()) target.Commit(lasting);
+bool ExpandPackedFile(const std::string& source, const std::string& destination, std::stop_token stop,
+                      const Expansion& how) {
+  std::optional<platform::OutputFile> target;
+  const auto begin = [&](std::uint64_t size) {
+    platform::RequireSpace(platform::FolderOf(destination), size);
+    target.emplace(destination);
+  };
+  const auto write = [&](std::span<const std::byte> bytes) { target->Write(bytes); };
+  if (!ExpandProving(source, stop, how.md5, begin, write)) return false;
+  target->Commit(how.lasting);
+  return true;
+}
+
+bool PackedFileHolds(const std::string& source, const std::string& md5, std::stop_token stop) {
+  try {
+    return ExpandProving(
+        source, stop, md5, [](std::uint64_t) {}, [](std::span<const std::byte>) {});
+  } catch (const base::RuntimeError&) {
+    return false;
+  }
 }
 
 }  // namespace update

@@ -13,20 +13,22 @@ std::string InstalledName(const std::string& inUpdate) {
   return base::WhyUnsafe(name).empty() ? name : std::string{};
 }
 
-void PatchInstallation::InstallOne(const std::string& inUpdate) {
+void PatchInstallation::InstallOne(const std::string& inUpdate, const DigestOf& digestOf) {
   const std::string packed = services_.folders.ResourcesUpdateDir + platform::kSeparator + inUpdate;
   if (!platform::IsFile(packed)) return;
   const std::string name = InstalledName(inUpdate);
-  if (name.empty()) {
+  const std::optional<std::string> digest = digestOf(inUpdate);
+  if (name.empty() || !digest) {
     services_.recorder.Note("Archivo rechazado: " + packed);
   } else {
-    compression_.Descomprimir(packed, services_.folders.BinDir + platform::kSeparator + name);
+    compression_.Descomprimir(packed, services_.folders.BinDir + platform::kSeparator + name,
+                              {.md5 = *digest});
     if (services_.lifetime.Ending()) return;  // not expanded for want of time: the next start does it
   }
   if (platform::IsFile(packed)) platform::RemoveFile(packed);
 }
 
-void PatchInstallation::DescomprimirArchivos() {
+void PatchInstallation::DescomprimirArchivos(const DigestOf& digestOf) {
   startup::Guarded(
       services_.recorder,
       [&](int& line) {
@@ -40,7 +42,7 @@ void PatchInstallation::DescomprimirArchivos() {
         frmMain_.ProgressBar1.Value = static_cast<double>(files.size()) / 10;
         for (std::size_t i = 1; i <= files.size() && !services_.lifetime.Ending(); ++i) {
           line = 30;
-          InstallOne(files[i - 1].path);
+          InstallOne(files[i - 1].path, digestOf);
           line = 40;
           const std::string number = std::to_string(i);
           frmMain_.lblName.Caption = "Instalando parche: " + number + ", por favor aguarde.";

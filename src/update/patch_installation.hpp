@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+#include <optional>
 #include <string>
 
 #include "controls/main_window.hpp"
@@ -20,10 +22,14 @@ class PatchInstallation {
                     modCompression& compression)
       : services_(services), frmMain_(frmMain), compression_(compression) {}
 
-  void DescomprimirArchivos();
+  // The digest (32 lower-case digits) that the content of a packed file must have, by its path below the
+  // update folder; none for one that nobody asked for, which is deleted.
+  using DigestOf = std::function<std::optional<std::string>(const std::string& packed)>;
+
+  void DescomprimirArchivos(const DigestOf& digestOf);
 
  private:
-  void InstallOne(const std::string& inUpdate);
+  void InstallOne(const std::string& inUpdate, const DigestOf& digestOf);
 
   const startup::Services& services_;
   controls::MainWindow& frmMain_;

@@ -1,8 +1,7 @@
 #include "update/repair.hpp"
 
-#include "platform/files.hpp"
 #include "startup/procedure.hpp"
-#include "update/counter_store.hpp"
+#include "update/digest_record.hpp"
 
 namespace update {
 
@@ -15,18 +14,15 @@ void Repair::cmdReiniciarUpdates_Click() {
             "¿Estás seguro que deseas reiniciar los Updates para intentar reparar el juego?\r\nEste proceso "
             "puede "
             "tardar varios minutos.",
-            platform::DialogButtons::YesNo, "¡ATENCIÓN! Lea con cuidado.");
+            platform::DialogButtons::RiskyYesNo, "¡ATENCIÓN! Lea con cuidado.");
         if (answer != platform::DialogAnswer::Yes) return;
-        line = 20;
-        frmMain_.NewsTimer.Set(false);
-        startOver_();
         line = 30;
-        platform::WriteWhole(services_.folders.BinDir + platform::NativePath("\\MD5Update.ini"), " \r\n");
+        DigestRecord(RecordFile(services_.folders)).Clear();
         for (const char* category : kCategories) {
           line += 10;
-          platform::WriteWhole(services_.folders.InitDir + "AU" + category + ".ini", "0\r\n");
+          counters_.Store(category, 0);
         }
-        frmMain_.tmrUpdates.Set(true);
+        confirmed_();
       },
       [&](const startup::Failure& failure) {
         return failure.Opening() +

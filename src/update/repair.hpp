@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "controls/main_window.hpp"
 #include "startup/services.hpp"
+#include "update/counter_store.hpp"
 
 namespace update {
 
@@ -11,15 +11,16 @@ namespace update {
 // proves all.
 class Repair {
  public:
-  Repair(const startup::Services& services, controls::MainWindow& frmMain, std::function<void()> startOver)
-      : services_(services), frmMain_(frmMain), startOver_(std::move(startOver)) {}
+  // `confirmed` is called when everything is forgotten.
+  Repair(const startup::Services& services, CounterStore& counters, std::function<void()> confirmed)
+      : services_(services), counters_(counters), confirmed_(std::move(confirmed)) {}
 
   void cmdReiniciarUpdates_Click();
 
  private:
   const startup::Services& services_;
-  controls::MainWindow& frmMain_;
-  std::function<void()> startOver_;  // tells a check that is under way
+  CounterStore& counters_;
+  std::function<void()> confirmed_;
 };
 
 }  // namespace update

@@ -1,102 +1,130 @@
 #include "update/smodUnzip.hpp"
 
-#include <random>
+#include <algorithm>
+#include <atomic>
+#include <memory>
 #include <vector>
 
+#include "base/relative_name.hpp"
 #include "base/runtime_error.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
-#include "platform/unzip.hpp"
 #include "startup/blocking.hpp"
-#include "startup/procedure.hpp"
+#include "update/counter_store.hpp"
+#include "update/patch_failure.hpp"
+#include "update/patch_journal.hpp"
+#include "update/staged_patch.hpp"
 #include "update/zip_archive.hpp"
+#include "update/zip_entry.hpp"
+#include "util/parallel.hpp"
 
 namespace update {
 namespace {
 
-[[noreturn]] void Refuse(const std::string& why) {
-  throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat, why);
-}
-
-// A folder of its own for each archive: an unpacker that outlived a killed launcher may still write into an
-// old one.
-std::string FreshStaging(const std::string& root) {
+// An archive that is not there or cannot be read is as bad as a damaged one.
+ZipArchive OpenArchive(const std::string& path) {
   try {
-    platform::RemoveTree(root);
-  } catch (const base::RuntimeError&) {  // what is left of it goes the next time
+    return ZipArchive(path);
+  } catch (const base::RuntimeError& error) {
+    throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat, error.Description());
   }
-  std::random_device random;
-  return root + platform::kSeparator + std::to_string(random());
 }
 
-void ExtractTo(const std::string& archive, const std::string& staging) {
-  platform::MakeFolders(staging);
-  const int code = platform::UnzipArchive(archive, staging);
-  if (code == platform::kUnzipProgramMissing)
-    throw base::RuntimeError(base::ErrorNumber::InterfaceNotSupported);
-  if (code != platform::kUnzipOk) Refuse("The unpacker ended with code " + std::to_string(code));
+// The part of `directory` below the game folder, with "/" behind each of its folders.
+std::string PrefixOf(const std::string& directory, const std::string& game) {
+  if (!directory.starts_with(game)) throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
+  const std::string below = base::WithSlashes(std::string_view(directory).substr(game.size()));
+  return below.empty() ? below : below + "/";
 }
 
-// Whether the archive's tree fits over what is there, asked of every name before the first file moves: a file
-// cannot take a folder's place, nor a folder a file's.
-void JudgeTargets(const std::vector<platform::FoundFile>& files, const std::string& directory) {
-  for (const platform::FoundFile& file : files) {
-    const std::string target = directory + file.path;
-    if (platform::IsFolder(target)) Refuse("\"" + file.path + "\" is a folder of the game");
-    for (std::string above = platform::FolderOf(target); above.size() > directory.size();
-         above = platform::FolderOf(above)) {
-      if (platform::IsFolder(above)) break;
-      if (platform::IsFile(above)) Refuse("\"" + above + "\" is a file of the game");
+// What the launcher keeps of its own in the game folder; no archive may bring it. Folders end in "/".
+void JudgeOwner(const std::string& name) {
+  static constexpr const char* kOwn[] = {"RECURSOS/INIT/UPDATE/", "RECURSOS/UPDATE/", "BIN/CODIGOS/",
+                                         "BIN/CLIENT.VBP", "BIN/MD5UPDATE.INI"};
+  const std::string folded = base::Upper(name);
+  const auto isOwn = [&](std::string_view own) {
+    return own.ends_with('/') ? folded.starts_with(own) : folded == own;
+  };
+  const auto isCounter = [&](std::string_view category) {
+    return folded == "RECURSOS/INIT/AU" + base::Upper(category) + ".INI";
+  };
+  if (std::any_of(std::begin(kOwn), std::end(kOwn), isOwn) ||
+      std::any_of(kCategories.begin(), kCategories.end(), isCounter))
+    RefuseEntry(name, "it is the launcher's own");
+}
+
+class Installation {
+ public:
+  Installation(const std::string& archive, const std::string& directory, const startup::Folders& folders)
+      : zip_(OpenArchive(archive)), patch_(folders.Scratch("Unzip"), folders.AppPath) {
+    const std::string prefix = PrefixOf(directory, folders.AppPath);
+    for (const ZipArchive::Entry& entry : zip_.Entries()) Announce(entry, prefix + entry.name);
+  }
+
+  // False when a stop was requested before the first move; once begun, the moves are finished.
+  bool Run(const std::stop_token& stop) {
+    const std::uint64_t needed = zip_.ExpandedSize(), free = platform::FreeSpace(patch_.Folder());
+    if (needed > free) throw DiskFullFailure(needed, free);
+    try {
+      ExpandAll(stop);
+      if (stop.stop_requested()) return false;
+      patch_.Apply();
+    } catch (const base::RuntimeError& error) {
+      if (!error.Is(base::ErrorNumber::DiskFull)) throw;
+      throw DiskFullFailure(needed - written_, platform::FreeSpace(patch_.Folder()));
     }
+    return true;
   }
-}
 
-void MoveInto(const std::vector<platform::FoundFile>& files, const std::string& staging,
-              const std::string& directory) {
-  std::string made;
-  for (const platform::FoundFile& file : files) {
-    const std::string target = directory + file.path;
-    if (std::string folder = platform::FolderOf(target); folder != made) {
-      platform::MakeFolders(folder);
-      made = std::move(folder);
-    }
-    const std::string staged = staging + platform::kSeparator + file.path;
-    platform::ReplaceFileWith(staged, target);
+ private:
+  void Announce(const ZipArchive::Entry& entry, const std::string& name) {
+    if (entry.folder) return patch_.AddFolder(name);
+    JudgeOwner(name);
+    patch_.AddFile(name);
+    files_.push_back(&entry);
   }
-}
 
-void Install(const std::string& archive, const std::string& root, const std::string& directory,
-             std::stop_token stop) {
-  ZipArchive zip(archive);
-  zip.Prove(stop);
-  if (stop.stop_requested()) return;
-  std::size_t expected = 0;
-  for (const ZipArchive::Entry& entry : zip.Entries()) expected += entry.folder ? 0 : 1;
-  const std::string staging = FreshStaging(root);
-  ExtractTo(archive, staging);
-  const std::vector<platform::FoundFile> files = platform::ListTree(staging);
-  if (files.size() != expected) Refuse("The archive holds the same name twice");
-  JudgeTargets(files, directory);
-  if (stop.stop_requested()) return;
-  platform::FlushTree(staging);
-  MoveInto(files, staging, directory);
-  for (const ZipArchive::Entry& entry : zip.Entries()) {
-    if (entry.folder) platform::MakeFolders(directory + platform::NativePath(entry.name));
+  void ExpandAll(const std::stop_token& stop) {
+    util::ForEachParallelWith(files_.size(), [&] {
+      return [this, &stop, inflater = std::make_unique<Inflater>()](std::size_t number) {
+        if (!stop.stop_requested()) ExpandOne(number, *inflater, stop);
+      };
+    });
   }
-  platform::RemoveTree(root);
-}
+
+  void ExpandOne(std::size_t number, Inflater& inflater, const std::stop_token& stop) {
+    const ZipArchive::Entry& entry = *files_[number];
+    using Kind = platform::NewFile::Kind;
+    platform::NewFile file(NewFileOf(patch_.Folder(), number), entry.program ? Kind::Program : Kind::Data);
+    const auto write = [&](std::span<const std::byte> bytes) {
+      file.Write(bytes);
+      written_ += bytes.size();
+    };
+    zip_.Expand(entry, inflater, write, stop);
+  }
+
+  const ZipArchive zip_;
+  StagedPatch patch_;
+  std::vector<const ZipArchive::Entry*> files_;
+  std::atomic<std::uint64_t> written_ = 0;
+};
 
 }  // namespace
 
-bool smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
-  const std::string root = services_.folders.Scratch("Unzip");
+Unpacked smodUnzip::Unzip(const std::string& archive, const std::string& directory) {
+  if (std::string reason = RecoverInterruptedPatch(services_); !reason.empty())
+    return {false, std::move(reason), true};
+  bool done = false;
   try {
-    startup::RunBlocking(services_, [&](std::stop_token stop) { Install(archive, root, directory, stop); });
-    return !services_.lifetime.Ending();
+    startup::RunBlocking(services_, [&](std::stop_token stop) {
+      done = Installation(archive, directory, services_.folders).Run(stop);
+    });
+    return {done};
   } catch (const base::RuntimeError& error) {
-    if (error.Is(base::ErrorNumber::InterfaceNotSupported)) throw;
-    services_.recorder.Note(platform::FileNameOf(archive) + ": " + error.Description());
-    services_.host.dialogs.Show("Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
-    return false;
+    if (!error.Is(base::ErrorNumber::InvalidFileFormat)) return {false, ReasonOf(error), true};
+    const std::string name = platform::FileNameOf(archive);
+    services_.recorder.Note(name + ": " + error.Description());
+    return {false, name + " está dañado o no es un archivo ZIP"};
   }
 }
 

@@ -6,15 +6,23 @@
 
 namespace update {
 
-// Unpacks whole archives over a folder.
+// How the unpacking of an archive ended.
+struct Unpacked {
+  bool done = false;
+  std::string reason{};     // one plain line (Spanish); empty when it is done, or when the program ends
+  bool ownFailure = false;  // not the archive is at fault but this machine (a full disk, a file in use)
+};
+
+// Unpacks whole archives over a folder of the game.
 class smodUnzip {
  public:
   explicit smodUnzip(const startup::Services& services) : services_(services) {}
 
-  // Proves the archive, unpacks it into a staging folder of the installation and moves each file over its old
-  // one, so that a reader finds old or new files, never halves. On failure, which is shown to the player,
-  // false; an archive that is not wholly good changes nothing. Raises 430 when the system has no unpacker.
-  bool Unzip(const std::string& archive, const std::string& directory);
+  // Expands the archive into a staging folder while proving it, and then moves every file over its old one,
+  // so that the game has all of them or none (see patch_journal.hpp). `directory` is the game folder or one
+  // below it. The reason is the caller's to tell. Events are handled meanwhile; no other launcher may apply a
+  // patch in this game folder.
+  Unpacked Unzip(const std::string& archive, const std::string& directory);
 
  private:
   const startup::Services& services_;

@@ -1,18 +1,26 @@
 #include "update/update_check.hpp"
 
-#include <utility>
-
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/patch_journal.hpp"
+#include "util/clsHashing.hpp"
 
 namespace update {
 namespace {
+
+using End = RunOutcome::End;
 
 constexpr std::uint32_t kPauseMs = 50;
 constexpr int kListTimeoutSeconds = 20;
 constexpr int kLastBitmap = 32'000;
 constexpr int kBitmapsPerRound = 1'000;  // between two looks at the player's events
+constexpr const char* kUnreadableList =
+    "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin.";
+
+RunOutcome Stopped(const std::string& status) { return {End::Stopped, status}; }
+// What was told to the player and logged where it happened.
+RunOutcome StoppedAndTold(const std::string& status) { return {End::Stopped, status, {}}; }
 
 }  // namespace
 
@@ -22,157 +30,198 @@ void UpdateCheck::Show(const char* status) {
   with_.services.host.events.DoEvents();
 }
 
-void UpdateCheck::tmrUpdates_Timer() {
-  Step step = Step::Stop;
-  startOver_ = false;
+RunOutcome UpdateCheck::tmrUpdates_Timer(bool hostInDoubt) {
+  RunOutcome outcome = StoppedAndTold("La actualización se detuvo por un error.");
   startup::Guarded(
-      with_.services.recorder, [&](int& line) { step = Run(line); },
+      with_.services.recorder, [&](int& line) { outcome = Run(line, hostInDoubt); },
       [&](const startup::Failure& failure) {
+        outcome.status += " " + failure.Opening() + ".";
         return failure.Opening() +
                " en el procedimiento tmrUpdates_Timer del modulo Formulario frmMain en la línea " +
                failure.Line() + " Tmp: " + working_ + "Reporta esto mediante el soporte WEB en " +
                with_.services.deployment.support;
       });
-  Finish(step);
+  RemoveScratch();
+  return outcome;
 }
 
-void UpdateCheck::Finish(Step step) {
-  if (with_.services.lifetime.Ending() || step == Step::Ended) return;
-  if (step == Step::NextTick) {
-    with_.frmMain.tmrUpdates.Set(true);
-    return;
-  }
-  confirmHost_ = true;
-  with_.frmMain.tmrUpdates.Set(false);
-  with_.enablePlay(true);
-  if (with_.services.flags.UpdatesOnly) with_.services.lifetime.End(1);
+RunOutcome UpdateCheck::Interrupted() const {
+  return {with_.services.lifetime.Ending() ? End::ProgramEnds : End::TryAgain, {}, {}};
 }
 
-UpdateCheck::Step UpdateCheck::Run(int& line) {
+RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   line = 10;
   working_.clear();
   Show("Buscando actualizaciones...");
   line = 20;
   with_.instance.Release();
-  if (const Step step = IndexLoop(line); step != Step::GoOn) return step;
-  if (with_.services.lifetime.Ending()) return Step::Ended;
-  Complete(line);
-  return with_.services.lifetime.Ending() ? Step::Ended : Step::Stop;
+  if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
+    return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
+  }
+  if (const Ended ended = IndexLoop(line, hostInDoubt)) return *ended;
+  return Complete(line);
 }
 
 // The patches, then the index; a failed index starts again with the patches as long as the player wants it.
-UpdateCheck::Step UpdateCheck::IndexLoop(int& line) {
+UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
   for (;;) {
-    if (const Step step = PatchStage(line); step != Step::GoOn) return step;
+    if (const Ended ended = PatchStage(line, hostInDoubt)) return ended;
     with_.download.remoteFolder = "NewAct2/";
     if (with_.services.flags.UpdatesOnly) {
       with_.services.lifetime.End(0);
-      return Step::Ended;
+      return Interrupted();
     }
     line = 110;
     working_ = "Info.kvn";
     const bool fetched = with_.index.Fetch();
-    if (with_.services.lifetime.Ending()) return Step::Ended;
-    if (startOver_) return Step::NextTick;
+    if (!with_.mode.MayGoOn()) return Interrupted();
     if (fetched) break;
     const auto answer = with_.services.host.dialogs.Show(
         "No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?",
         platform::DialogButtons::YesNo);
+    if (!with_.mode.MayGoOn()) return Interrupted();
     if (answer != platform::DialogAnswer::Yes) break;
-    confirmHost_ = true;
+    hostInDoubt = true;
   }
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  with_.index.VerifyAndFetch([&] { return startOver_; });
-  return startOver_ ? Step::NextTick : Step::GoOn;
+  with_.index.VerifyAndFetch([this] { return !with_.mode.MayGoOn(); });
+  if (!with_.mode.MayGoOn()) return Interrupted();
+  return std::nullopt;
 }
 
-UpdateCheck::Step UpdateCheck::PatchStage(int& line) {
+UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   line = 30;
   with_.frmMain.lblEstado.Caption = "Buscando host...";
-  const bool timedOut = std::exchange(with_.state.RetryPending, false);
-  if (std::exchange(confirmHost_, false) || timedOut) with_.selection.ComenzarActualizacion();
-  if (with_.services.lifetime.Ending()) return Step::Ended;
+  const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
+  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!confirmed) return Stopped("Ningún servidor de actualizaciones responde.");
   with_.download.remoteFolder = "OldAct/";
-  if (with_.inet.StillExecuting()) return Step::NextTick;
+  if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
   line = 40;
   with_.inet.SetRequestTimeout(kListTimeoutSeconds);
-  working_ = with_.hosts.WebBaseURL + "OldAct/" + "Update.ini";
-  const std::string text = with_.inet.OpenURL(working_);
-  if (with_.services.lifetime.Ending()) return Step::Ended;
-  if (text.empty()) return Step::Stop;
-  line = 50;
-  const UpdateList list(with_.services.host.profiles,
-                        with_.services.folders.AppPath + platform::NativePath("\\Update.ini"), text);
-  Show("Buscando actualizaciones...");
-  line = 60;
   PatchCounts remote{}, local{};
-  for (std::size_t i = 0; i < kCategories.size(); ++i) {
-    working_ = kCategories[i];
-    const auto newest = list.Newest(kCategories[i]);
-    if (!newest) {
-      with_.frmMain.lblEstado.Caption =
-          "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin.";
-      return Step::Stop;
-    }
-    remote[i] = *newest;
-    local[i] = with_.counters.Read(kCategories[i]);
-  }
+  if (const Ended ended = FetchList(remote, local, line)) return ended;
   line = 70;
   return ApplyPatches(remote, local);
 }
 
-UpdateCheck::Step UpdateCheck::ApplyPatches(const PatchCounts& remote, const PatchCounts& local) {
+UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& local, int& line) {
+  listError_ = nullptr;
+  const MirrorRound::Result result =
+      with_.mirrors.Fetch("Update.ini", [&] { return AttemptList(remote, local, line); });
+  switch (result.end) {
+    case MirrorRound::End::Good:
+      return std::nullopt;
+    case MirrorRound::End::Interrupted:
+      return Interrupted();
+    case MirrorRound::End::Failed:
+      break;
+  }
+  if (listError_) std::rethrow_exception(listError_);
+  if (result.last.kind == Attempt::Kind::BadContent) return StoppedAndTold(kUnreadableList);
+  return StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + ".");
+}
+
+// A list that cannot be read is as bad as one that did not come.
+Attempt UpdateCheck::AttemptList(PatchCounts& remote, PatchCounts& local, int& line) {
+  line = 40;
+  working_ = with_.hosts.WebBaseURL + "OldAct/" + "Update.ini";
+  const web::TextAnswer answer = with_.inet.OpenURL(working_);
+  const web::TransferReport& report = answer.report;
+  if (answer.text.empty()) {
+    const bool empty = report.Arrived();
+    return {Attempt::Kind::NotArrived, empty ? "la respuesta está vacía" : report.Reason(),
+            empty ? "la respuesta está vacía" : report.Details()};
+  }
+  const auto bad = [&](const std::string& why) {
+    return Attempt{Attempt::Kind::BadContent, why, why, false, util::clsHashing().MD5String(answer.text)};
+  };
+  line = 50;
+  const UpdateList list(with_.services.host.profiles,
+                        with_.services.folders.AppPath + platform::NativePath("\\Update.ini"), answer.text);
+  Show("Buscando actualizaciones...");
+  line = 60;
+  listError_ = nullptr;
+  try {
+    for (std::size_t i = 0; i < kCategories.size(); ++i) {
+      working_ = kCategories[i];
+      const auto newest = list.Newest(kCategories[i]);
+      if (!newest) return bad(working_ + " no es un número");
+      remote[i] = *newest;
+      local[i] = with_.counters.Read(kCategories[i]);
+    }
+  } catch (const base::RuntimeError& error) {
+    listError_ = std::current_exception();
+    return bad(working_ + ": " + error.Description());
+  }
+  return {};
+}
+
+UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const PatchCounts& local) {
   for (std::size_t i = 0; i < kCategories.size(); ++i) {
     if (local[i] >= remote[i]) {
       // A counter ahead of the server is pulled back to it.
-      if (!with_.counters.Write(kCategories[i], remote[i])) return Step::Stop;
+      if (const Ended ended = Record(i, remote[i])) return ended;
       continue;
     }
     for (int number = local[i] + 1; number <= remote[i]; ++number) {
-      if (const Step step = ApplyPatch(i, number); step != Step::GoOn) return step;
+      if (const Ended ended = ApplyPatch(i, number)) return ended;
     }
   }
-  return with_.services.lifetime.Ending() ? Step::Ended : Step::GoOn;
+  return std::nullopt;
 }
 
-UpdateCheck::Step UpdateCheck::ApplyPatch(std::size_t category, int number) {
+UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
   const std::string name = kCategories[category];
   working_ = name + "/" + name + std::to_string(number) + ".zip";
-  switch (with_.download.DescargarArchivo(working_, true)) {
+  const Fetched fetched = with_.download.DescargarArchivo(working_, true);
+  if (!with_.mode.MayGoOn()) return Interrupted();
+  switch (fetched.result) {
     case DownloadResult::Done:
-      break;
+      return Record(category, number);
     case DownloadResult::TryAgain:
-      return Step::NextTick;
+      return RunOutcome{End::TryAgain, {}, {}};
+    case DownloadResult::Stopped:
+      return Stopped("No se pudo instalar " + working_ + ": " + fetched.reason + ".");
     case DownloadResult::Cancelled:
-      return Step::Ended;
-    case DownloadResult::GivenUp:
-    case DownloadResult::UnpackFailed:
-    case DownloadResult::Failed:
-      return Step::Stop;
+      break;
   }
-  if (startOver_) return Step::NextTick;
-  return with_.counters.Write(name, static_cast<std::int16_t>(number)) ? Step::GoOn : Step::Stop;
+  return Interrupted();
 }
 
-void UpdateCheck::Complete(int& line) {
+UpdateCheck::Ended UpdateCheck::Record(std::size_t category, int number) {
+  if (with_.counters.Write(kCategories[category], static_cast<std::int16_t>(number))) return std::nullopt;
+  return StoppedAndTold("No se pudo anotar lo instalado.");
+}
+
+RunOutcome UpdateCheck::Complete(int& line) {
   line = 140;
-  with_.installation.DescomprimirArchivos();
+  with_.installation.DescomprimirArchivos(
+      [this](const std::string& packed) { return with_.index.DigestOf(packed); });
   line = 150;
   RemoveLooseBitmaps();
-  if (with_.services.lifetime.Ending()) return;
+  if (!with_.mode.MayGoOn()) return Interrupted();
   line = 160;
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
+  return {End::GameStarted, {}, {}};
 }
 
 // Old clients left their graphics as numbered bitmaps; the first one tells whether there are any.
 void UpdateCheck::RemoveLooseBitmaps() {
-  if (!platform::IsFile(with_.services.folders.GraphicsDir + "1.bmp")) return;
+  const std::string& folder = with_.services.folders.GraphicsDir;
+  if (!platform::IsFile(folder + "1.bmp")) return;
   for (int i = 0; i <= kLastBitmap && !with_.services.lifetime.Ending(); ++i) {
-    platform::TryRemoveFile(with_.services.folders.GraphicsDir + std::to_string(i) + ".bmp");
+    platform::TryRemoveFile(folder + std::to_string(i) + ".bmp");
     if (i % kBitmapsPerRound == 0) with_.services.host.events.DoEvents();
   }
+}
+
+// The copy of the last archive, and the folders that packed files came in.
+void UpdateCheck::RemoveScratch() {
+  platform::TryRemoveFile(with_.services.folders.Scratch("tmp.tmp"));
+  platform::RemoveEmptyFolders(with_.services.folders.ResourcesUpdateDir);
 }
 
 }  // namespace update

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <functional>
+#include <exception>
+#include <optional>
 #include <string>
 
 #include "controls/main_window.hpp"
@@ -11,60 +12,59 @@
 #include "update/game_launch.hpp"
 #include "update/index_stage.hpp"
 #include "update/patch_installation.hpp"
+#include "update/run_mode.hpp"
 #include "update/update_list.hpp"
 #include "web/Inet1.hpp"
 #include "web/host_selection.hpp"
 
 namespace update {
 
-// The body of the timer tmrUpdates: patches, then the index, then the game.
+// One run of the update: patches, then the index, then the game.
 class UpdateCheck {
  public:
   struct Collaborators {
     const startup::Services& services;
+    const RunMode& mode;
     startup::InstanceLock& instance;
     controls::MainWindow& frmMain;
     web::DownloadState& state;
     const web::Hosts& hosts;
     web::Inet1& inet;
     modGeneral::HostSelection& selection;
+    MirrorRound& mirrors;
     CounterStore& counters;
     Download& download;
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
-    std::function<void(bool)> enablePlay;
   };
 
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
 
-  void tmrUpdates_Timer();
-
-  // What was installed and proved counts no longer (a repair): a run that is under way ends and starts over.
-  void StartOver() { startOver_ = true; }
+  // What the timer tmrUpdates does. `hostInDoubt`: the mirror is confirmed before anything is asked of it.
+  // Leaves nothing behind but what was installed, however it ends.
+  RunOutcome tmrUpdates_Timer(bool hostInDoubt);
 
  private:
-  enum class Step {
-    GoOn,
-    NextTick,  // the run ends; the timer's next tick tries again
-    Stop,      // the run ends with the timer off; the player may press play again
-    Ended,     // the program is ending
-  };
+  using Ended = std::optional<RunOutcome>;  // none: go on
 
-  Step Run(int& line);
-  Step PatchStage(int& line);
-  Step ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
-  Step ApplyPatch(std::size_t category, int number);
-  Step IndexLoop(int& line);
-  void Complete(int& line);
+  RunOutcome Run(int& line, bool hostInDoubt);
+  Ended IndexLoop(int& line, bool hostInDoubt);
+  Ended PatchStage(int& line, bool hostInDoubt);
+  Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
+  Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
+  Ended ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
+  Ended ApplyPatch(std::size_t category, int number);
+  Ended Record(std::size_t category, int number);
+  RunOutcome Complete(int& line);
+  RunOutcome Interrupted() const;
   void RemoveLooseBitmaps();
+  void RemoveScratch();
   void Show(const char* status);
-  void Finish(Step step);
 
   Collaborators with_;
-  bool startOver_ = false;
-  bool confirmHost_ = false;  // the last run failed, so the mirror may be gone
-  std::string working_;       // what the run is at, for the error report
+  std::string working_;           // what the run is at, for the error report
+  std::exception_ptr listError_;  // what the last list raised when it was read
 };
 
 }  // namespace update

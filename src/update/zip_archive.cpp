@@ -1,216 +1,178 @@
 #include "update/zip_archive.hpp"
 
 #include <algorithm>
-#include <cstring>
-#include <span>
 
-#include "base/relative_name.hpp"
 #include "base/runtime_error.hpp"
-#include "platform/encoding.hpp"
-#include "update/inflater.hpp"
+#include "base/text.hpp"
+#include "update/zip_entry.hpp"
 
 namespace update {
 namespace {
 
 constexpr std::uint32_t kEndSignature = 0x06054b50;
-constexpr std::uint32_t kCentralSignature = 0x02014b50;
-constexpr std::uint32_t kLocalSignature = 0x04034b50;
-constexpr std::size_t kEndSize = 22, kCentralSize = 46, kLocalSize = 30;
-constexpr std::size_t kLongestComment = 0xFFFF;
+constexpr std::size_t kEndSize = 22, kLongestComment = 0xFFFF;
 constexpr std::uint64_t kLargestDirectory = 64u << 20;
-constexpr std::uint16_t kEncryptedFlag = 1, kUtf8Flag = 1 << 11;
-constexpr std::uint16_t kUnicodePathField = 0x7075;
+constexpr std::uint64_t kMostExpanded = std::uint64_t{64} << 30;
 constexpr std::size_t kPiece = 128 * 1024;
 
-[[noreturn]] void Refuse(const std::string& why) {
-  throw base::RuntimeError(base::ErrorNumber::InvalidFileFormat, why);
-}
-
-std::uint16_t Word(const std::byte* at) {
-  return static_cast<std::uint16_t>(std::to_integer<unsigned>(at[0]) | std::to_integer<unsigned>(at[1]) << 8);
-}
-
-std::uint32_t DoubleWord(const std::byte* at) {
-  return static_cast<std::uint32_t>(Word(at)) | static_cast<std::uint32_t>(Word(at + 2)) << 16;
-}
-
-std::string Text(const std::byte* at, std::size_t length) {
-  return std::string(reinterpret_cast<const char*>(at), length);
-}
-
-void ReadExactly(platform::InputFile& file, std::uint64_t offset, std::span<std::byte> into) {
-  file.Seek(offset);
-  for (std::size_t done = 0; done < into.size();) {
-    const std::size_t got = file.Read(into.subspan(done));
-    if (got == 0) Refuse("The archive is cut short");
-    done += got;
-  }
-}
-
-struct Directory {
-  std::uint64_t offset = 0, size = 0;
+struct EndRecord {
+  std::uint64_t offset = 0, size = 0;  // of the directory
   std::size_t count = 0;
 };
 
-// The end record is searched backwards, since a comment of any length may follow it.
-Directory FindDirectory(platform::InputFile& file) {
-  const std::uint64_t fileSize = file.Size();
-  if (fileSize < kEndSize) Refuse("It is no ZIP archive");
-  std::vector<std::byte> tail(
-      static_cast<std::size_t>(std::min<std::uint64_t>(fileSize, kEndSize + kLongestComment)));
-  ReadExactly(file, fileSize - tail.size(), tail);
+// Only the last end record counts whose comment reaches just to the end of the file.
+std::size_t FindEnd(const std::vector<std::byte>& tail) {
   for (std::size_t at = tail.size() - kEndSize + 1; at-- > 0;) {
     const std::byte* record = tail.data() + at;
-    if (DoubleWord(record) != kEndSignature || at + kEndSize + Word(record + 20) != tail.size()) continue;
-    if (Word(record + 4) != 0 || Word(record + 6) != 0 || Word(record + 8) != Word(record + 10)) {
-      Refuse("The archive spans several disks");
-    }
-    const Directory directory{DoubleWord(record + 16), DoubleWord(record + 12), Word(record + 10)};
-    if (directory.offset == 0xFFFFFFFF || directory.count == 0xFFFF)
-      Refuse("ZIP64 archives are not supported");
-    if (directory.offset + directory.size > fileSize - tail.size() + at) Refuse("The archive is cut short");
-    if (directory.size > kLargestDirectory) Refuse("The archive's directory is too large");
-    return directory;
+    if (DoubleWord(record) == kEndSignature && at + kEndSize + Word(record + 20) == tail.size()) return at;
   }
-  Refuse("It is no ZIP archive");
+  RefuseArchive("It is no ZIP archive");
 }
 
-bool IsLink(const std::byte* central) {
-  constexpr unsigned kMadeOnUnix = 3, kKindMask = 0170000, kLinkKind = 0120000;
-  return std::to_integer<unsigned>(central[5]) == kMadeOnUnix &&
-         (Word(central + 40) & kKindMask) == kLinkKind;
-}
-
-void JudgeName(const std::string& name) {
-  if (name.starts_with('/') || name.starts_with('\\')) Refuse("Entry \"" + name + "\": the name is absolute");
-  if (const std::string why = base::WhyUnsafe(name); !why.empty()) Refuse("Entry \"" + name + "\": " + why);
-}
-
-// An unpacker may prefer the name of this extra field, so that one is judged too.
-void JudgeExtraFields(std::span<const std::byte> extra) {
-  constexpr std::size_t kHeader = 4, kBeforeName = 5;
-  while (extra.size() >= kHeader) {
-    const std::size_t length = Word(extra.data() + 2);
-    if (length > extra.size() - kHeader) return;  // unpackers stop reading such a block here too
-    const auto body = extra.subspan(kHeader, length);
-    if (Word(extra.data()) == kUnicodePathField && length > kBeforeName) {
-      JudgeName(Text(body.data() + kBeforeName, length - kBeforeName));
-    }
-    extra = extra.subspan(kHeader + length);
-  }
+EndRecord JudgedEnd(const std::byte* record, std::uint64_t recordOffset) {
+  if (Word(record + 4) != 0 || Word(record + 6) != 0 || Word(record + 8) != Word(record + 10))
+    RefuseArchive("The archive spans several disks");
+  const EndRecord end{DoubleWord(record + 16), DoubleWord(record + 12), Word(record + 10)};
+  if (end.offset == 0xFFFFFFFF || end.count == 0xFFFF) RefuseArchive("ZIP64 archives are not supported");
+  if (end.offset + end.size > recordOffset) RefuseArchive("The archive is cut short");
+  if (end.size > kLargestDirectory) RefuseArchive("The archive's directory is too large");
+  return end;
 }
 
 }  // namespace
 
 ZipArchive::ZipArchive(const std::string& path) : file_(path) {
   ReadDirectory();
-  JudgeOverlaps();
+  JudgeTree();
+}
+
+void ZipArchive::ReadExactly(std::uint64_t offset, std::span<std::byte> into) const {
+  while (!into.empty()) {
+    const std::size_t got = file_.ReadAt(offset, into);
+    if (got == 0) RefuseArchive("The archive is cut short");
+    offset += got;
+    into = into.subspan(got);
+  }
 }
 
 void ZipArchive::ReadDirectory() {
-  const Directory directory = FindDirectory(file_);
-  std::vector<std::byte> bytes(static_cast<std::size_t>(directory.size));
-  ReadExactly(file_, directory.offset, bytes);
-  std::size_t at = 0;
-  for (std::size_t i = 0; i < directory.count; ++i) {
-    const std::byte* record = bytes.data() + at;
-    if (bytes.size() - at < kCentralSize || DoubleWord(record) != kCentralSignature)
-      Refuse("The directory is damaged");
-    const std::size_t nameLength = Word(record + 28), extraLength = Word(record + 30);
-    const std::size_t length = kCentralSize + nameLength + extraLength + Word(record + 32);
-    if (bytes.size() - at < length) Refuse("The directory is damaged");
-    at += length;
+  const std::uint64_t fileSize = file_.Size();
+  if (fileSize < kEndSize) RefuseArchive("It is no ZIP archive");
+  std::vector<std::byte> tail(
+      static_cast<std::size_t>(std::min<std::uint64_t>(fileSize, kEndSize + kLongestComment)));
+  ReadExactly(fileSize - tail.size(), tail);
+  const std::size_t at = FindEnd(tail);
+  const EndRecord end = JudgedEnd(tail.data() + at, fileSize - tail.size() + at);
 
-    std::string raw = Text(record + kCentralSize, nameLength);
-    const std::string name = (Word(record + 8) & kUtf8Flag) ? raw : platform::FromAnsi(raw);
-    JudgeName(name);
-    JudgeExtraFields(std::span(record + kCentralSize + nameLength, extraLength));
-    Entry entry{base::WithSlashes(name), raw.ends_with('/') || raw.ends_with('\\'),
-                DoubleWord(record + 24), DoubleWord(record + 20),
-                DoubleWord(record + 16), Word(record + 10),
-                DoubleWord(record + 42)};
-    if (Word(record + 8) & kEncryptedFlag) Refuse("Entry \"" + name + "\" is encrypted");
-    if (entry.method != 0 && entry.method != 8)
-      Refuse("Entry \"" + name + "\" is packed by an unknown method");
-    if (IsLink(record)) Refuse("Entry \"" + name + "\" is a link");
-    if (entry.size == 0xFFFFFFFF || entry.packedSize == 0xFFFFFFFF)
-      Refuse("ZIP64 archives are not supported");
-    if (entry.offset + kLocalSize + nameLength + entry.packedSize > directory.offset)
-      Refuse("The archive is cut short");
-    entries_.push_back(std::move(entry));
-    rawNames_.push_back(std::move(raw));
+  std::vector<std::byte> bytes(static_cast<std::size_t>(end.size));
+  ReadExactly(end.offset, bytes);
+  std::span<const std::byte> rest = bytes;
+  entries_.reserve(end.count);
+  for (std::size_t i = 0; i < end.count; ++i) {
+    std::size_t length = 0;
+    entries_.push_back(ParseEntry(rest, length));
+    expandedSize_ += entries_.back().size;
+    rest = rest.subspan(length);
   }
+  if (!rest.empty()) RefuseArchive("The directory is damaged");
+  if (expandedSize_ > kMostExpanded) RefuseArchive("The archive expands beyond every measure");
+  JudgeOverlaps(end.offset);
 }
 
 // Entries that share bytes are how a small archive expands without bound.
-void ZipArchive::JudgeOverlaps() const {
-  std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges;
-  for (const Entry& entry : entries_)
-    ranges.emplace_back(entry.offset, entry.offset + kLocalSize + entry.packedSize);
-  std::sort(ranges.begin(), ranges.end());
-  for (std::size_t i = 1; i < ranges.size(); ++i) {
-    if (ranges[i].first < ranges[i - 1].second) Refuse("Entries of the archive overlap");
+void ZipArchive::JudgeOverlaps(std::uint64_t directoryOffset) {
+  std::vector<Entry*> ordered;
+  for (Entry& entry : entries_) ordered.push_back(&entry);
+  std::sort(ordered.begin(), ordered.end(),
+            [](const Entry* a, const Entry* b) { return a->offset < b->offset; });
+  for (std::size_t i = 0; i < ordered.size(); ++i) {
+    Entry& entry = *ordered[i];
+    const bool last = i + 1 == ordered.size();
+    entry.end = last ? directoryOffset : ordered[i + 1]->offset;
+    if (entry.offset + kLocalSize + entry.rawName.size() + entry.packedSize <= entry.end) continue;
+    RefuseArchive(last ? "The archive is cut short" : "Entries of the archive overlap");
   }
 }
 
-void ZipArchive::Prove(std::stop_token stop) {
-  std::vector<std::byte> input(kPiece), output(kPiece);
-  for (std::size_t i = 0; i < entries_.size() && !stop.stop_requested(); ++i)
-    ProveEntry(entries_[i], input, output);
+// With "/" below every other character, what lies in a folder follows right behind the folder's own name.
+void ZipArchive::JudgeTree() const {
+  std::vector<std::pair<std::string, const Entry*>> paths;
+  for (const Entry& entry : entries_) {
+    paths.emplace_back(base::UpperLatin(entry.name), &entry);
+    std::replace(paths.back().first.begin(), paths.back().first.end(), '/', '\0');
+  }
+  std::sort(paths.begin(), paths.end());
+  for (std::size_t i = 1; i < paths.size(); ++i) {
+    const auto& [before, earlier] = paths[i - 1];
+    const auto& [path, entry] = paths[i];
+    if (path == before && !(entry->folder && earlier->folder))
+      RefuseEntry(entry->name, "the archive holds it twice");
+    if (!earlier->folder && path.starts_with(before + '\0'))
+      RefuseEntry(earlier->name, "it is a file and a folder");
+  }
 }
 
-std::uint64_t ZipArchive::DataOffset(const Entry& entry) {
-  const std::string& raw = rawNames_[static_cast<std::size_t>(&entry - entries_.data())];
-  std::vector<std::byte> header(kLocalSize + raw.size());
-  ReadExactly(file_, entry.offset, header);
-  const bool same = DoubleWord(header.data()) == kLocalSignature && Word(header.data() + 26) == raw.size() &&
-                    Word(header.data() + 8) == entry.method &&
-                    Text(header.data() + kLocalSize, raw.size()) == raw;
-  if (!same) Refuse("Entry \"" + entry.name + "\": its header differs from the directory");
-  std::vector<std::byte> extra(Word(header.data() + 28));
-  ReadExactly(file_, entry.offset + header.size(), extra);
-  JudgeExtraFields(extra);
-  return entry.offset + header.size() + extra.size();
-}
-
-void ZipArchive::ProveEntry(const Entry& entry, std::vector<std::byte>& input,
-                            std::vector<std::byte>& output) {
-  const auto damaged = [&] { Refuse("Entry \"" + entry.name + "\" is damaged"); };
-  file_.Seek(DataOffset(entry));
-  uLong crc = crc32(0, nullptr, 0);
-  std::uint64_t left = entry.packedSize, total = 0;
-  const auto take = [&](std::span<const std::byte> bytes) {
-    total += bytes.size();
-    if (total > entry.size) damaged();
-    crc = crc32(crc, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
+std::uint64_t ZipArchive::DataOffset(const Entry& entry) const {
+  std::vector<std::byte> header(kLocalSize + entry.rawName.size());
+  ReadExactly(entry.offset, header);
+  const std::byte* local = header.data();
+  const bool sizesBehind = (entry.flags & kSizesBehindData) != 0;
+  const auto sameNumber = [&](std::size_t at, std::uint64_t number) {
+    const std::uint32_t told = DoubleWord(local + at);
+    return told == number || (sizesBehind && told == 0);
   };
-  Inflater inflater(Inflater::Format::Raw);
-  bool ended = entry.method == 0;
-  bool holdsOutput = false;  // the last piece of output was full, so there may be more without further input
-  while (left > 0 || !ended) {
-    if (inflater.NeedsInput() && !holdsOutput) {
-      if (left == 0) damaged();
-      const std::size_t wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, input.size()));
-      const std::size_t got = file_.Read(std::span(input).first(wanted));
-      if (got == 0) damaged();
-      left -= got;
-      if (entry.method == 0) {
-        take(std::span(input).first(got));
-        continue;
-      }
-      if (ended) damaged();
-      inflater.Feed(std::span(input).first(got));
+  const std::string_view name(reinterpret_cast<const char*>(local + kLocalSize), entry.rawName.size());
+  const bool same = DoubleWord(local) == kLocalSignature && Word(local + 6) == entry.flags &&
+                    Word(local + 8) == entry.method && sameNumber(14, entry.crc) &&
+                    sameNumber(18, entry.packedSize) && sameNumber(22, entry.size) &&
+                    Word(local + 26) == entry.rawName.size() && name == entry.rawName;
+  if (!same) RefuseEntry(entry.name, "its header differs from the directory");
+  const std::uint64_t data = entry.offset + header.size() + Word(local + 28);
+  if (data + entry.packedSize > entry.end) RefuseArchive("Entries of the archive overlap");
+  return data;
+}
+
+bool ZipArchive::Expand(const Entry& entry, Inflater& inflater, const Inflater::Take& take,
+                        const std::stop_token& stop) const {
+  std::uint64_t at = DataOffset(entry), left = entry.packedSize, total = 0;
+  uLong crc = crc32(0, nullptr, 0);
+  const auto read = [&](std::span<std::byte> into) {
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, into.size()));
+    const std::size_t got = wanted == 0 ? 0 : file_.ReadAt(at, into.first(wanted));
+    at += got;
+    left -= got;
+    return got;
+  };
+  const auto prove = [&](std::span<const std::byte> bytes) {
+    total += bytes.size();
+    crc = crc32(crc, reinterpret_cast<const Bytef*>(bytes.data()), static_cast<uInt>(bytes.size()));
+    take(bytes);
+  };
+  bool good = true;
+  if (entry.method == kDeflated) {
+    using Outcome = Inflater::Outcome;
+    const Outcome outcome = inflater.Expand(Inflater::Format::Raw, entry.size, read, prove, stop);
+    good = (outcome == Outcome::Whole && inflater.Unused() == 0) || outcome == Outcome::Stopped;
+  } else {
+    std::vector<std::byte> piece(static_cast<std::size_t>(std::min<std::uint64_t>(entry.size, kPiece)));
+    while (!stop.stop_requested()) {
+      const std::size_t got = read(piece);
+      if (got == 0) break;
+      prove(std::span(piece).first(got));
     }
-    std::size_t produced = 0;
-    const auto status = inflater.Expand(output, produced);
-    if (status == Inflater::Status::Corrupt) damaged();
-    take(std::span(output).first(produced));
-    holdsOutput = produced == output.size();
-    if (status != Inflater::Status::End) continue;
-    ended = true;
-    if (left > 0 || !inflater.NeedsInput()) damaged();
   }
-  if (total != entry.size || crc != entry.crc) damaged();
+  if (good && stop.stop_requested()) return false;
+  if (!good || left > 0 || total != entry.size || crc != entry.crc) RefuseEntry(entry.name, "it is damaged");
+  return true;
+}
+
+void ZipArchive::Prove(const std::stop_token& stop) const {
+  Inflater inflater;
+  for (const Entry& entry : entries_) {
+    if (!Expand(
+            entry, inflater, [](std::span<const std::byte>) {}, stop))
+      return;
+  }
 }
 
 }  // namespace update

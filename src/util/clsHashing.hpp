@@ -16,7 +16,8 @@ class clsHashing {
   // `stop` is requested before the end.
   std::string MD5File(const std::string& File, std::stop_token stop = {}) const;
 
-  // Of the text, one byte per character of the narrow character set.
+  // Of the text, one byte per character of the narrow character set. The class has always offered it; nothing
+  // calls it today.
   std::string SHA1(std::string_view text) const;
 };
 

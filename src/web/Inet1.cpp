@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "base/text.hpp"
-#include "web/text_fetch.hpp"
 
 namespace web {
 namespace {
@@ -109,7 +108,7 @@ Inet1::Inet1(const startup::Services& services) : services_(services) {}
 
 Inet1::~Inet1() { Cancel(); }
 
-std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
+TextAnswer Inet1::OpenURL(const std::string& url, const TextOptions& options) {
   if (StillExecuting()) return {};
   const auto transfer = std::make_shared<Transfer>(services_.lifetime.Token());
   transfer->events = &services_.host.events;
@@ -119,9 +118,9 @@ std::string Inet1::OpenURL(const std::string& url, const TextOptions& options) {
       requestTimeoutSeconds_ > 0 ? static_cast<std::uint32_t>(requestTimeoutSeconds_) * 1000 : kTextLimitMs;
   if (options.wholeLimitMs != 0) request.wholeLimitMs = options.wholeLimitMs;
   TextAnswer answer = FetchText(services_, std::move(request), options.cache, transfer->stop.get_token());
-  transfer->Finish(answer.outcome);
-  if (transfer_ == transfer) head_ = std::move(answer.head);
-  return std::move(answer.text);
+  transfer->Finish(answer.report.outcome);
+  if (transfer_ == transfer) head_ = answer.head;
+  return answer;
 }
 
 void Inet1::Execute(const std::string& url) {

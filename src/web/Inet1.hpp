@@ -7,6 +7,7 @@
 
 #include "controls/control.hpp"
 #include "startup/services.hpp"
+#include "web/text_fetch.hpp"
 #include "web/text_options.hpp"
 
 namespace web {
@@ -20,9 +21,9 @@ class Inet1 {
   explicit Inet1(const startup::Services& services);
   ~Inet1();
 
-  // Fetches a URL and returns the body as text (UTF-8; at most 16 MiB) whatever the status; empty on failure
-  // or when a request is still executing. Events are handled meanwhile.
-  std::string OpenURL(const std::string& url, const TextOptions& options = {});
+  // Fetches a URL as text (at most 16 MiB) whatever the status; fails when a request is still executing.
+  // Events are handled meanwhile.
+  TextAnswer OpenURL(const std::string& url, const TextOptions& options = {});
 
   // Starts a request whose answer is read with GetChunk; nothing happens when one is still executing.
   // StateChanged follows from a timer of the event loop: kStateResponseCompleted when the head of the answer

@@ -44,7 +44,7 @@ std::string HostSelection::ClientAddressQuery() {
     std::string body;
     bool first = true;
     while (attempts.Next()) {
-      body = first ? transfers_.GetHttpText(url) : inet_.OpenURL(url);
+      body = (first ? transfers_.GetHttpText(url) : inet_.OpenURL(url)).text;
       first = false;
       if (web::IsDottedAddress(base::Field(body, 2, '-'))) break;
     }

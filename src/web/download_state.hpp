@@ -14,7 +14,8 @@ struct DownloadState {
   std::uint32_t WatchdogStart = 0;  // SystemUptime of the last sign of life
   bool CancelRequested = false;     // the player leaves the launcher
   bool TimedOut = false;
-  bool RetryPending = false;  // to be tried again on the next update tick
+  bool RetryPending =
+      false;  // to be tried again on the next update tick; what a run returns decides that today
 };
 
 // The mirror bases in use; each ends in "/" or is empty before one was chosen.

@@ -14,6 +14,8 @@ namespace keys = startup::keys;
 
 constexpr std::uint32_t kPauseMs = 100;
 constexpr std::uint32_t kPauseSlices = 10;  // the window handles its events after each
+constexpr std::uint32_t kShortestPauseMs = 1'000, kLongestPauseMs = 30'000;
+constexpr std::uint32_t kPauseSliceMs = 50;
 constexpr const char* kProbeFile = "Online.txt";
 
 // A page with status 200 in place of the digit gives itself away by these words.
@@ -42,8 +44,15 @@ HostSelection::HostSelection(const startup::Services& services, controls::MainWi
       probeLimitsMs_(probeLimitsMs) {}
 
 void HostSelection::RestoreHosts() {
-  hosts_.CurrentUpdateURL = services_.host.settings.Get(keys::kApplication, keys::kLastUrl, keys::kUrl);
-  hosts_.WebBaseURL = services_.host.settings.Get(keys::kApplication, keys::kUrlWeb, keys::kUrl);
+  hosts_.CurrentUpdateURL = Stored(keys::kLastUrl);
+  hosts_.WebBaseURL = Stored(keys::kUrlWeb);
+}
+
+// Only hosts that the deployment names are used; an address that it no longer holds is forgotten.
+std::string HostSelection::Stored(const char* section) const {
+  std::string url = services_.host.settings.Get(keys::kApplication, section, keys::kUrl);
+  const auto& ring = services_.deployment.mirrors;
+  return std::find(ring.begin(), ring.end(), url) == ring.end() ? std::string{} : url;
 }
 
 // An operator may list one address twice; the walk goes on from the place it has reached, not from the first
@@ -87,18 +96,70 @@ bool HostSelection::Passable(const std::string& baseURL) const {
   return found == ring.end() || services_.deployment.usable[static_cast<std::size_t>(found - ring.begin())];
 }
 
-void HostSelection::ComenzarActualizacion() {
-  const auto body = [this](int&) {
-    while (!services_.lifetime.Ending() &&
-           !(Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile))) {
+void HostSelection::ComenzarActualizacion(const std::function<bool()>& mayGoOn) {
+  const auto goOn = [&] { return !services_.lifetime.Ending() && (!mayGoOn || mayGoOn()); };
+  const auto body = [&](int&) {
+    roundPauseMs_ = 0;
+    for (Round round = BeginRound(); goOn(); --round.left) {
+      if (Answers()) return Choose();
+      if (!goOn()) return;
       SwitchURL();
+      if (round.left > 0) continue;
+      PauseBetweenRounds(goOn);
+      round.left = BeginRound().left + 1;
     }
-    if (services_.lifetime.Ending()) return;
-    hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
-    Persist(keys::kLastUrl, hosts_.CurrentUpdateURL);
-    Persist(keys::kUrlWeb, hosts_.WebBaseURL);
   };
   startup::Guarded(services_.recorder, body, WordsOf("ComenzarActualizacion"));
+}
+
+bool HostSelection::Answers() {
+  return Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile);
+}
+
+void HostSelection::Choose() {
+  hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
+  Persist(keys::kLastUrl, hosts_.CurrentUpdateURL);
+  Persist(keys::kUrlWeb, hosts_.WebBaseURL);
+}
+
+// A hundred thousand launchers must not ask again in the same moment as soon as their mirrors are back.
+void HostSelection::PauseBetweenRounds(const std::function<bool()>& goOn) {
+  roundPauseMs_ = std::clamp(roundPauseMs_ * 2, kShortestPauseMs, kLongestPauseMs);
+  std::uniform_int_distribution<std::uint32_t> share(0, roundPauseMs_ / 2);
+  const std::uint32_t pause = roundPauseMs_ + share(random_);
+  hurry_ = false;
+  for (std::uint32_t waited = 0; waited < pause && !hurry_ && goOn(); waited += kPauseSliceMs) {
+    services_.host.clock.Sleep(kPauseSliceMs);
+    services_.host.events.DoEvents();
+  }
+}
+
+bool HostSelection::ConfirmHost() {
+  cache_.Forget(hosts_.WebBaseURL + kProbeFile);  // the host is in doubt, so its last word does not count
+  if (!Answers()) {
+    Round round = BeginRound();
+    return NextInRound(round);
+  }
+  Choose();
+  return true;
+}
+
+Round HostSelection::BeginRound() const {
+  const auto& usable = services_.deployment.usable;
+  const auto mirrors = static_cast<std::size_t>(std::count(usable.begin(), usable.end(), true));
+  return {mirrors == 0 ? 0 : mirrors - 1};
+}
+
+bool HostSelection::NextInRound(Round& round) {
+  for (; round.left > 0 && !services_.lifetime.Ending(); --round.left) {
+    SwitchURL();
+    if (!Answers()) continue;
+    --round.left;
+    Choose();
+    return true;
+  }
+  if (!services_.lifetime.Ending()) SwitchURL();  // once more, and the ring is back where the round began
+  return false;
 }
 
 // The news timer comes by every two seconds; the disk is spared what it holds already.
@@ -118,9 +179,9 @@ bool HostSelection::CheckOnline(const std::string& baseURL, const std::string& f
     if (attempt == 0) {
       options.cache = &cache_;
       inet_.Cancel();
-      body = inet_.OpenURL(url, options);
+      body = inet_.OpenURL(url, options).text;
     } else {
-      body = transfers_.GetHttpText(url, options);
+      body = transfers_.GetHttpText(url, options).text;
     }
     LastCheckOK = IsGoodAnswer(body);
     if (LastCheckOK) return true;

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
+#include <random>
 #include <string>
 
 #include "controls/main_window.hpp"
@@ -21,6 +23,11 @@ inline constexpr int kProbeAttempts = 3;
 // three times the half minute that a download may stall.
 inline constexpr std::array<std::uint32_t, kProbeAttempts> kProbeLimitsMs = {10'000, 5'000, 5'000};
 
+// One walk round the ring in search of a mirror that can give something which the present one could not.
+struct Round {
+  std::size_t left = 0;  // mirrors that were not tried yet
+};
+
 // Finds a mirror that answers and remembers it.
 class HostSelection {
  public:
@@ -34,9 +41,20 @@ class HostSelection {
   // Advances to the next usable mirror of the ring; without any the hosts stay as they are.
   void SwitchURL();
 
-  // Walks the ring until a mirror answers its probe, then persists it. Returns early only when the program
-  // ends.
-  void ComenzarActualizacion();
+  // Walks the ring until a mirror answers its probe, then persists it. Rounds without an answer follow each
+  // other more and more slowly (1, 2, 4 ... 30 s and a random share), Hurry begins the next one at once.
+  // Returns early when the program ends or `mayGoOn`, if given, says no.
+  void ComenzarActualizacion(const std::function<bool()>& mayGoOn = {});
+  void Hurry() { hurry_ = true; }
+
+  // As ComenzarActualizacion, but gives up, and returns false, after one whole round.
+  bool ConfirmHost();
+
+  // A round that begins at the mirror in use.
+  Round BeginRound() const;
+  // Goes on to the next mirror of the round that answers its probe, and remembers it. False when there is
+  // none left (the hosts then stand at the mirror where the round began) or the program ends.
+  bool NextInRound(Round& round);
 
   // Whether baseURL & fileName answers with the number 1; at most three attempts. Stops what Inet1 is doing.
   bool CheckOnline(const std::string& baseURL, const std::string& fileName);
@@ -47,6 +65,10 @@ class HostSelection {
  private:
   bool Passable(const std::string& baseURL) const;
   std::string NextMirror();
+  bool Answers();
+  void Choose();
+  std::string Stored(const char* section) const;
+  void PauseBetweenRounds(const std::function<bool()>& goOn);
   void Persist(const char* section, const std::string& url);
   std::string AddressQueryUrl() const;
   bool TakeAddress(const std::string& body);
@@ -59,6 +81,9 @@ class HostSelection {
   std::array<std::uint32_t, kProbeAttempts> probeLimitsMs_;
   web::AnswerCache cache_;  // of good probes
   std::size_t place_ = 0;   // in the ring, of the mirror chosen last
+  std::minstd_rand random_{std::random_device{}()};
+  bool hurry_ = false;
+  std::uint32_t roundPauseMs_ = 0;  // before the last round; 0: none failed yet
   bool ShownConnecting = false;
   bool LastCheckOK = false;
   std::string ServerDate;

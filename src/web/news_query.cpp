@@ -25,27 +25,30 @@ NewsQuery::NewsQuery(const startup::Services& services, controls::MainWindow& fr
       selection_(selection),
       servers_(servers) {}
 
-// The play button stops the timer, perhaps while this waits for an answer. The status line belongs to the
-// update from then on, so the rest is left out.
+// A run may begin while this waits for an answer. The status line belongs to the run from then on, so the
+// rest is left out. A tick that asked nobody leaves the line alone; one that wrote puts back what belongs
+// there.
 void NewsQuery::Timer_Timer() {
-  const bool wasOn = frmMain_.NewsTimer.On();
-  const auto goOn = [&] { return !services_.lifetime.Ending() && frmMain_.NewsTimer.On() == wasOn; };
+  const std::function<bool()> mayGoOn = beginTick ? beginTick() : [] { return true; };
+  const auto goOn = [&] { return !services_.lifetime.Ending() && mayGoOn(); };
   const auto body = [&](int& line) {
     line = 10;
-    const std::string answer = Ask(goOn);
-    if (answer.empty() || !goOn()) return;
+    const TextAnswer answer = Ask(goOn);
+    if (answer.text.empty() || !goOn()) return;
     line = 20;
-    frmMain_.lblEstado.Caption = "Cargando lista de servidores y usuarios online...";
+    const std::string before = frmMain_.lblEstado.Caption;
+    if (answer.asked) frmMain_.lblEstado.Caption = "Cargando lista de servidores y usuarios online...";
     line = 30;
-    TakeNews(answer);
+    if (answer.text != refused_) TakeNews(answer.text);
     line = 40;
-    selection_.ComenzarActualizacion();
+    selection_.ComenzarActualizacion(goOn);
     line = 50;
     if (goOn() && servers_.Text().empty()) servers_.GetServersList();
     line = 60;
     if (goOn()) servers_.Parse(servers_.Text());
     line = 70;
-    if (goOn()) frmMain_.lblEstado.Caption = "";
+    if (goOn() && frmMain_.lblEstado.Caption.Get() != before)
+      frmMain_.lblEstado.Caption = frmMain_.restingStatus;
   };
   startup::Guarded(services_.recorder, body, [](const startup::Failure& failure) {
     return failure.Opening() + " en el procedimiento Timer_Timer del modulo Formulario frmMain en la línea " +
@@ -53,14 +56,14 @@ void NewsQuery::Timer_Timer() {
   });
 }
 
-std::string NewsQuery::Ask(const std::function<bool()>& goOn) {
+TextAnswer NewsQuery::Ask(const std::function<bool()>& goOn) {
   const bool secondHost = services_.deployment.IsSecondHost(hosts_.WebBaseURL);
   const std::string base = hosts_.WebBaseURL + (secondHost ? "/" : "../../") + kScript;
   const std::string api = services_.deployment.api + "/" + kScript;
   const TextOptions options{.cache = &cache_};
   Attempts attempts(services_.lifetime);
-  std::string answer;
-  for (bool first = true; answer.empty() && goOn() && attempts.Next(); first = false) {
+  TextAnswer answer;
+  for (bool first = true; answer.text.empty() && goOn() && attempts.Next(); first = false) {
     const bool viaInet = first == secondHost;
     const std::string& url = first && secondHost ? api : base;
     answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
@@ -69,9 +72,12 @@ std::string NewsQuery::Ask(const std::function<bool()>& goOn) {
 }
 
 void NewsQuery::TakeNews(const std::string& answer) {
+  refused_ =
+      answer;  // until it is known to be good, so that bad news are told once and not every two seconds
   const std::string_view news = base::Field(answer, 1, '@');
   if (news.size() == answer.size() || !base::Contains(news, "|")) return;
   const std::int32_t number = base::ToInt32(base::Val(base::Field(news, 1, '|')));
+  refused_.clear();
   const std::string title(base::Field(news, 3, '|'));
   if (title != lastTitle_) {
     lastTitle_ = title;

@@ -22,8 +22,12 @@ class NewsQuery {
 
   ShowMessage showMessage;  // set by the owner of the pop-up; empty: nothing is shown
 
+  // Asked at the beginning of each tick for what says whether that tick may go on; set by the owner of the
+  // mode. Empty: every tick goes on until the program ends.
+  std::function<std::function<bool()>()> beginTick;
+
  private:
-  std::string Ask(const std::function<bool()>& goOn);
+  TextAnswer Ask(const std::function<bool()>& goOn);
   void TakeNews(const std::string& answer);
 
   const startup::Services& services_;
@@ -35,6 +39,7 @@ class NewsQuery {
   modGeneral::ServerList& servers_;
   AnswerCache cache_;
   std::string lastTitle_;
+  std::string refused_;  // the last answer that could not be read, which was told
   std::int16_t ticks_ = 0;
   bool shown_ = false;
 };

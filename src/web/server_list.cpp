@@ -72,9 +72,12 @@ std::string ServerList::GetServersList() {
   const auto body = [&](int& line) {
     line = 10;
     answer = Ask();
-    if (answer.empty()) return;
+    if (answer.empty() || answer == refused_) return;
     line = 20;
+    refused_ =
+        answer;  // until it is known to be good; the news timer brings the same answer every two seconds
     Parse(answer);
+    refused_.clear();
     line = 30;
     SetCaptions(servers_.empty() ? "Servidor Web no Disponible." : "");
     if (servers_.empty()) return;
@@ -103,7 +106,7 @@ std::string ServerList::Ask() {
   web::Attempts attempts(services_.lifetime);
   std::string answer;
   for (bool viaInet = secondHost; answer.empty() && attempts.Next(); viaInet = !viaInet) {
-    answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
+    answer = (viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options)).text;
   }
   return answer;
 }

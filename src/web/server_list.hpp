@@ -50,6 +50,7 @@ class ServerList {
   std::vector<Server> servers_;
   bool listParsed_ = false;
   std::string serverListText_;
+  std::string refused_;  // the last answer that could not be parsed, which was told
 };
 
 }  // namespace modGeneral

@@ -10,6 +10,7 @@
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/blocking.hpp"
+#include "startup/procedure.hpp"
 #include "web/answer_cache.hpp"
 #include "web/text_fetch.hpp"
 
@@ -17,6 +18,8 @@ namespace web {
 namespace {
 
 using platform::OutputFile;
+
+constexpr std::uint32_t kStallLimitMs = 10'000;  // a mirror that gives nothing for so long is as good as none
 
 // Runs a step whose failure changes nothing for the caller.
 template <class Step>
@@ -33,7 +36,8 @@ struct Received {
   std::atomic<std::uint64_t> total = 0;  // as announced, 0 when it is not known
 };
 
-// Streams a body into a file, which is made when the answer begins: without an answer there is none.
+// Streams a body into a file, which is made when the answer begins: without an answer there is none. What the
+// file system refuses is raised.
 class FileSink : public platform::HttpSink {
  public:
   FileSink(const std::string& path, OutputFile::Existing existing, bool successOnly, Received& received)
@@ -43,27 +47,29 @@ class FileSink : public platform::HttpSink {
     const bool success = head.status >= 200 && head.status < 300;
     if (successOnly_ && !success) return;
     received_.total = head.contentLength.value_or(0);
-    Attempt([&] { file_.emplace(path_, existing_); });
+    platform::RequireSpace(platform::FolderOf(path_), received_.total);
+    file_.emplace(path_, existing_);
   }
   bool Write(std::span<const std::byte> bytes) override {
     if (!file_) return false;
-    bool written = false;
-    Attempt([&] {
+    try {
       file_->Write(bytes);
-      written = true;
-    });
+    } catch (const base::RuntimeError& error) {
+      file_.reset();  // its piece makes room again, so that what is missing can be told
+      if (error.Is(base::ErrorNumber::DiskFull)) {
+        platform::RequireSpace(platform::FolderOf(path_),
+                               std::max<std::uint64_t>(received_.total, received_.bytes));
+      }
+      throw;
+    }
     received_.bytes += bytes.size();
-    return written;
+    return true;
   }
-  // Whether the file is there now.
+  // Whether there is a file now.
   bool Commit(OutputFile::Lasting lasting) {
-    bool committed = false;
-    Attempt([&] {
-      if (!file_) return;
-      file_->Commit(lasting);
-      committed = true;
-    });
-    return committed;
+    if (!file_) return false;
+    file_->Commit(lasting);
+    return true;
   }
 
  private:
@@ -139,7 +145,7 @@ bool Unreachable(const platform::HttpOutcome& outcome) {
 
 }  // namespace
 
-std::string smodXmlHttp::GetHttpText(const std::string& url, const TextOptions& options) {
+TextAnswer smodXmlHttp::GetHttpText(const std::string& url, const TextOptions& options) {
   platform::HttpRequest request{.url = url,
                                 .headers = {{"Content-Type", "application/x-www-form-urlencoded"}}};
   request.wholeLimitMs = options.wholeLimitMs != 0 ? options.wholeLimitMs : kTextLimitMs;
@@ -148,8 +154,8 @@ std::string smodXmlHttp::GetHttpText(const std::string& url, const TextOptions& 
     if (head.status == 200) Attempt([&] { platform::WriteWhole(scratch, bytes); });
   };
   TextAnswer answer = FetchText(services_, std::move(request), options.cache, {}, keepCopy);
-  if (Unreachable(answer.outcome)) ShowUnreachable();
-  return std::move(answer.text);
+  if (Unreachable(answer.report.outcome)) ShowUnreachable();
+  return answer;
 }
 
 void smodXmlHttp::ShowUnreachable() {
@@ -158,49 +164,63 @@ void smodXmlHttp::ShowUnreachable() {
   frmMain_.lblName.Caption = "No se pudo acceder a " + host;
 }
 
-void smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
+TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
   state_.Finished = false;
+  TransferReport report;
   // Nothing is fetched where the save would be refused.
-  if (services_.lifetime.Ending() || platform::IsFile(localPath)) return;
+  if (platform::IsFile(localPath)) report.own = base::RuntimeError(base::ErrorNumber::FileAlreadyExists);
+  if (services_.lifetime.Ending()) report.outcome.error = platform::HttpError::Cancelled;
+  if (services_.lifetime.Ending() || report.own) return report;
   Received received;
   Progress progress(services_.host.clock, frmMain_, received);
-  std::stop_source cancel;
-  bool saved = false;
   const auto work = [&](std::stop_token stop) {
     FileSink sink(localPath, OutputFile::Existing::Refuse, false, received);
-    const platform::HttpOutcome outcome = services_.host.http.Get({.url = url}, sink, stop);
+    report.outcome = services_.host.http.Get({.url = url, .stallLimitMs = kStallLimitMs}, sink, stop);
     // What is saved here is unpacked and deleted; after a power cut it is fetched again.
-    saved = outcome.Complete() && sink.Commit(OutputFile::Lasting::No);
+    if (!report.outcome.Complete() || !sink.Commit(OutputFile::Lasting::No)) return;
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
-    if (saved && outcome.status == 200) {
+    if (report.outcome.status == 200) {
       Attempt([&] { platform::ShareFile(localPath, services_.folders.Scratch("tmp.tmp")); });
     }
   };
-  const auto onRound = [&] {
+  RunTransfer(
+      work, [&] { progress.Show(); }, report);
+  report.bytes = received.bytes;
+  if (received.total != 0) report.announced = received.total;
+  if (report.Arrived()) progress.ShowEnd();
+  state_.Finished = report.Arrived();
+  return report;
+}
+
+// `work` on another thread; what it raises goes into the report.
+void smodXmlHttp::RunTransfer(const std::function<void(std::stop_token)>& work,
+                              const std::function<void()>& onRound, TransferReport& report) {
+  std::stop_source cancel;
+  const auto round = [&] {
     if (state_.CancelRequested) cancel.request_stop();
-    progress.Show();
+    onRound();
   };
-  Attempt([&] { startup::RunBlocking(services_, work, onRound, cancel.get_token()); });
-  if (saved) progress.ShowEnd();
-  state_.Finished = saved;
+  try {
+    startup::RunBlocking(services_, work, round, cancel.get_token());
+  } catch (...) {
+    report.own = startup::CurrentError();
+  }
 }
 
 bool smodXmlHttp::DownloadFile(const std::string& Url, const std::string& LocalFilename) {
   Received received;
-  std::stop_source cancel;
+  TransferReport report;
   bool saved = false;
   const auto work = [&](std::stop_token stop) {
     FileSink sink(LocalFilename, OutputFile::Existing::Replace, true, received);
     saved =
         services_.host.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit(OutputFile::Lasting::Yes);
   };
-  const auto onRound = [&] {
-    if (state_.CancelRequested) cancel.request_stop();
-  };
-  Attempt([&] { startup::RunBlocking(services_, work, onRound, cancel.get_token()); });
-  return saved;
+  RunTransfer(
+      work, [] {}, report);
+  return saved && !report.own;
 }
 
 }  // namespace web

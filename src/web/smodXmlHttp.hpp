@@ -1,11 +1,14 @@
 #pragma once
 
+#include <functional>
+#include <stop_token>
 #include <string>
 #include <string_view>
 
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
 #include "web/download_state.hpp"
+#include "web/text_fetch.hpp"
 #include "web/text_options.hpp"
 
 namespace web {
@@ -17,22 +20,23 @@ class smodXmlHttp {
               const Hosts& hosts)
       : services_(services), frmMain_(frmMain), state_(state), hosts_(hosts) {}
 
-  // The body of an answer as text (UTF-8; at most 16 MiB), whatever the status; empty when the transfer
-  // fails, and then, if there was no answer at all, lblName says so. The body of a 200 is also left in the
-  // scratch file Tmp.tmp.
-  std::string GetHttpText(const std::string& url, const TextOptions& options = {});
+  // The body of an answer as text (at most 16 MiB), whatever the status; when there was no answer at all,
+  // lblName says so. The body of a 200 is also left in the scratch file Tmp.tmp.
+  TextAnswer GetHttpText(const std::string& url, const TextOptions& options = {});
 
   // Saves the body to `localPath`, which must not exist, whatever the status, and sets
   // DownloadState.Finished; shows its progress in the main window. On failure Finished is false and there is
   // no file. The body of a 200 is also left in the scratch file tmp.tmp. DownloadState.CancelRequested ends
-  // it.
-  void DownloadUrlToFile(const std::string& url, const std::string& localPath);
+  // it. A disk without room for the announced length takes no byte of it.
+  TransferReport DownloadUrlToFile(const std::string& url, const std::string& localPath);
 
   // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
   // whole file arrived.
   bool DownloadFile(const std::string& Url, const std::string& LocalFilename);
 
  private:
+  void RunTransfer(const std::function<void(std::stop_token)>& work, const std::function<void()>& onRound,
+                   TransferReport& report);
   void ShowUnreachable();
 
   const startup::Services& services_;

@@ -1,9 +1,9 @@
 #include "web/text_fetch.hpp"
 
-#include <exception>
 #include <utility>
 
 #include "startup/blocking.hpp"
+#include "startup/procedure.hpp"
 #include "web/body_text.hpp"
 
 namespace web {
@@ -27,13 +27,15 @@ class MemorySink : public platform::HttpSink {
 TextAnswer FetchText(const startup::Services& services, platform::HttpRequest request, AnswerCache* cache,
                      std::stop_token stop, const OnBody& onBody) {
   TextAnswer answer;
+  TransferReport& report = answer.report;
   if (services.lifetime.Ending()) {
-    answer.outcome.error = platform::HttpError::Cancelled;
+    report.outcome.error = platform::HttpError::Cancelled;
     return answer;
   }
   if (cache) {
     if (auto kept = cache->Fresh(request.url, services.host.clock.Milliseconds())) {
-      answer.outcome = {platform::HttpError::None, 200};
+      report.outcome = {platform::HttpError::None, 200};
+      answer.asked = false;
       answer.text = std::move(*kept);
       return answer;
     }
@@ -42,16 +44,18 @@ TextAnswer FetchText(const startup::Services& services, platform::HttpRequest re
   }
   MemorySink sink;
   const auto work = [&](std::stop_token token) {
-    answer.outcome = services.host.http.Get(request, sink, token);
-    if (answer.outcome.Complete() && onBody) onBody(sink.head, sink.bytes);
+    report.outcome = services.host.http.Get(request, sink, token);
+    if (report.outcome.Complete() && onBody) onBody(sink.head, sink.bytes);
   };
   try {
     startup::RunBlocking(services, work, {}, std::move(stop));
-  } catch (const std::exception&) {  // no memory, no thread: a query that failed like any other
-    answer.outcome.error = platform::HttpError::Other;
+  } catch (...) {  // no memory, no thread: a query that failed like any other
+    report.own = startup::CurrentError();
   }
+  report.bytes = sink.bytes.size();
+  report.announced = sink.head.contentLength;
   answer.head = std::move(sink.head);
-  if (!answer.outcome.Complete()) return answer;
+  if (!report.Arrived()) return answer;
   answer.text = BodyText(answer.head.Header("content-type"), std::move(sink.bytes));
   if (cache) {
     answer.text =

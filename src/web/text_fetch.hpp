@@ -6,6 +6,7 @@
 
 #include "startup/services.hpp"
 #include "web/answer_cache.hpp"
+#include "web/transfer_report.hpp"
 
 namespace web {
 
@@ -17,9 +18,10 @@ inline constexpr std::size_t kLargestText = 16 * 1024 * 1024;
 inline constexpr std::uint32_t kTextLimitMs = 60'000;
 
 struct TextAnswer {
-  platform::HttpOutcome outcome;
-  platform::HttpHead head;  // its status is 0 when no answer came
-  std::string text;         // UTF-8; empty unless the whole answer came
+  std::string text;  // UTF-8; empty unless the whole answer came
+  TransferReport report;
+  platform::HttpHead head{};  // its status is 0 when no answer came
+  bool asked = true;          // false: a fresh answer of the cache, the server was not asked
 };
 
 // Called on the working thread with the undecoded body of a whole answer.

@@ -41,16 +41,21 @@ std::string MakeZip(const std::vector<ZipItem>& items) {
                                                       static_cast<uInt>(item.bytes.size()))) +
                      item.crcError;
     const std::string localName = item.localName.empty() ? item.name : item.localName;
-    const auto common = [&](std::size_t nameSize, std::size_t extraSize) {
-      const std::uint64_t size = item.bytes.size() + static_cast<std::uint64_t>(item.claimedSizeError);
-      return Little(20, 2) + Little(item.flags, 2) + Little(method, 2) + Little(0, 2) + Little(33, 2) +
+    const std::uint64_t claimed = item.bytes.size() + static_cast<std::uint64_t>(item.claimedSizeError);
+    const auto common = [&](std::uint16_t flags, std::uint64_t size, std::size_t nameSize,
+                            std::size_t extraSize) {
+      return Little(20, 2) + Little(flags, 2) + Little(method, 2) + Little(0, 2) + Little(33, 2) +
              Little(crc, 4) + Little(data.size(), 4) + Little(size, 4) + Little(nameSize, 2) +
              Little(extraSize, 2);
     };
     directory += Little(0x02014b50, 4) + Little(20 | 3 << 8, 2) +
-                 common(item.name.size(), item.extra.size()) + Little(0, 2) + Little(0, 2) + Little(0, 2) +
-                 Little(item.unixMode << 16, 4) + Little(archive.size(), 4) + item.name + item.extra;
-    archive += Little(0x04034b50, 4) + common(localName.size(), 0) + localName + data;
+                 common(item.flags, claimed, item.name.size(), item.extra.size()) + Little(0, 2) +
+                 Little(0, 2) + Little(0, 2) + Little(item.unixMode << 16, 4) + Little(archive.size(), 4) +
+                 item.name + item.extra;
+    archive += Little(0x04034b50, 4) +
+               common(item.flags ^ item.localFlags, claimed + static_cast<std::uint64_t>(item.localSizeError),
+                      localName.size(), 0) +
+               localName + data;
   }
   return archive + directory + Little(0x06054b50, 4) + Little(0, 4) + Little(items.size(), 2) +
          Little(items.size(), 2) + Little(directory.size(), 4) + Little(archive.size(), 4) + Little(0, 2);

@@ -19,6 +19,8 @@ struct ZipItem {
   std::string localName{};            // when it differs from the directory's
   std::string extra{};                // of the directory's record
   std::int64_t claimedSizeError = 0;  // added to the right expanded size
+  std::int64_t localSizeError = 0;    // added once more in the header before the data
+  std::uint16_t localFlags = 0;       // turned over in the header before the data
 };
 
 std::string MakeZip(const std::vector<ZipItem>& items);

@@ -73,6 +73,9 @@ class FaultyServer {
   void On(const std::string& path, Handler handler);
   void Otherwise(Handler handler);
 
+  // What would be answered to such a request, for a server that mostly does as this one does.
+  Answer AnswerFor(const SeenRequest& request);
+
   std::vector<SeenRequest> Seen() const;  // in the order they arrived
   std::vector<std::string> Targets() const;
   std::size_t Count(std::string_view target) const;  // how often exactly this was asked
@@ -85,7 +88,6 @@ class FaultyServer {
   void AcceptLoop();
   void Serve(Socket& socket);
   bool ReadRequest(Socket& socket, std::string& pending, SeenRequest& request);
-  Answer AnswerFor(const SeenRequest& request);
   bool SendAnswer(Socket& socket, const SeenRequest& request, const Answer& answer);  // true: keep it open
   bool SendPieces(Socket& socket, const Answer& answer);
   void Cut(Socket& socket, const Answer& answer);

@@ -57,7 +57,7 @@ void LauncherRun::UntilEnded() {
 }
 
 void LauncherRun::UntilStopped() {
-  Until([this] { return !Launched().MainWindow().tmrUpdates.On(); }, "the end of the run");
+  Until([this] { return Launched().Mode() != update::Mode::Updating; }, "the end of the run");
 }
 
 std::string LauncherRun::Counter(const std::string& category) const {

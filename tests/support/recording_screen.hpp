@@ -35,6 +35,7 @@ class RecordingScreen : public ui::Screen, public controls::Face {
   void BringToForeground(controls::Window& window) override { Note("Foreground", window); }
   void SetTopmost(controls::Window& window) override { Note("Topmost", window); }
   void StartDrag(controls::Window& window) override { Note("Drag", window); }
+  bool PlayerIsBusy() override { return playerIsBusy; }
   void NotifyIcon(ui::TrayAction action, const std::string& tip) override {
     calls.push_back("Icon " + std::to_string(static_cast<int>(action)) + " " + tip);
   }
@@ -69,6 +70,7 @@ class RecordingScreen : public ui::Screen, public controls::Face {
   std::vector<std::string> calls;
   double twipsPerPixel = 15;
   std::string trayPicture;
+  bool playerIsBusy = false;
   controls::Menu* menuShown = nullptr;
 
  private:

@@ -6,11 +6,7 @@ platform::DialogAnswer ScriptedDialogs::Show(const std::string& text, platform::
                                              const std::string& title) {
   shown.push_back({title, text, buttons});
   if (onShow) onShow(shown.back());
-  if (buttons == platform::DialogButtons::Ok) return platform::DialogAnswer::Ok;
-  if (answers.empty()) {
-    return buttons == platform::DialogButtons::YesNo ? platform::DialogAnswer::No
-                                                     : platform::DialogAnswer::Cancel;
-  }
+  if (buttons == platform::DialogButtons::Ok || answers.empty()) return platform::UnattendedAnswer(buttons);
   const platform::DialogAnswer answer = answers.front();
   answers.pop_front();
   return answer;

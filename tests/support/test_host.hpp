@@ -23,6 +23,8 @@ class SteppedClock : public platform::Clock {
   void Set(std::uint64_t now) { now_ = now; }
   void Step(std::uint64_t milliseconds) { now_ += milliseconds; }
 
+  std::uint64_t Now() const { return now_; }  // without making time pass
+
   std::uint64_t stepOnRead = 0;  // makes time pass inside a wait that a test cannot reach into
 
  private:

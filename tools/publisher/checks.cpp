@@ -3,10 +3,10 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "base/numeric.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
+#include "publisher/answers.hpp"
 #include "publisher/failure.hpp"
 #include "publisher/packed_file.hpp"
 #include "publisher/parallel.hpp"
@@ -44,35 +44,9 @@ std::uint64_t SizeOf(const std::string& path) {
   return stamp ? stamp->size : 0;
 }
 
-// The tests of launchers, made on the body of an answer.
-bool GoodProbe(const std::string& body) {
-  const std::string upper = base::Upper(body);
-  return base::NumberText(base::Val(body)) == "1" && !base::Contains(upper, "DOCTYPE") &&
-         !base::Contains(upper, "ERROR");
-}
-
-bool GoodServers(const std::string& body) {
-  constexpr std::size_t kFields = 8;
-  const auto records = base::Split(body, '|');
-  return records.size() > 1 && base::Split(records[0], '@').size() >= kFields;
-}
-
-bool GoodNews(const std::string& body) {
-  constexpr std::size_t kFields = 4;
-  const auto pieces = base::Split(body, '@');
-  return pieces.size() > 1 && base::Split(pieces[0], '|').size() >= kFields;
-}
-
-bool GoodDateAndAddress(const std::string& body) {
-  const auto fields = base::Split(body, '-');
-  const bool date = fields[0] == "{date}" || base::Split(fields[0], '/').size() == 3;
-  return fields.size() > 1 && date && !base::Trim(fields[1]).empty();
-}
-
 struct AnswerRule {
   std::string path;
-  bool (*good)(const std::string& body);
-  const char* wanted;
+  std::string (*why)(const std::string& body);
 };
 
 // The counts as launchers read them: every blank of the list is a line end to them.
@@ -149,16 +123,16 @@ void Findings::WarnOfStrayFiles() {
 
 void CheckAnswers(const Layout& layout, Findings& findings) {
   const AnswerRule rules[] = {
-      {layout.Online(), GoodProbe, "the number 1 and neither \"doctype\" nor \"error\""},
-      {layout.WebScript("info.php"), GoodServers, "records of eight fields (\"@\") with \"|\" between them"},
-      {layout.WebScript("noticiasbase.php"), GoodNews, "number|...|title|text@"},
-      {layout.WebScript("ipdate.php"), GoodDateAndAddress, "day/month/year-address"},
+      {layout.Online(), WhyBadProbe},
+      {layout.WebScript("info.php"), WhyBadServers},
+      {layout.WebScript("noticiasbase.php"), WhyBadNews},
+      {layout.WebScript("ipdate.php"), WhyBadAddress},
   };
   for (const AnswerRule& rule : rules) {
     if (!findings.Expect(rule.path)) continue;
     findings.Judge(rule.path, [&] {
-      if (!rule.good(platform::ReadWhole(rule.path, kLargestAnswer))) {
-        throw Failure(std::string("launchers want ") + rule.wanted);
+      if (const std::string why = rule.why(platform::ReadWhole(rule.path, kLargestAnswer)); !why.empty()) {
+        throw Failure(why);
       }
     });
   }

@@ -52,9 +52,7 @@ const Command kCommands[] = {
      "serves it on this machine's loopback, for trials",
      "Serves PUBLICATION below /update/kvn2011/ and /files/update/kvn2011/ and the answers of the web "
      "scripts\n"
-     "below /web/include/ and /files/web/include/ until it is interrupted. In ipdate.php, {date} and "
-     "{address}\n"
-     "stand for today's date and the asking machine's address.\n\n"
+     "below /web/include/ and /files/web/include/ until it is interrupted.\n\n"
      "  --host ADDRESS   the loopback address to listen at (127.0.0.1)\n"
      "  --port N         the port (8250); 0 takes any free one\n"
      "  --rate BYTES/S   the most that one connection gets\n"

@@ -11,6 +11,7 @@
 #include "publisher/parallel.hpp"
 #include "publisher/publication_lock.hpp"
 #include "publisher/source_files.hpp"
+#include "update/packed_format.hpp"
 
 namespace publisher {
 namespace {
@@ -28,7 +29,8 @@ std::vector<SourceFile> ReadBin(const std::string& bin, const Layout& layout, Co
   for (const SourceFile& file : files) {
     // Launchers take this text out of the whole path when they unpack.
     if (base::Contains(file.name, ".kvn")) throw Failure(file.path + ": its name must not hold \".kvn\"");
-    if (file.size > kLargestPacked) throw Failure(file.path + ": a file of 2 GiB or more cannot be packed");
+    if (file.size > update::kLargestPacked)
+      throw Failure(file.path + ": a file of 2 GiB or more cannot be packed");
     if (file.size == 0) {
       console.err << "warning: " << file.path
                   << ": an empty file cannot be packed; launchers keep theirs, but a patch has to bring it\n";

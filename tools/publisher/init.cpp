@@ -1,3 +1,6 @@
+#include <array>
+#include <ctime>
+
 #include "platform/files.hpp"
 #include "publisher/commands.hpp"
 #include "publisher/failure.hpp"
@@ -12,7 +15,16 @@ namespace {
 
 constexpr std::string_view kServers = "1@Principal@ONLINE@0@0@0@@0|2@Pruebas@OFFLINE@0@0@0@Mantenimiento@0";
 constexpr std::string_view kNews = "1|0|Bienvenido|Aqui se anuncian las novedades del juego.@";
-constexpr std::string_view kDateAndAddress = "{date}-{address}";
+
+// Of a publication's first day and of nobody, as any web server can give it: launchers take it in this form.
+std::string DateAndAddress() {
+  const std::time_t now = std::time(nullptr);
+  std::tm parts{};
+  localtime_r(&now, &parts);
+  std::array<char, 16> date{};
+  std::strftime(date.data(), date.size(), "%d/%m/%Y", &parts);
+  return std::string(date.data()) + "-0.0.0.0";
+}
 
 void PutNew(const std::string& path, std::string_view text) {
   if (!platform::IsFile(path)) Naming(path, [&] { platform::WriteWhole(path, text); });
@@ -37,7 +49,7 @@ bool Init(const CommandLine& line, Console& console) {
   PutNew(layout.UpdateList(), EmptyUpdateList());
   PutNew(layout.WebScript("info.php"), kServers);
   PutNew(layout.WebScript("noticiasbase.php"), kNews);
-  PutNew(layout.WebScript("ipdate.php"), kDateAndAddress);
+  PutNew(layout.WebScript("ipdate.php"), DateAndAddress());
   if (!platform::IsFile(layout.Index())) PackText(IndexBytes({}), layout.Index());
   // Last, since it is what tells launchers that the rest is there.
   PutNew(layout.Online(), "1");

@@ -52,6 +52,11 @@ std::string Layout::PackedIn(const std::string& gameFiles, std::string_view inBi
   return gameFiles + "/Bin/" + std::string(inBin) + ".kvn";
 }
 
+std::string Layout::RelativeOf(const std::string& path) const {
+  const bool inside = path.size() > root_.size() && path.starts_with(root_) && path[root_.size()] == '/';
+  return inside ? path.substr(root_.size() + 1) : path;
+}
+
 std::optional<std::string> Layout::FileFor(std::string_view urlPath) const {
   const std::optional<std::string> path = Resolved(urlPath);
   if (!path || base::Contains(*path, "\\")) return std::nullopt;

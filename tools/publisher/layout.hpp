@@ -34,6 +34,9 @@ class Layout {
   static std::string IndexIn(const std::string& gameFiles) { return gameFiles + "/Info.kvn"; }
   static std::string PackedIn(const std::string& gameFiles, std::string_view inBin);
 
+  // A path inside the publication as it is below the root; the path itself when it lies elsewhere.
+  std::string RelativeOf(const std::string& path) const;
+
   // The file that answers a path asked of a mirror (percent-decoded, without its query); none when nothing of
   // a publication is meant. The result always lies inside the publication.
   std::optional<std::string> FileFor(std::string_view urlPath) const;

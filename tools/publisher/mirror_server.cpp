@@ -6,11 +6,11 @@
 #include <cerrno>
 #include <condition_variable>
 #include <cstring>
-#include <ctime>
 #include <mutex>
 #include <thread>
 
-#include "base/text.hpp"
+#include "publisher/cache_rules.hpp"
+#include "publisher/conditions.hpp"
 #include "publisher/failure.hpp"
 #include "publisher/served_file.hpp"
 
@@ -22,11 +22,6 @@ constexpr std::uint64_t kPiecesPerSecond = 10;  // at a limited rate
 constexpr std::size_t kConnections = 32;        // at once; an idle one occupies its thread too
 constexpr std::time_t kIdleSeconds = 2;
 constexpr std::size_t kMostRequests = 100'000;  // on one connection
-constexpr std::uint64_t kLargestTemplate = 64 * 1024;
-constexpr const char* kNewsCaching = "max-age=60";  // launchers ask every two seconds
-constexpr const char* kOtherCaching = "no-cache";   // kept, but never used without asking
-constexpr std::string_view kNewsScript = "/noticiasbase.php", kAddressScript = "/ipdate.php";
-
 bool IsLoopback(const std::string& host) {
   in_addr address{};
   return inet_pton(AF_INET, host.c_str(), &address) == 1 && ntohl(address.s_addr) >> 24 == 127;
@@ -38,13 +33,25 @@ void KeepPortToItself(int socket) {
   setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
 }
 
-std::string FilledIn(const std::string& text, const std::string& address) {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  std::array<char, 16> date{};
-  std::strftime(date.data(), date.size(), "%d/%m/%Y", &parts);
-  return base::Replaced(base::Replaced(text, "{date}", date.data()), "{address}", address);
+// The library would cut its own ranges out of the answer, without a look at If-Range or at the file's end.
+Conditions ConditionsOf(const httplib::Request& request) {
+  const_cast<httplib::Request&>(request).ranges.clear();
+  return {request.get_header_value("If-None-Match"), request.get_header_value("If-Modified-Since"),
+          request.get_header_value("Range"), request.get_header_value("If-Range")};
+}
+
+int StatusOf(Portion::Kind kind) {
+  switch (kind) {
+    case Portion::Kind::Part:
+      return 206;
+    case Portion::Kind::NotModified:
+      return 304;
+    case Portion::Kind::BeyondTheEnd:
+      return 416;
+    case Portion::Kind::Whole:
+      break;
+  }
+  return 200;
 }
 
 }  // namespace
@@ -64,7 +71,7 @@ struct MirrorServer::State {
   std::thread listener;
 
   void Answer(const httplib::Request& request, httplib::Response& response);
-  void AnswerAddress(const httplib::Request& request, httplib::Response& response, const std::string& path);
+  void SendPortion(ServedFile&& served, const Portion& portion, httplib::Response& response);
   bool Send(ServedFile& served, std::size_t offset, std::size_t length, httplib::DataSink& sink,
             std::chrono::steady_clock::time_point start, std::uint64_t& sent);
   bool WaitUntil(std::chrono::steady_clock::time_point time) {
@@ -78,12 +85,12 @@ struct MirrorServer::State {
 };
 
 void MirrorServer::State::Answer(const httplib::Request& request, httplib::Response& response) {
+  const Conditions asked = ConditionsOf(request);
   const std::optional<std::string> path = layout.FileFor(request.path);
   if (!path) {
     response.status = 404;
     return;
   }
-  if (path->ends_with(kAddressScript)) return AnswerAddress(request, response, *path);
   std::optional<ServedFile> served = OpenServed(*path);
   if (!served) {
     response.status = 404;
@@ -91,30 +98,32 @@ void MirrorServer::State::Answer(const httplib::Request& request, httplib::Respo
   }
   response.set_header("ETag", served->etag);
   response.set_header("Last-Modified", served->lastModified);
-  response.set_header("Cache-Control", path->ends_with(kNewsScript) ? kNewsCaching : kOtherCaching);
-  if (Names(request.get_header_value("If-None-Match"), served->etag)) {
-    response.status = 304;
-    return;
-  }
-  const auto file = std::make_shared<ServedFile>(std::move(*served));
-  if (file->size == 0) return response.set_content("", file->type);
-  response.set_content_provider(
-      file->size, file->type,
-      [this, file, start = std::chrono::steady_clock::now(), sent = std::uint64_t{0}](
-          std::size_t offset, std::size_t length, httplib::DataSink& sink) mutable {
-        return Send(*file, offset, length, sink, start, sent);
-      });
+  response.set_header("Cache-Control", CachingOf(KindOf(layout.RelativeOf(*path))).header);
+  SendPortion(std::move(*served), PortionFor(*served, asked), response);
 }
 
-void MirrorServer::State::AnswerAddress(const httplib::Request& request, httplib::Response& response,
-                                        const std::string& path) {
-  try {
-    response.set_content(FilledIn(platform::ReadWhole(path, kLargestTemplate), request.remote_addr),
-                         "text/html; charset=utf-8");
-    response.set_header("Cache-Control", "no-store");
-  } catch (const base::RuntimeError&) {
-    response.status = 404;
+void MirrorServer::State::SendPortion(ServedFile&& served, const Portion& portion,
+                                      httplib::Response& response) {
+  const std::uint64_t size = served.size;
+  const bool part = portion.kind == Portion::Kind::Part;
+  response.status = StatusOf(portion.kind);
+  if (portion.kind == Portion::Kind::NotModified) return;
+  if (portion.kind == Portion::Kind::BeyondTheEnd) {
+    return response.set_header("Content-Range", "bytes */" + std::to_string(size));
   }
+  if (size == 0) return response.set_content("", served.type);
+  const std::uint64_t first = part ? portion.first : 0, length = part ? portion.length : size;
+  if (part) {
+    response.set_header("Content-Range", "bytes " + std::to_string(first) + "-" +
+                                             std::to_string(first + length - 1) + "/" + std::to_string(size));
+  }
+  const auto file = std::make_shared<ServedFile>(std::move(served));
+  response.set_content_provider(
+      length, file->type,
+      [this, file, first, start = std::chrono::steady_clock::now(), sent = std::uint64_t{0}](
+          std::size_t offset, std::size_t left, httplib::DataSink& sink) mutable {
+        return Send(*file, first + offset, left, sink, start, sent);
+      });
 }
 
 bool MirrorServer::State::Send(ServedFile& served, std::size_t offset, std::size_t length,
@@ -143,6 +152,7 @@ MirrorServer::MirrorServer(const Layout& layout, const ServeOptions& options, Co
   httplib::Server& server = state_->server;
   if (!IsLoopback(options.host)) throw Failure(options.host + ": no loopback address (127.0.0.0/8)");
   server.set_socket_options(KeepPortToItself);
+  server.set_tcp_nodelay(true);  // else the body of a small file waits 40 ms for its head to be confirmed
   server.set_keep_alive_timeout(kIdleSeconds);
   server.set_keep_alive_max_count(kMostRequests);
   server.new_task_queue = [] { return new httplib::ThreadPool(kConnections); };  // the server deletes it

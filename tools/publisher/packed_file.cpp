@@ -7,21 +7,14 @@
 #include "platform/files.hpp"
 #include "publisher/deflater.hpp"
 #include "publisher/failure.hpp"
-#include "publisher/little_endian.hpp"
 #include "update/inflater.hpp"
 #include "update/packed_file.hpp"
+#include "update/packed_format.hpp"
 
 namespace publisher {
 namespace {
 
 constexpr std::size_t kPiece = 128 * 1024;
-constexpr std::size_t kHeaderSize = 4;
-
-std::string Header(std::uint64_t size) {
-  std::string header;
-  AppendLittleEndian(header, size, kHeaderSize);
-  return header;
-}
 
 template <class Take>
 Content ReadThrough(const std::string& path, Progress& progress, Take take) {
@@ -51,10 +44,10 @@ Content ContentOf(const std::string& path, Progress& progress) {
 Content PackFile(const std::string& source, const std::string& target, Progress& progress) {
   const std::uint64_t size = Naming(source, [&] { return platform::InputFile(source).Size(); });
   if (size == 0) throw Failure(source + ": an empty file cannot be packed");
-  if (size > kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
+  if (size > update::kLargestPacked) throw Failure(source + ": a file of 2 GiB or more cannot be packed");
   platform::OutputFile file = Naming(target, [&] { return platform::OutputFile(target); });
   const auto write = [&](std::span<const std::byte> bytes) { Naming(target, [&] { file.Write(bytes); }); };
-  Naming(target, [&] { file.Write(Header(size)); });
+  Naming(target, [&] { file.Write(update::PackedHeaderFor(static_cast<std::uint32_t>(size))); });
   Deflater deflater(Deflater::Format::Zlib);
   const Content content =
       ReadThrough(source, progress, [&](std::span<const std::byte> bytes) { deflater.Feed(bytes, write); });
@@ -65,10 +58,11 @@ Content PackFile(const std::string& source, const std::string& target, Progress&
 }
 
 void PackText(std::string_view bytes, const std::string& target) {
-  std::string packed = Header(bytes.size());
+  std::string packed;
   const auto append = [&](std::span<const std::byte> piece) {
     packed.append(reinterpret_cast<const char*>(piece.data()), piece.size());
   };
+  append(update::PackedHeaderFor(static_cast<std::uint32_t>(bytes.size())));
   Deflater deflater(Deflater::Format::Zlib);
   deflater.Feed(std::as_bytes(std::span(bytes)), append);
   deflater.Finish(append);
@@ -80,24 +74,22 @@ Content ContentOfPacked(const std::string& path) {
     const std::int32_t claimed = update::ClaimedSize(path);
     if (claimed < 1) throw Failure(path + ": its size field is below 1");
     platform::InputFile file(path);
-    file.Seek(kHeaderSize);
-    std::vector<std::byte> input(kPiece), output(kPiece);
+    file.Seek(update::kPackedHeaderSize);
     platform::Digest digest(platform::DigestKind::Md5);
-    update::Inflater inflater(update::Inflater::Format::Zlib);
+    update::Inflater inflater;
     Content content;
-    auto status = update::Inflater::Status::More;
-    for (std::size_t produced = 0; status == update::Inflater::Status::More;) {
-      if (inflater.NeedsInput() && produced < output.size()) {
-        const std::size_t count = file.Read(input);
-        if (count == 0) throw Failure(path + ": it is cut short");
-        inflater.Feed(std::span(input).first(count));
-      }
-      status = inflater.Expand(output, produced);
-      digest.Update(std::span(output).first(produced));
-      content.size += produced;
-    }
-    if (status == update::Inflater::Status::Corrupt) throw Failure(path + ": it is damaged");
-    if (!inflater.NeedsInput() || file.Read(input) != 0) throw Failure(path + ": it goes on after its end");
+    const auto outcome = inflater.Expand(
+        update::Inflater::Format::Zlib, UINT64_MAX,
+        [&](std::span<std::byte> into) { return file.Read(into); },
+        [&](std::span<const std::byte> bytes) {
+          digest.Update(bytes);
+          content.size += bytes.size();
+        },
+        {});
+    if (outcome == update::Inflater::Outcome::Damaged) throw Failure(path + ": it is damaged or cut short");
+    std::byte more;
+    if (inflater.Unused() > 0 || file.Read({&more, 1}) != 0)
+      throw Failure(path + ": it goes on after its end");
     if (content.size != static_cast<std::uint64_t>(claimed)) {
       throw Failure(path + ": its size field says " + std::to_string(claimed) + " bytes, but it holds " +
                     std::to_string(content.size));

@@ -8,8 +8,6 @@
 
 namespace publisher {
 
-inline constexpr std::uint64_t kLargestPacked = 0x7FFFFFFF;  // the size field is signed
-
 // What a packed file holds, or a file that is to be packed.
 struct Content {
   std::string digest;  // MD5, lower case
@@ -20,8 +18,8 @@ struct Content {
 // The content of a plain file.
 Content ContentOf(const std::string& path, Progress& progress);
 
-// Packs `source` as `target`: the size in four bytes, low first, then a zlib stream. Failure when the source
-// is empty, which the format cannot say, or 2 GiB or more.
+// Packs `source` as `target`. Failure when the source is empty, which the format cannot say, or 2 GiB or
+// more.
 Content PackFile(const std::string& source, const std::string& target, Progress& progress);
 void PackText(std::string_view bytes, const std::string& target);
 

@@ -3,10 +3,8 @@
 #include <sys/stat.h>
 
 #include <array>
-#include <ctime>
 
 #include "base/runtime_error.hpp"
-#include "base/text.hpp"
 
 namespace publisher {
 namespace {
@@ -30,11 +28,13 @@ const char* TypeOf(const std::string& path) {
   return "application/octet-stream";
 }
 
+constexpr const char* kHttpDate = "%a, %d %b %Y %H:%M:%S GMT";
+
 std::string HttpDate(std::time_t time) {
   std::tm parts{};
   gmtime_r(&time, &parts);
   std::array<char, 40> text{};
-  std::strftime(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S GMT", &parts);
+  std::strftime(text.data(), text.size(), kHttpDate, &parts);
   return text.data();
 }
 
@@ -48,16 +48,22 @@ std::optional<ServedFile> OpenServed(const std::string& path) try {
     const auto stamp = platform::StampOf(path);
     platform::InputFile file(path);
     if (!stamp || platform::StampOf(path) != stamp) continue;
-    return ServedFile{std::move(file), stamp->size,
+    return ServedFile{std::move(file),
+                      stamp->size,
                       "\"" + std::to_string(stamp->size) + "-" + std::to_string(stamp->modified) + "\"",
-                      HttpDate(described.st_mtime), TypeOf(path)};
+                      described.st_mtime,
+                      HttpDate(described.st_mtime),
+                      TypeOf(path)};
   }
 } catch (const base::RuntimeError&) {
   return std::nullopt;
 }
 
-bool Names(const std::string& ifNoneMatch, const std::string& etag) {
-  return base::Trim(ifNoneMatch) == "*" || base::Contains(ifNoneMatch, etag);
+std::optional<std::time_t> TimeOf(const std::string& httpDate) {
+  std::tm parts{};
+  const char* end = strptime(httpDate.c_str(), kHttpDate, &parts);
+  if (end == nullptr || *end != '\0') return std::nullopt;
+  return timegm(&parts);
 }
 
 }  // namespace publisher

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <ctime>
 #include <optional>
 #include <string>
 
@@ -13,15 +13,16 @@ namespace publisher {
 struct ServedFile {
   platform::InputFile file;
   std::uint64_t size;
-  std::string etag;          // quoted
-  std::string lastModified;  // IMF-fixdate
+  std::string etag;  // quoted
+  std::time_t modified;
+  std::string lastModified;  // the same as IMF-fixdate
   const char* type;
 };
 
 // None when there is no such file to be had.
 std::optional<ServedFile> OpenServed(const std::string& path);
 
-// Whether an If-None-Match header names `etag`.
-bool Names(const std::string& ifNoneMatch, const std::string& etag);
+// The moment that an IMF-fixdate names; none when it is none.
+std::optional<std::time_t> TimeOf(const std::string& httpDate);
 
 }  // namespace publisher

@@ -17,6 +17,18 @@ void Require(int done) {
   if (done != 1) throw base::RuntimeError(base::ErrorNumber::InvalidProcedureCall);
 }
 
+const EVP_MD* AlgorithmOf(DigestKind kind) {
+  switch (kind) {
+    case DigestKind::Md5:
+      return EVP_md5();
+    case DigestKind::Sha1:
+      return EVP_sha1();
+    case DigestKind::Sha256:
+      break;
+  }
+  return EVP_sha256();
+}
+
 }  // namespace
 
 struct Digest::State {
@@ -24,8 +36,7 @@ struct Digest::State {
 };
 
 Digest::Digest(DigestKind kind) : state_(std::make_unique<State>()) {
-  Require(
-      EVP_DigestInit_ex(state_->context.get(), kind == DigestKind::Md5 ? EVP_md5() : EVP_sha1(), nullptr));
+  Require(EVP_DigestInit_ex(state_->context.get(), AlgorithmOf(kind), nullptr));
 }
 Digest::~Digest() = default;
 Digest::Digest(Digest&&) noexcept = default;

@@ -71,4 +71,19 @@ std::string FromAnsi(std::string_view bytes) {
   return utf8;
 }
 
+std::optional<std::string> CheckedFromAnsi(std::string_view bytes) {
+  for (const char c : bytes) {
+    const auto code = static_cast<unsigned char>(c);
+    if (code >= 0x80 && code < 0xA0 && kUpperHalf[code - 0x80] == code) return std::nullopt;
+  }
+  return FromAnsi(bytes);
+}
+
+std::optional<std::string> CheckedUtf8(std::string_view bytes) {
+  for (std::string_view rest = bytes; !rest.empty();) {
+    if (NextCodePoint(rest) == kNoCharacter) return std::nullopt;
+  }
+  return std::string(bytes);
+}
+
 }  // namespace platform

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -21,6 +22,11 @@ namespace fs = std::filesystem;
 
 bool StatOf(const std::string& path, struct stat& status) { return stat(path.c_str(), &status) == 0; }
 
+FileStamp StampFrom(const struct stat& status) {
+  return {static_cast<std::uint64_t>(status.st_size),
+          status.st_mtim.tv_sec * std::int64_t{1'000'000'000} + status.st_mtim.tv_nsec};
+}
+
 }  // namespace
 
 bool IsFile(const std::string& path) {
@@ -33,6 +39,11 @@ bool IsFolder(const std::string& path) {
   return StatOf(path, status) && S_ISDIR(status.st_mode);
 }
 
+bool IsThere(const std::string& path) {
+  struct stat status;
+  return lstat(path.c_str(), &status) == 0;
+}
+
 std::uint64_t FreeSpace(const std::string& folder) {
   struct statvfs volume;
   if (statvfs(folder.c_str(), &volume) != 0) return UINT64_MAX;
@@ -42,8 +53,20 @@ std::uint64_t FreeSpace(const std::string& folder) {
 std::optional<FileStamp> StampOf(const std::string& path) {
   struct stat status;
   if (!StatOf(path, status) || !S_ISREG(status.st_mode)) return std::nullopt;
-  return FileStamp{static_cast<std::uint64_t>(status.st_size),
-                   status.st_mtim.tv_sec * std::int64_t{1'000'000'000} + status.st_mtim.tv_nsec};
+  return StampFrom(status);
+}
+
+std::vector<std::optional<FileStamp>> StampsOf(const std::string& folder,
+                                               std::span<const std::string_view> names) {
+  std::vector<std::optional<FileStamp>> stamps(names.size());
+  const UniqueFd directory(open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+  if (!directory) return stamps;
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    struct stat status;
+    if (fstatat(directory.get(), std::string(names[i]).c_str(), &status, 0) == 0 && S_ISREG(status.st_mode))
+      stamps[i] = StampFrom(status);
+  }
+  return stamps;
 }
 
 void RemoveFile(const std::string& path) {
@@ -60,9 +83,17 @@ void RemoveTree(const std::string& folder) {
   if (error) RaiseErrno(error.value(), folder);
 }
 
-bool TryRemoveEmptyFolder(const std::string& path) {
-  return rmdir(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
+void RemoveEmptyFolders(const std::string& folder) {
+  std::error_code error;
+  std::vector<fs::path> found;  // parents before their children
+  for (fs::recursive_directory_iterator entry(folder, error), end; !error && entry != end;
+       entry.increment(error)) {
+    if (entry->symlink_status(error).type() == fs::file_type::directory) found.push_back(entry->path());
+  }
+  for (auto path = found.rbegin(); path != found.rend(); ++path) rmdir(path->c_str());
 }
+
+bool TryRemoveEmptyFolder(const std::string& path) { return rmdir(path.c_str()) == 0 || errno == ENOENT; }
 
 bool CanWriteTo(const std::string& folder) {
   static std::atomic<unsigned> count{0};
@@ -92,6 +123,14 @@ void ReplaceFileWith(const std::string& from, const std::string& to) {
   if (rename(from.c_str(), to.c_str()) != 0) RaiseErrno(errno, IsFile(from) ? to : from);
 }
 
+void RenameFile(const std::string& from, const std::string& to) {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return;
+  if (errno == EINVAL && access(to.c_str(), F_OK) != 0) {  // a file system that cannot refuse by itself
+    if (rename(from.c_str(), to.c_str()) == 0) return;
+  }
+  RaiseErrno(errno, from);
+}
+
 void FlushFile(const std::string& path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
   if (!file || fsync(file.get()) != 0) RaiseUnlessHarmless(errno, path);
@@ -101,6 +140,17 @@ void FlushFile(const std::string& path) {
 void FlushTree(const std::string& folder) {
   const UniqueFd directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (!directory || syncfs(directory.get()) != 0) RaiseUnlessHarmless(errno, folder);
+}
+
+std::vector<FolderEntry> ListFolder(const std::string& folder) {
+  std::vector<FolderEntry> found;
+  try {
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder))
+      found.push_back({entry.path().filename().native(), entry.is_directory() && !entry.is_symlink()});
+  } catch (const fs::filesystem_error& error) {
+    RaiseErrno(error.code().value() == ENOENT ? ENOTDIR : error.code().value(), folder);
+  }
+  return found;
 }
 
 std::vector<FoundFile> ListTree(const std::string& folder) {
@@ -139,15 +189,25 @@ InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>
 InputFile::~InputFile() = default;
 InputFile::InputFile(InputFile&&) noexcept = default;
 
-std::uint64_t InputFile::Size() const {
+FileStamp InputFile::Stamp() const {
   struct stat status;
   if (fstat(handle_->fd.get(), &status) != 0) RaiseErrno(errno, handle_->path);
-  return static_cast<std::uint64_t>(status.st_size);
+  return StampFrom(status);
 }
+
+std::uint64_t InputFile::Size() const { return Stamp().size; }
 
 std::size_t InputFile::Read(std::span<std::byte> into) {
   for (;;) {
     const ssize_t count = read(handle_->fd.get(), into.data(), into.size());
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno != EINTR) RaiseErrno(errno, handle_->path);
+  }
+}
+
+std::size_t InputFile::ReadAt(std::uint64_t offset, std::span<std::byte> into) const {
+  for (;;) {
+    const ssize_t count = pread(handle_->fd.get(), into.data(), into.size(), static_cast<off_t>(offset));
     if (count >= 0) return static_cast<std::size_t>(count);
     if (errno != EINTR) RaiseErrno(errno, handle_->path);
   }

@@ -14,7 +14,7 @@
 namespace platform {
 namespace {
 
-constexpr mode_t kNewFileMode = 0666;  // less the umask
+constexpr mode_t kNewFileMode = 0666, kNewProgramMode = 0777;  // less the umask
 
 std::string NeighbourOf(const std::string& path) {
   static std::atomic<unsigned> count{0};
@@ -95,6 +95,23 @@ void OutputFile::Commit(Lasting lasting) {
   }
   file.named = false;
 }
+
+struct NewFile::Handle {
+  UniqueFd fd;
+  std::string path;
+};
+
+NewFile::NewFile(const std::string& path, Kind kind) : handle_(std::make_unique<Handle>()) {
+  handle_->path = path;
+  const mode_t mode = kind == Kind::Program ? kNewProgramMode : kNewFileMode;
+  handle_->fd = UniqueFd(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+  if (!handle_->fd) RaiseErrno(errno, path);
+}
+
+NewFile::~NewFile() = default;
+NewFile::NewFile(NewFile&&) noexcept = default;
+
+void NewFile::Write(std::span<const std::byte> bytes) { WriteAll(handle_->fd.get(), bytes, handle_->path); }
 
 void CloneFile(const std::string& from, const std::string& to) {
   InputFile source(from);

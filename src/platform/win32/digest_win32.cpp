@@ -24,8 +24,9 @@ struct KindEntry {
   const wchar_t* algorithm;
   std::size_t length;  // bytes
 };
-constexpr KindEntry kKinds[] = {{BCRYPT_MD5_ALGORITHM, 16}, {BCRYPT_SHA1_ALGORITHM, 20}};
-constexpr std::size_t kLongestDigest = 20;
+constexpr KindEntry kKinds[] = {
+    {BCRYPT_MD5_ALGORITHM, 16}, {BCRYPT_SHA1_ALGORITHM, 20}, {BCRYPT_SHA256_ALGORITHM, 32}};
+constexpr std::size_t kLongestDigest = 32;
 
 void Require(NTSTATUS status) {
   if (!BCRYPT_SUCCESS(status)) throw base::RuntimeError(base::ErrorNumber::DeviceIoError);

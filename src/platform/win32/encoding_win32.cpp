@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -20,6 +22,17 @@ std::wstring WithoutSurrogates(const std::wstring& text) {
   }
   return plain;
 }
+
+// Empty where a byte is no character.
+std::wstring Checked(UINT codePage, std::string_view bytes) {
+  const int size = static_cast<int>(bytes.size());
+  std::wstring wide(MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, bytes.data(), size, nullptr, 0),
+                    L'\0');
+  MultiByteToWideChar(codePage, 0, bytes.data(), size, wide.data(), static_cast<int>(wide.size()));
+  return wide;
+}
+
+bool IsUpperControl(wchar_t c) { return c >= 0x80 && c < 0xA0; }
 
 }  // namespace
 
@@ -42,5 +55,17 @@ std::string ToCodePage(unsigned codePage, std::string_view utf8) {
 std::string ToAnsi(std::string_view utf8) { return ToCodePage(GetACP(), utf8); }
 
 std::string FromAnsi(std::string_view bytes) { return Narrow(FromCodePage(CP_ACP, bytes)); }
+
+std::optional<std::string> CheckedFromAnsi(std::string_view bytes) {
+  const std::wstring wide = Checked(CP_ACP, bytes);
+  if (wide.empty() != bytes.empty() || std::any_of(wide.begin(), wide.end(), IsUpperControl))
+    return std::nullopt;
+  return Narrow(wide);
+}
+
+std::optional<std::string> CheckedUtf8(std::string_view bytes) {
+  if (Checked(CP_UTF8, bytes).empty() != bytes.empty()) return std::nullopt;
+  return std::string(bytes);
+}
 
 }  // namespace platform

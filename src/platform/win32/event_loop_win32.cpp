@@ -9,6 +9,7 @@ namespace {
 
 constexpr wchar_t kClassName[] = L"LauncherTimers";
 constexpr UINT_PTR kTimerId = 1;
+constexpr std::uint64_t kForeignRoundMs = 50;
 
 // Messages that come faster than they are handled must not keep the timers from firing.
 constexpr int kMostMessagesPerRound = 1000;
@@ -37,7 +38,7 @@ LRESULT CALLBACK Win32EventLoop::WindowProcedure(HWND window, UINT message, WPAR
   }
   if (message == WM_TIMER && wParam == kTimerId) {
     if (auto* loop = reinterpret_cast<Win32EventLoop*>(GetWindowLongPtrW(window, GWLP_USERDATA))) {
-      loop->FireTimers();
+      loop->FireShortTimers();
     }
     return 0;
   }
@@ -51,6 +52,8 @@ void Win32EventLoop::DoEvents() {
       quit_ = true;
       continue;
     }
+    // The due timers come below; what reaches the window itself was dispatched by another loop.
+    if (message.hwnd == window_.get() && message.message == WM_TIMER) continue;
     if (preTranslate && preTranslate(message)) continue;
     TranslateMessage(&message);
     DispatchMessageW(&message);
@@ -73,14 +76,19 @@ void Win32EventLoop::FireTimers() {
   ArmSystemTimer();
 }
 
-void Win32EventLoop::ArmSystemTimer() {
+void Win32EventLoop::FireShortTimers() {
+  timers_.FireDueAndShort();
+  ArmSystemTimer(kForeignRoundMs);  // those that wait are due all the time
+}
+
+void Win32EventLoop::ArmSystemTimer(std::uint64_t least) {
   const auto next = timers_.UntilNext();
   if (!next) {
     KillTimer(window_.get(), kTimerId);
     return;
   }
-  const auto delay =
-      std::clamp<std::uint64_t>(*next, USER_TIMER_MINIMUM, static_cast<std::uint64_t>(USER_TIMER_MAXIMUM));
+  const auto delay = std::clamp<std::uint64_t>(std::max(*next, least), USER_TIMER_MINIMUM,
+                                               static_cast<std::uint64_t>(USER_TIMER_MAXIMUM));
   SetTimer(window_.get(), kTimerId, static_cast<UINT>(delay), nullptr);
 }
 

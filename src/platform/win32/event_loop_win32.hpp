@@ -10,7 +10,9 @@
 namespace platform {
 
 // The message loop of the thread that makes it. Timers are fired by the loop itself and, through a timer of
-// the system, also while a menu, a message box or the dragging of a window runs a message loop of its own.
+// the system, also while a menu, a message box or the dragging of a window runs a message loop of its own:
+// there only short ticks, since one that lets events run would take the keys, the clicks and the end of the
+// drag away from that loop.
 class Win32EventLoop : public EventLoop {
  public:
   explicit Win32EventLoop(Clock& clock);
@@ -30,7 +32,8 @@ class Win32EventLoop : public EventLoop {
  private:
   static LRESULT CALLBACK WindowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
   void FireTimers();
-  void ArmSystemTimer();
+  void FireShortTimers();
+  void ArmSystemTimer(std::uint64_t least = 0);  // milliseconds
 
   TimerQueue timers_;
   unique_event wake_;

@@ -1,12 +1,16 @@
 #include <windows.h>
+// after windows.h, which it builds on
+#include <winternl.h>
 
 #include <algorithm>
 #include <atomic>
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
+#include "platform/win32/file_stamp.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/system_error.hpp"
+#include "platform/win32/system_library.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -54,6 +58,30 @@ DWORD TryFlush(const unique_file& file) {
   return WithPatience([&] { return FlushFileBuffers(file.get()) != 0; });
 }
 
+// Only a handle that may write can be flushed; the read-only attribute is asked for when the handle is made.
+// None when somebody holds the file for longer than a moment.
+unique_file OpenToFlush(const std::string& path) {
+  const std::wstring name = SystemPath(path);
+  const DWORD attributes = GetFileAttributesW(name.c_str());
+  const bool readOnly = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
+  if (readOnly) SetFileAttributesW(name.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
+  unique_file file;
+  const DWORD code = TryOpen(path, GENERIC_WRITE, OPEN_EXISTING, file);
+  if (readOnly) SetFileAttributesW(name.c_str(), attributes);
+  RaiseUnlessHarmless(code, path);
+  return file;
+}
+
+// Hands a file's bytes to the disk without waiting until it holds them for good. False where the system
+// (before Windows 8) or the file system cannot.
+bool WriteOut(const unique_file& file) {
+  using Call = LONG NTAPI(HANDLE, ULONG flags, void* parameters, ULONG size, IO_STATUS_BLOCK*);
+  static auto* const call = FunctionOf<Call>(GetModuleHandleW(L"ntdll.dll"), "NtFlushBuffersFileEx");
+  constexpr ULONG kNoSync = 2;  // FLUSH_FLAGS_NO_SYNC
+  IO_STATUS_BLOCK status{};
+  return call != nullptr && call(file.get(), kNoSync, nullptr, 0, &status) >= 0;
+}
+
 // While marked, the file goes when its last handle is closed, so that a killed process leaves nothing. Not
 // every file system can do that, and nothing depends on it.
 void MarkForRemoval(const unique_file& file, bool remove) {
@@ -86,6 +114,12 @@ std::uint64_t InputFile::Size() const {
   return static_cast<std::uint64_t>(size.QuadPart);
 }
 
+FileStamp InputFile::Stamp() const {
+  BY_HANDLE_FILE_INFORMATION information;
+  if (!GetFileInformationByHandle(handle_->file.get(), &information)) RaiseSystemError(GetLastError());
+  return StampFrom(information);
+}
+
 std::size_t InputFile::Read(std::span<std::byte> into) {
   const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
   DWORD count = 0;
@@ -94,11 +128,36 @@ std::size_t InputFile::Read(std::span<std::byte> into) {
   return count;
 }
 
+std::size_t InputFile::ReadAt(std::uint64_t offset, std::span<std::byte> into) const {
+  const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
+  OVERLAPPED place{};
+  place.Offset = static_cast<DWORD>(offset);
+  place.OffsetHigh = static_cast<DWORD>(offset >> 32);
+  DWORD count = 0;
+  const HANDLE file = handle_->file.get();
+  const DWORD code = WithPatience([&] { return ReadFile(file, into.data(), piece, &count, &place) != 0; });
+  if (code != ERROR_HANDLE_EOF) Require(code);
+  return count;
+}
+
 void InputFile::Seek(std::uint64_t offset) {
   LARGE_INTEGER position;
   position.QuadPart = static_cast<LONGLONG>(offset);
   if (!SetFilePointerEx(handle_->file.get(), position, nullptr, FILE_BEGIN)) RaiseSystemError(GetLastError());
 }
+
+struct NewFile::Handle {
+  unique_file file;
+};
+
+NewFile::NewFile(const std::string& path, Kind) : handle_(std::make_unique<Handle>()) {
+  handle_->file = Open(path, GENERIC_WRITE, CREATE_NEW);
+}
+
+NewFile::~NewFile() = default;
+NewFile::NewFile(NewFile&&) noexcept = default;
+
+void NewFile::Write(std::span<const std::byte> bytes) { WriteAll(handle_->file, bytes); }
 
 struct OutputFile::Handle {
   std::string path;
@@ -146,20 +205,20 @@ void OutputFile::Commit(Lasting lasting) {
 }
 
 void FlushFile(const std::string& path) {
-  const std::wstring name = SystemPath(path);
-  const DWORD attributes = GetFileAttributesW(name.c_str());
-  const bool readOnly = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
-  // Only a handle that may write can be flushed; the attribute is asked for when the handle is made.
-  if (readOnly) SetFileAttributesW(name.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  unique_file file;
-  DWORD code = TryOpen(path, GENERIC_WRITE, OPEN_EXISTING, file);
-  if (readOnly) SetFileAttributesW(name.c_str(), attributes);
-  if (code == ERROR_SUCCESS) code = TryFlush(file);
-  RaiseUnlessHarmless(code, path);
+  const unique_file file = OpenToFlush(path);
+  if (file) RaiseUnlessHarmless(TryFlush(file), path);
 }
 
+// The disk is told to empty its own cache once, with the last file, since that is what takes the time.
 void FlushTree(const std::string& folder) {
-  for (const FoundFile& file : ListTree(folder)) FlushFile(folder + kSeparator + file.path);
+  unique_file last;
+  for (const FoundFile& found : ListTree(folder)) {
+    unique_file file = OpenToFlush(folder + kSeparator + found.path);
+    if (!file) continue;
+    if (!WriteOut(file)) RaiseUnlessHarmless(TryFlush(file));
+    last = std::move(file);
+  }
+  if (last) RaiseUnlessHarmless(TryFlush(last));
 }
 
 bool CanWriteTo(const std::string& folder) {

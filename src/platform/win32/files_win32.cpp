@@ -2,9 +2,12 @@
 
 #include <algorithm>
 #include <functional>
+#include <unordered_map>
 
 #include "base/runtime_error.hpp"
+#include "base/text.hpp"
 #include "platform/files.hpp"
+#include "platform/win32/file_stamp.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/moved_aside.hpp"
 #include "platform/win32/system_error.hpp"
@@ -20,14 +23,9 @@ struct Look {
   FileStamp stamp;
 };
 
-std::uint64_t Joined(DWORD high, DWORD low) { return std::uint64_t{high} << 32 | low; }
-
 template <class Data>
 Look LookFrom(const Data& data) {
-  const FILETIME& time = data.ftLastWriteTime;
-  return {data.dwFileAttributes,
-          {Joined(data.nFileSizeHigh, data.nFileSizeLow),
-           static_cast<std::int64_t>(Joined(time.dwHighDateTime, time.dwLowDateTime))}};
+  return {data.dwFileAttributes, StampFrom(data)};
 }
 
 // What a path names, links followed.
@@ -54,9 +52,10 @@ bool IsFolderEntry(const WIN32_FIND_DATAW& entry) {
   return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-using EntryHandler = std::function<void(const std::string& name, const WIN32_FIND_DATAW& entry)>;
+// Whether the folder is to be read further.
+using EntryHandler = std::function<bool(const std::string& name, const WIN32_FIND_DATAW& entry)>;
 
-// Returns the code of the failure that kept the folder from being read to its end.
+// Returns the code of the failure that kept the folder from being read.
 DWORD ForEachEntry(const std::string& folder, const EntryHandler& handle) {
   WIN32_FIND_DATAW entry;
   const unique_find search(FindFirstFileExW(SystemPath(folder + "\\*").c_str(), FindExInfoBasic, &entry,
@@ -67,7 +66,7 @@ DWORD ForEachEntry(const std::string& folder, const EntryHandler& handle) {
   }
   do {
     const std::wstring_view name = entry.cFileName;
-    if (name != L"." && name != L"..") handle(Narrow(name), entry);
+    if (name != L"." && name != L".." && !handle(Narrow(name), entry)) return ERROR_SUCCESS;
   } while (FindNextFileW(search.get(), &entry));
   const DWORD code = GetLastError();
   return code == ERROR_NO_MORE_FILES ? DWORD{ERROR_SUCCESS} : code;
@@ -110,6 +109,7 @@ std::vector<std::string> RemoveFilesOf(const std::string& folder) {
   const DWORD code = ForEachEntry(folder, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
     auto& list = !IsFolderEntry(entry) ? files : IsLink(entry) ? links : folders;
     list.push_back(folder + "\\" + name);
+    return true;
   });
   RequireGone(code, folder);
   for (const std::string& file : files) RequireGone(DeleteOne(file), file);
@@ -129,6 +129,10 @@ bool IsFolder(const std::string& path) {
   return look && (look->attributes & FILE_ATTRIBUTE_DIRECTORY);
 }
 
+bool IsThere(const std::string& path) {
+  return GetFileAttributesW(SystemPath(path).c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
 std::uint64_t FreeSpace(const std::string& folder) {
   ULARGE_INTEGER available;
   if (!GetDiskFreeSpaceExW(SystemPath(folder + kSeparator).c_str(), &available, nullptr, nullptr))
@@ -142,16 +146,36 @@ std::optional<FileStamp> StampOf(const std::string& path) {
   return look->stamp;
 }
 
+// A listing tells the stamps too. What it does not settle (links, a name in other letters, the far end of a
+// large folder) is looked at by itself.
+std::vector<std::optional<FileStamp>> StampsOf(const std::string& folder,
+                                               std::span<const std::string_view> names) {
+  constexpr std::size_t kWorthListing = 8;
+  std::vector<std::optional<FileStamp>> stamps(names.size());
+  if (names.size() >= kWorthListing) {
+    std::unordered_map<std::string, std::size_t> wanted;
+    for (std::size_t i = 0; i < names.size(); ++i) wanted.emplace(base::UpperLatin(names[i]), i);
+    std::size_t left = kWorthListing * names.size();  // entries worth looking through
+    ForEachEntry(folder, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
+      const auto found = wanted.find(base::UpperLatin(name));
+      const bool plain =
+          !(entry.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_REPARSE_POINT));
+      if (found != wanted.end() && plain) stamps[found->second] = StampFrom(entry);
+      return --left > 0;
+    });
+  }
+  for (std::size_t i = 0; i < names.size(); ++i) {
+    if (!stamps[i]) stamps[i] = StampOf(folder + kSeparator + std::string(names[i]));
+  }
+  return stamps;
+}
+
 void RemoveFile(const std::string& path) {
   const DWORD code = DeleteOne(path);
   if (code != ERROR_SUCCESS) RaiseSystemError(code, path);
 }
 
 bool TryRemoveFile(const std::string& path) { return Gone(DeleteOne(path)); }
-
-bool TryRemoveEmptyFolder(const std::string& path) {
-  return RemoveDirectoryW(SystemPath(path).c_str()) || Gone(GetLastError());
-}
 
 void RemoveTree(const std::string& folder) {
   const std::wstring name = SystemPath(folder);
@@ -170,6 +194,25 @@ void RemoveTree(const std::string& folder) {
     }
   }
   for (auto path = found.rbegin(); path != found.rend(); ++path) RequireGone(DeleteFolder(*path), *path);
+}
+
+void RemoveEmptyFolders(const std::string& folder) {
+  std::vector<std::string> found{folder};  // parents before their children
+  for (std::size_t i = 0; i < found.size(); ++i) {
+    const std::string above = found[i];
+    ForEachEntry(above, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
+      if (IsFolderEntry(entry) && !IsLink(entry)) found.push_back(above + kSeparator + name);
+      return true;
+    });
+  }
+  while (found.size() > 1) {
+    RemoveDirectoryW(SystemPath(found.back()).c_str());
+    found.pop_back();
+  }
+}
+
+bool TryRemoveEmptyFolder(const std::string& path) {
+  return Gone(RemoveDirectoryW(SystemPath(path).c_str()) ? DWORD{ERROR_SUCCESS} : GetLastError());
 }
 
 void MakeFolder(const std::string& path) {
@@ -198,6 +241,22 @@ void ReplaceFileWith(const std::string& from, const std::string& to) {
   if (code != ERROR_SUCCESS) RaiseSystemError(code, to);
 }
 
+void RenameFile(const std::string& from, const std::string& to) {
+  const std::wstring source = SystemPath(from), target = SystemPath(to);
+  const DWORD code = WithPatience([&] { return MoveFileExW(source.c_str(), target.c_str(), 0) != 0; });
+  if (code != ERROR_SUCCESS) RaiseSystemError(code, from);
+}
+
+std::vector<FolderEntry> ListFolder(const std::string& folder) {
+  std::vector<FolderEntry> found;
+  const DWORD code = ForEachEntry(folder, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
+    found.push_back({name, IsFolderEntry(entry) && !IsLink(entry)});
+    return true;
+  });
+  if (code != ERROR_SUCCESS) RaiseSystemError(code);
+  return found;
+}
+
 std::vector<FoundFile> ListTree(const std::string& folder) {
   std::vector<FoundFile> found;
   std::vector<std::string> folders{""};  // relative, each with its trailing separator
@@ -206,12 +265,13 @@ std::vector<FoundFile> ListTree(const std::string& folder) {
     folders.pop_back();
     const std::string path = relative.empty() ? folder : folder + "\\" + relative;
     const DWORD code = ForEachEntry(path, [&](const std::string& name, const WIN32_FIND_DATAW& entry) {
-      if (IsLink(entry)) return;
+      if (IsLink(entry)) return true;
       if (IsFolderEntry(entry)) {
         folders.push_back(relative + name + "\\");
       } else {
         found.push_back({relative + name});
       }
+      return true;
     });
     if (code != ERROR_SUCCESS) RaiseSystemError(code);
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/files.hpp"
+#include "platform/win32/system_error.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -42,7 +43,9 @@ std::string BaseNameOf(const std::string& path) {
 std::string SystemFolder() {
   wchar_t path[MAX_PATH];
   const UINT length = GetSystemDirectoryW(path, MAX_PATH);
-  return length < MAX_PATH ? Narrow({path, length}) : std::string{};
+  if (length == 0 || length >= MAX_PATH)
+    RaiseSystemError(length == 0 ? GetLastError() : ERROR_INSUFFICIENT_BUFFER);
+  return Narrow({path, length});
 }
 
 }  // namespace platform

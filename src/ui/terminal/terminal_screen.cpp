@@ -15,8 +15,8 @@ constexpr Area kNewWindow{0, 0, 340, 130};
 constexpr std::uint32_t kWaitMs = 60'000;
 constexpr std::string_view kTrayWindow = "FrmSysTrays";  // whose the menu's entries are
 
-// Pointers are nothing to be read.
-bool IsPrinted(std::string_view property) { return property != "MouseIcon"; }
+// Pointers are nothing to be read, and whether a button is idle its picture tells.
+bool IsPrinted(std::string_view property) { return property != "MouseIcon" && property != "Idle"; }
 
 // One line: a line break as \n, other control characters, which could drive the terminal, as "?".
 std::string OneLine(std::string_view text) {
@@ -36,11 +36,6 @@ std::string OneLine(std::string_view text) {
 
 std::string Shown(std::string_view property, const std::string& value) {
   return property == "Picture" ? platform::BaseNameOf(value) : value;
-}
-
-platform::DialogAnswer LastButton(platform::DialogButtons buttons) {
-  return buttons == platform::DialogButtons::YesNo ? platform::DialogAnswer::No
-                                                   : platform::DialogAnswer::Cancel;
 }
 
 }  // namespace
@@ -112,12 +107,12 @@ void TerminalScreen::Changed(const controls::Window& window, std::string_view pr
 platform::DialogAnswer TerminalScreen::Show(const std::string& text, platform::DialogButtons buttons,
                                             const std::string& title) {
   Announce(text, title);
-  if (buttons == platform::DialogButtons::Ok) return platform::DialogAnswer::Ok;
+  if (buttons == platform::DialogButtons::Ok) return platform::UnattendedAnswer(buttons);
   Question question{buttons, std::nullopt};
   questions_.push_back(&question);
   while (!question.answer && !events_.InputEnded()) events_.WaitEvents(kWaitMs);
   questions_.erase(std::find(questions_.begin(), questions_.end(), &question));
-  return question.answer.value_or(LastButton(buttons));
+  return question.answer.value_or(platform::UnattendedAnswer(buttons));
 }
 
 void TerminalScreen::Announce(const std::string& text, const std::string& title) {

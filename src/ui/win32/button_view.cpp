@@ -1,3 +1,7 @@
+#include <windows.h>
+// after windows.h, which it builds on
+#include <oleacc.h>
+
 #include "ui/win32/form.hpp"
 #include "ui/win32/skin.hpp"
 #include "ui/win32/view.hpp"
@@ -6,6 +10,8 @@ namespace ui::win32 {
 namespace {
 
 using controls::MouseButton;
+
+constexpr BYTE kDimmedStrength = 90;  // of 255
 
 // A push button of the system that draws a picture, or a plain button where there is none.
 class ButtonView : public View {
@@ -28,28 +34,45 @@ class ButtonView : public View {
 
   bool TakesPointer() const override { return true; }
 
+  std::optional<Spoken> Speak() const override {
+    Spoken spoken{ROLE_SYSTEM_PUSHBUTTON, Name()};
+    if (CanBePressed() && control_.Click.HasHandlers()) {
+      spoken.action = L"Pulsar";
+    } else {
+      spoken.state = STATE_SYSTEM_UNAVAILABLE;
+    }
+    return spoken;
+  }
+
   void Draw(const DRAWITEMSTRUCT& item) override {
     const RECT& box = item.rcItem;
     const Canvas canvas(item.hDC, Width(box), Height(box));
     const HBITMAP picture = Picture(Width(box), Height(box));
     if (picture) {
-      const UniqueDc source(CreateCompatibleDC(item.hDC));
-      const HGDIOBJ before = SelectObject(source.get(), picture);
-      BitBlt(canvas.Dc(), 0, 0, Width(box), Height(box), source.get(), 0, 0, SRCCOPY);
-      SelectObject(source.get(), before);
+      DrawPicture(canvas.Dc(), box, picture);
     } else {
       DrawPlain(canvas.Dc(), box, (item.itemState & ODS_SELECTED) != 0);
     }
     if (Focused() && form_.ShowsFocus()) {
       RECT ring = box;
       if (picture) InflateRect(&ring, -form_.Scaled(2), -form_.Scaled(2));  // pictures have a margin
-      Outline(canvas.Dc(), ring, form_.Scaled(2), skin::kFocus);
+      Outline(canvas.Dc(), ring, form_.Scaled(2), form_.Colours().focus);
     }
     BitBlt(item.hDC, 0, 0, Width(box), Height(box), canvas.Dc(), 0, 0, SRCCOPY);
   }
 
  protected:
+  virtual bool CanBePressed() const { return control_.Enabled; }
   virtual HBITMAP Picture(int, int) const { return nullptr; }
+  virtual std::wstring Name() const { return TextOf(Handle()); }
+  virtual std::wstring Words() const { return Name(); }
+  virtual void DrawPlain(HDC dc, const RECT& box, bool pressed) const {
+    const Palette& colours = form_.Colours();
+    PaintBackground(dc);
+    skin::DrawButton(dc, colours, box, form_.Scaled(1), pressed);
+    skin::DrawLabel(dc, box, form_.Font(row_.face, row_.points, false),
+                    CanBePressed() ? colours.boxText : colours.dimmed, Align::Center, Lines::Single, Words());
+  }
   virtual HCURSOR Pointer() const { return nullptr; }
 
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
@@ -85,22 +108,36 @@ class ButtonView : public View {
   }
 
  private:
-  void DrawPlain(HDC dc, const RECT& box, bool pressed) const {
+  // A button that leads nowhere shows its picture as a shade of itself.
+  void DrawPicture(HDC dc, const RECT& box, HBITMAP picture) const {
     PaintBackground(dc);
-    skin::DrawButton(dc, box, form_.Scaled(1), pressed);
-    const COLORREF colour = control_.Enabled ? skin::kBoxText : skin::kDimmed;
-    skin::DrawLabel(dc, box, form_.Font(row_.face, row_.points, false), colour, Align::Center, Lines::Single,
-                    TextOf(Handle()));
+    const UniqueDc source(CreateCompatibleDC(dc));
+    const HGDIOBJ before = SelectObject(source.get(), picture);
+    const BYTE strength = control_.Enabled ? 255 : kDimmedStrength;
+    GdiAlphaBlend(dc, 0, 0, Width(box), Height(box), source.get(), 0, 0, Width(box), Height(box),
+                  {AC_SRC_OVER, 0, strength, 0});
+    SelectObject(source.get(), before);
   }
 };
 
 class ImageView : public ButtonView {
  public:
   ImageView(Form& form, controls::ImageControl& image, const LayoutRow& row)
-      : ButtonView(form, image, row, Spoken(image)), image_(image) {}
+      : ButtonView(form, image, row, image.description), image_(image) {}
+
+  std::optional<Spoken> Speak() const override {
+    if (!image_.isCheck) return ButtonView::Speak();
+    const LONG checked = image_.Checked ? STATE_SYSTEM_CHECKED : 0;
+    return Spoken{ROLE_SYSTEM_CHECKBUTTON, Name(), {}, checked, image_.Checked ? L"Desmarcar" : L"Marcar"};
+  }
 
   void Changed(std::string_view property) override {
-    if (TextOf(Handle()) != platform::Wide(Spoken(image_))) SetText(Spoken(image_));
+    // Complete by the time the image has its first picture.
+    if (TextOf(Handle()) != platform::Wide(image_.description)) SetText(image_.description);
+    if (property == "Checked" || property == "Idle") {
+      Invalidate();
+      NotifyWinEvent(EVENT_OBJECT_STATECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
+    }
     if (property == "Picture") {
       Invalidate();
       UpdateWindow(Handle());  // a press is seen even when its click starts long work
@@ -109,7 +146,12 @@ class ImageView : public ButtonView {
   }
 
  protected:
+  // Of the control itself: its window was made before it had one.
+  std::wstring Name() const override { return platform::Wide(image_.description); }
+  std::wstring Words() const override { return image_.sign.empty() ? Name() : platform::Wide(image_.sign); }
+  bool CanBePressed() const override { return image_.Enabled && !image_.Idle; }
   HBITMAP Picture(int width, int height) const override {
+    if (form_.Colours().plain) return nullptr;
     return form_.Pictures().Picture(image_.Picture, width, height);
   }
   HCURSOR Pointer() const override {
@@ -117,9 +159,12 @@ class ImageView : public ButtonView {
   }
 
  private:
-  // What a screen reader reads; complete by the time the image has its first picture.
-  static std::string Spoken(const controls::ImageControl& image) {
-    return image.Checked ? image.description + " (activado)" : image.description;
+  void DrawPlain(HDC dc, const RECT& box, bool pressed) const override {
+    if (!image_.isCheck) return ButtonView::DrawPlain(dc, box, pressed);
+    PaintBackground(dc);
+    RECT mark = box;
+    InflateRect(&mark, -Width(box) / 6, -Height(box) / 6);
+    skin::DrawTick(dc, form_.Colours(), mark, form_.Scaled(1), image_.Checked);
   }
 
   controls::ImageControl& image_;

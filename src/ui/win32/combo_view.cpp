@@ -64,14 +64,16 @@ class ComboView : public View {
     }
     if (item.itemID >= combo_.Entries().size()) return;
     const bool chosen = (item.itemState & ODS_SELECTED) != 0;
-    Fill(item.hDC, item.rcItem, chosen ? skin::kChosen : skin::kBox);
+    const Palette& colours = form_.Colours();
+    Fill(item.hDC, item.rcItem, chosen ? colours.chosen : colours.box);
     RECT text = item.rcItem;
     text.left += form_.Scaled(7);
-    skin::DrawLabel(item.hDC, text, Font(), chosen ? skin::kFocus : skin::kBoxText, row_.align, Lines::Single,
-                    platform::Wide(combo_.Entries()[item.itemID]));
+    skin::DrawLabel(item.hDC, text, Font(), chosen ? colours.chosenText : colours.boxText, row_.align,
+                    Lines::Single, platform::Wide(combo_.Entries()[item.itemID]));
   }
 
   bool TakesPointer() const override { return true; }
+  bool TakesText() const override { return editable_; }
 
  protected:
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
@@ -80,6 +82,8 @@ class ComboView : public View {
       return 0;
     }
     if (message == WM_SETTEXT || message == WM_ERASEBKGND) return Default(message, wParam, lParam);
+    // The system gives the wheel to what is under the pointer, be it only passing over.
+    if (message == WM_MOUSEWHEEL && !HasFocus()) return 0;
     if (message == WM_MOUSEMOVE) form_.PointerOver(this, Handle(), wParam, lParam);
     const LRESULT result = View::Message(message, wParam, lParam);
     if (message == WM_LBUTTONDOWN || message == WM_COMMAND || message == WM_KEYDOWN || message == WM_ENABLE) {
@@ -131,24 +135,23 @@ class ComboView : public View {
     return editable_ && GetComboBoxInfo(Handle(), &info) ? info.hwndItem : nullptr;
   }
 
+  bool HasFocus() const { return Focused() || (editable_ && GetFocus() == Edit()); }
+
   void Paint() {
     const BufferedPaint paint(Handle());
     const RECT box = paint.Client();
-    skin::DrawBox(paint.Dc(), box, form_.Scaled(1));
+    skin::DrawBox(paint.Dc(), form_.Colours(), box, form_.Scaled(1));
     RECT arrow = box;
     arrow.left = arrow.right - Height(box);
-    skin::DrawArrow(paint.Dc(), arrow, skin::kCaption);
+    skin::DrawArrow(paint.Dc(), arrow, form_.Colours().caption);
     if (!editable_) {
       RECT text = box;
       text.left += form_.Scaled(7);
       text.right = arrow.left;
-      const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
-      skin::DrawLabel(paint.Dc(), text, Font(), colour, row_.align, Lines::Single,
+      skin::DrawLabel(paint.Dc(), text, Font(), TextColour(), row_.align, Lines::Single,
                       platform::Wide(combo_.Text.Get()));
     }
-    if (Focused() || (editable_ && GetFocus() == Edit())) {
-      Outline(paint.Dc(), box, form_.Scaled(2), skin::kFocus);
-    }
+    if (HasFocus()) Outline(paint.Dc(), box, form_.Scaled(2), form_.Colours().focus);
   }
 
   controls::ComboBox& combo_;

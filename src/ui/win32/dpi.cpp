@@ -1,28 +1,14 @@
 #include "ui/win32/dpi.hpp"
 
-#include <memory>
+#include "ui/win32/system_library.hpp"
 
 namespace ui::win32 {
 namespace {
-
-// A function of a library that is loaded anyway; null where this Windows does not have it.
-template <class Function>
-Function Find(const wchar_t* library, const char* name) {
-  const HMODULE module = GetModuleHandleW(library);
-  if (!module) return nullptr;
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
-}
 
 using GetDpiForWindowFn = UINT(WINAPI*)(HWND);
 using GetDpiForMonitorFn = HRESULT(WINAPI*)(HMONITOR, int, UINT*, UINT*);
 using AdjustForDpiFn = BOOL(WINAPI*)(RECT*, DWORD, BOOL, DWORD, UINT);
 using MetricsForDpiFn = int(WINAPI*)(int, UINT);
-
-GetDpiForMonitorFn MonitorFunction() {
-  // Windows 8.1 has per-monitor scaling only here; stays loaded for the process.
-  static const HMODULE shcore = LoadLibraryExW(L"shcore.dll", nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  return shcore ? Find<GetDpiForMonitorFn>(L"shcore.dll", "GetDpiForMonitor") : nullptr;
-}
 
 int SystemDpi() {
   const HDC screen = GetDC(nullptr);
@@ -34,11 +20,12 @@ int SystemDpi() {
 }  // namespace
 
 int DpiOf(HWND window) {
-  static const auto forWindow = Find<GetDpiForWindowFn>(L"user32.dll", "GetDpiForWindow");
+  static const auto forWindow = SystemFunction<GetDpiForWindowFn>(L"user32.dll", "GetDpiForWindow");
   if (forWindow) {
     if (const UINT dpi = forWindow(window)) return static_cast<int>(dpi);
   }
-  static const auto forMonitor = MonitorFunction();
+  // Windows 8.1 has per-monitor scaling only here.
+  static const auto forMonitor = SystemFunction<GetDpiForMonitorFn>(L"shcore.dll", "GetDpiForMonitor");
   UINT x = 0, y = 0;
   if (forMonitor && SUCCEEDED(forMonitor(MonitorFromWindow(window, MONITOR_DEFAULTTOPRIMARY), 0, &x, &y)) &&
       y > 0) {
@@ -48,7 +35,7 @@ int DpiOf(HWND window) {
 }
 
 void GrowToWindow(RECT& client, DWORD style, DWORD extendedStyle, int dpi) {
-  static const auto forDpi = Find<AdjustForDpiFn>(L"user32.dll", "AdjustWindowRectExForDpi");
+  static const auto forDpi = SystemFunction<AdjustForDpiFn>(L"user32.dll", "AdjustWindowRectExForDpi");
   if (forDpi && forDpi(&client, style, FALSE, extendedStyle, static_cast<UINT>(dpi))) return;
   AdjustWindowRectEx(&client, style, FALSE, extendedStyle);
 }
@@ -63,7 +50,7 @@ RECT WorkAreaOf(HWND window) {
 }
 
 int SystemMetricAt(int metric, int dpi) {
-  static const auto forDpi = Find<MetricsForDpiFn>(L"user32.dll", "GetSystemMetricsForDpi");
+  static const auto forDpi = SystemFunction<MetricsForDpiFn>(L"user32.dll", "GetSystemMetricsForDpi");
   return forDpi ? forDpi(metric, static_cast<UINT>(dpi)) : GetSystemMetrics(metric);
 }
 

@@ -44,12 +44,11 @@ UniqueIcon ProgramIcon(int size) {
 
 }  // namespace
 
-Form::Form(PictureCache& pictures, TaskbarProgress& taskbar, controls::Window& window)
-    : pictures_(pictures),
-      taskbar_(taskbar),
+Form::Form(FormShare& share, controls::Window& window)
+    : share_(share),
       window_(window),
       layout_(LayoutOf(window.Name())),
-      boxBrush_(CreateSolidBrush(skin::kBox)) {
+      boxBrush_(CreateSolidBrush(Colours().box)) {
   Create();
   MakeViews();
   Rescale(nullptr);
@@ -71,13 +70,21 @@ void Form::Create() {
                                 styles.style, 0, 0, 10, 10, nullptr, nullptr, GetModuleHandleW(nullptr),
                                 this));
   monitorDpi_ = DpiOf(Handle());
+  if (layout_.chrome == Chrome::Dialog) FitTitleBar(Handle(), Colours());
+  // A program with more rights than the shell would not hear it.
+  ChangeWindowMessageFilterEx(Handle(), share_.taskbar.CreatedMessage(), MSGFLT_ALLOW, nullptr);
 }
 
+// In the order of the rows, which is the order in which the keyboard and screen readers walk the window.
 void Form::MakeViews() {
-  for (controls::Control* control : window_.Controls()) {
-    const LayoutRow* row = layout_.Find(control->Name());
-    if (!row) continue;
-    if (auto view = MakeView(*this, *control, *row)) views_.push_back(std::move(view));
+  for (const LayoutRow& row : layout_.rows) {
+    controls::Control* const control = window_.Find(row.name);
+    if (!control) continue;
+    if (auto view = MakeView(*this, *control, row)) views_.push_back(std::move(view));
+  }
+  for (const auto& view : views_) {
+    if (!view->IsGround()) continue;
+    SetWindowPos(view->Handle(), HWND_BOTTOM, 0, 0, 0, 0, SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE);
   }
 }
 
@@ -90,13 +97,14 @@ SIZE Form::WindowSize() const {
   return {Width(rect), Height(rect)};
 }
 
-// Brings everything to the monitor's scale, or to the largest at which the whole window can be seen.
+// Brings everything to the monitor's scale and the player's size of texts, or to the largest at which the
+// whole window can be seen. Texts do not grow alone: the layout grows with them.
 void Form::Rescale(const POINT* corner) {
   const RECT work = WorkAreaOf(Handle());
-  dpi_ = monitorDpi_;
+  const int asked = dpi_ = MulDiv(monitorDpi_, share_.theme.TextPercent(), 100);
   const SIZE wanted = WindowSize();
-  if (wanted.cx > Width(work)) dpi_ = MulDiv(dpi_, Width(work), wanted.cx);
-  if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(monitorDpi_, Height(work), wanted.cy));
+  if (wanted.cx > Width(work)) dpi_ = MulDiv(asked, Width(work), wanted.cx);
+  if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(asked, Height(work), wanted.cy));
   fonts_.clear();
   SetIcons();
   const SIZE size = WindowSize();
@@ -118,8 +126,8 @@ void Form::FitClient(SIZE size) {
 }
 
 void Form::SetIcons() {
-  bigIcon_ = ProgramIcon(SystemMetricAt(SM_CXICON, dpi_));
-  smallIcon_ = ProgramIcon(SystemMetricAt(SM_CXSMICON, dpi_));
+  bigIcon_ = ProgramIcon(SystemMetricAt(SM_CXICON, monitorDpi_));
+  smallIcon_ = ProgramIcon(SystemMetricAt(SM_CXSMICON, monitorDpi_));
   SendMessageW(Handle(), WM_SETICON, ICON_BIG, reinterpret_cast<LPARAM>(bigIcon_.get()));
   SendMessageW(Handle(), WM_SETICON, ICON_SMALL, reinterpret_cast<LPARAM>(smallIcon_.get()));
 }
@@ -150,17 +158,27 @@ void Form::PaintBackground() {
   background_ = std::make_unique<Canvas>(screen, Width(all), Height(all));
   ReleaseDC(Handle(), screen);
   const HDC dc = background_->Dc();
-  if (const HBITMAP picture = pictures_.Picture(window_.Picture, Width(all), Height(all))) {
+  const HBITMAP picture =
+      Colours().plain ? nullptr : Pictures().Picture(window_.Picture, Width(all), Height(all));
+  if (picture) {
     const UniqueDc source(CreateCompatibleDC(dc));
     const HGDIOBJ before = SelectObject(source.get(), picture);
     BitBlt(dc, 0, 0, Width(all), Height(all), source.get(), 0, 0, SRCCOPY);
     SelectObject(source.get(), before);
   } else {
-    Fill(dc, all, Rgb(layout_.colour));
-    if (layout_.chrome != Chrome::Dialog) Outline(dc, all, Scaled(1), skin::kBorder);
+    Fill(dc, all, Colours().plain ? Colours().panel : Rgb(layout_.colour));
+    if (layout_.chrome != Chrome::Dialog) Outline(dc, all, Scaled(1), Colours().border);
+    if (layout_.chrome == Chrome::Borderless) PaintTitle(dc);
   }
-  pictures_.Forget(window_.Picture);  // the surface holds it from here on
+  Pictures().Forget(window_.Picture);  // the surface holds it from here on
   for (const auto& view : views_) view->PaintBehind(dc);
+}
+
+// In place of the title that the picture holds.
+void Form::PaintTitle(HDC dc) {
+  const RECT place{Scaled(44), Scaled(24), Scaled(layout_.width / 2), Scaled(64)};
+  skin::DrawLabel(dc, place, Font(L"Tahoma", 14, false), Colours().caption, Align::Left, Lines::Single,
+                  platform::Wide(window_.Caption.Get()));
 }
 
 void Form::ForgetBackground() {
@@ -211,9 +229,15 @@ void Form::ShowNow() {
         break;
     }
   }
+  const bool appears = window_.Visible && !IsWindowVisible(Handle());
+  if (appears) BringOntoMonitor();
   moving_ = true;
   ShowWindow(Handle(), command);
   moving_ = false;
+  if (appears && layout_.chrome == Chrome::Borderless) FocusFirst();
+  if (appears && layout_.chrome == Chrome::Notice) {
+    NotifyWinEvent(EVENT_SYSTEM_ALERT, Handle(), OBJID_CLIENT, CHILDID_SELF);
+  }
   RedrawWindow(Handle(), nullptr, nullptr, RDW_UPDATENOW | RDW_ALLCHILDREN);
 }
 
@@ -223,6 +247,36 @@ void Form::SizeChanged(WPARAM kind) {
   window_.State = kind == SIZE_MINIMIZED   ? controls::WindowState::Minimised
                   : kind == SIZE_MAXIMIZED ? controls::WindowState::Maximised
                                            : controls::WindowState::Normal;
+}
+
+// A window whose monitor went away, or that was dragged nearly out of sight.
+void Form::BringOntoMonitor() {
+  if (layout_.chrome == Chrome::Notice || IsIconic(Handle())) return;
+  RECT own{}, seen{};
+  GetWindowRect(Handle(), &own);
+  const RECT work = WorkAreaOf(Handle());
+  IntersectRect(&seen, &own, &work);
+  const bool reachable = Width(seen) >= Width(own) / 4 && Height(seen) >= Height(own) / 4 &&
+                         (layout_.chrome == Chrome::Borderless || own.top >= work.top);
+  if (reachable) return;
+  const LONG left = std::max(std::min(own.left, work.right - Width(own)), work.left);
+  const LONG top = std::max(std::min(own.top, work.bottom - Height(own)), work.top);
+  SetWindowPos(Handle(), nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+// The keyboard starts at what matters most.
+void Form::FocusFirst() {
+  const HWND first = GetNextDlgTabItem(Handle(), nullptr, FALSE);
+  if (!first) return;
+  lastFocus_ = first;
+  if (GetFocus() == Handle()) SetFocus(first);
+}
+
+void Form::ThemeChanged() {
+  boxBrush_.reset(CreateSolidBrush(Colours().box));
+  if (layout_.chrome == Chrome::Dialog) FitTitleBar(Handle(), Colours());
+  Rescale(nullptr);
+  BringOntoMonitor();
 }
 
 void Form::Centre() {
@@ -275,8 +329,8 @@ void Form::LimitSize(MINMAXINFO& limits) const {
 
 LRESULT Form::ColourOf(HDC dc, HWND child) const {
   const View* view = ViewOf(child);  // none for a list that hangs below its combo
-  SetTextColor(dc, !view || view->Control().Enabled ? skin::kBoxText : skin::kDimmed);
-  SetBkColor(dc, skin::kBox);
+  SetTextColor(dc, !view || view->Control().Enabled ? Colours().boxText : Colours().dimmed);
+  SetBkColor(dc, Colours().box);
   return reinterpret_cast<LRESULT>(boxBrush_.get());
 }
 
@@ -293,7 +347,7 @@ LRESULT CALLBACK Form::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
 }
 
 LRESULT Form::Message(UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message == taskbar_.CreatedMessage()) taskbar_.ButtonCreated();
+  if (message == share_.taskbar.CreatedMessage()) share_.taskbar.ButtonCreated();
   switch (message) {
     case WM_ERASEBKGND:
       return 1;
@@ -328,10 +382,19 @@ LRESULT Form::Message(UINT message, WPARAM wParam, LPARAM lParam) {
       const RECT& place = *reinterpret_cast<const RECT*>(lParam);
       const POINT corner{place.left, place.top};
       monitorDpi_ = HIWORD(wParam);
-      pictures_.Clear();
+      Pictures().Clear();
       Rescale(&corner);
+      BringOntoMonitor();
       return 0;
     }
+    case WM_DISPLAYCHANGE:
+      BringOntoMonitor();
+      break;
+    case WM_SETTINGCHANGE:
+    case WM_SYSCOLORCHANGE:
+    case WM_THEMECHANGED:
+      share_.settingsChanged();
+      break;
     case WM_COMMAND:
       if (View* view = lParam ? ViewOf(reinterpret_cast<HWND>(lParam)) : nullptr)
         view->Command(HIWORD(wParam));

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -13,15 +14,24 @@
 #include "ui/win32/layout.hpp"
 #include "ui/win32/picture_cache.hpp"
 #include "ui/win32/taskbar_progress.hpp"
+#include "ui/win32/theme.hpp"
 #include "ui/win32/view.hpp"
 
 namespace ui::win32 {
+
+// What all forms have in common.
+struct FormShare {
+  PictureCache pictures;
+  TaskbarProgress taskbar;
+  Theme theme;
+  std::function<void()> settingsChanged;  // of the system; a form was told of it
+};
 
 // A real window that shows one window of the program: frame, scale, background, focus and the pointer's
 // events. Its controls are views.
 class Form {
  public:
-  Form(PictureCache& pictures, TaskbarProgress& taskbar, controls::Window& window);
+  Form(FormShare& share, controls::Window& window);
   ~Form();
   Form(const Form&) = delete;
 
@@ -41,14 +51,16 @@ class Form {
   int Dpi() const { return dpi_; }  // of the drawing: less than the monitor's when the window would not fit
   HFONT Font(const wchar_t* face, int points, bool underline);
   int LineHeight(HFONT font) const;
-  PictureCache& Pictures() { return pictures_; }
+  PictureCache& Pictures() { return share_.pictures; }
+  const Palette& Colours() const { return share_.theme.Colours(); }
   void CopyBackground(HDC dc, const RECT& part);  // of the form, to the surface's origin
   bool ShowsFocus() const { return showsFocus_; }
   void FocusMoved(View& view, bool here);
   void UsedPointer();
   void PointerOver(View* view, HWND over, WPARAM buttons, LPARAM position);
   void PointerLeft();
-  void ShowProgress(int done, int whole) { taskbar_.Show(Handle(), done, whole); }
+  void ShowProgress(int done, int whole, bool failed) { share_.taskbar.Show(Handle(), done, whole, failed); }
+  void ThemeChanged();  // colours or size of texts are others now
 
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
@@ -60,9 +72,12 @@ class Form {
   void Rescale(const POINT* corner);
   void FitClient(SIZE size);
   void PaintBackground();
+  void PaintTitle(HDC dc);
   void ForgetBackground();
   void Paint();
   void ShowNow();
+  void BringOntoMonitor();
+  void FocusFirst();
   void SizeChanged(WPARAM kind);
   void Activated(bool active);
   LRESULT ColourOf(HDC dc, HWND child) const;
@@ -73,8 +88,7 @@ class Form {
   View* LabelAt(POINT point) const;
   SIZE WindowSize() const;
 
-  PictureCache& pictures_;
-  TaskbarProgress& taskbar_;
+  FormShare& share_;
   controls::Window& window_;
   const WindowLayout& layout_;
   UniqueWindow handle_;

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "ui/win32/form.hpp"
+#include "ui/win32/held_keys.hpp"
 
 // The pointer and the keyboard in a form.
 namespace ui::win32 {
@@ -33,7 +34,7 @@ bool IsListOpen(HWND focus) {
 
 View* Form::LabelAt(POINT point) const {
   for (const auto& view : views_) {
-    if (view->TakesPointer() || !view->Handle() || !view->Control().Visible) continue;
+    if (view->TakesPointer() || view->IsGround() || !view->Handle() || !view->Control().Visible) continue;
     const RECT box = view->Box();
     if (PtInRect(&box, point)) return view.get();
   }
@@ -130,6 +131,11 @@ LRESULT Form::SetPointer() {
 }
 
 bool Form::Translate(MSG& message) {
+  if (IsHeldPress(message)) {
+    const View* view = ViewOf(message.hwnd);
+    const bool typed = message.wParam == VK_SPACE && view && view->TakesText();
+    if (!typed) return true;
+  }
   if (message.message == WM_KEYDOWN || message.message == WM_SYSKEYDOWN) {
     const int key = static_cast<int>(message.wParam);
     if (key == VK_ESCAPE && IsListOpen(message.hwnd)) return false;  // closes the list only

@@ -14,7 +14,10 @@ class LabelView : public View {
   }
 
   void Changed(std::string_view property) override {
-    if (property.empty()) SetText(label_.Caption);
+    if (property.empty()) {
+      SetText(label_.Caption);
+      NotifyWinEvent(EVENT_OBJECT_NAMECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
+    }
     if (property == "ForeColor" || property == "FontUnderline") Invalidate();
     View::Changed(property);
   }
@@ -24,7 +27,8 @@ class LabelView : public View {
     if (message != WM_PAINT) return View::Message(message, wParam, lParam);
     const BufferedPaint paint(Handle());
     PaintBackground(paint.Dc());
-    const COLORREF colour = label_.ForeColor == 0 ? Rgb(row_.colour) : COLORREF{label_.ForeColor};
+    const COLORREF own = label_.ForeColor == 0 ? Rgb(row_.colour) : COLORREF{label_.ForeColor};
+    const COLORREF colour = form_.Colours().Own(own);
     skin::DrawLabel(paint.Dc(), paint.Client(), Font(label_.Underline), colour, row_.align, row_.lines,
                     platform::Wide(label_.Caption.Get()));
     return 0;

@@ -11,7 +11,8 @@ enum class Align { Left, Center, Right };
 enum class Lines { Single, Path, Wrapped };
 
 // Where a control stands, in pixels at 96 dots per inch, and how its text looks. A control without a row is
-// not shown.
+// not shown. The rows of a window stand in the order in which the keyboard and screen readers walk it: a
+// label before the box that it names.
 struct LayoutRow {
   std::string_view name;
   int x, y, width, height;

@@ -6,13 +6,14 @@ namespace {
 
 // clang-format off
 constexpr LayoutRow kRows[] = {
-    {"cmdCreditos", 756, 12, 40, 40},
-    {"cmdMinimize", 796, 12, 40, 40},
-    {"cmdClose", 836, 12, 40, 40},
     {"cmdIniciar", 512, 352, 368, 100},
     {"cmdConfig", 516, 476, 120, 48},
     {"cmdReiniciarUpdates", 636, 476, 120, 48},
+    {"lblErrorWhatsApp", 521, 454, 350, 20, 9, 0xF3D690, Align::Right},
     {"cmdReportar", 756, 476, 120, 48},
+    {"cmdCreditos", 756, 12, 40, 40},
+    {"cmdMinimize", 796, 12, 40, 40},
+    {"cmdClose", 836, 12, 40, 40},
     {"lblEstado", 44, 370, 434, 65, 10, 0xF2E6C4, Align::Left, Lines::Wrapped},
     {"lblName", 44, 443, 434, 20, 9, 0xDCE5FA},
     {"lblDirectorio", 44, 463, 434, 20, 9, 0xA9B8DC, Align::Left, Lines::Path},
@@ -22,7 +23,6 @@ constexpr LayoutRow kRows[] = {
     {"lblServerState(1)", 597, 95, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
     {"lblServerState(2)", 597, 137, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
     {"lblServerState(3)", 597, 179, 260, 42, 9, 0xDCE5FA, Align::Left, Lines::Wrapped},
-    {"lblErrorWhatsApp", 521, 454, 350, 20, 9, 0xF3D690, Align::Right},
     {"lblClienteGm", 604, 22, 148, 20, 9, 0xF3D690, Align::Right, Lines::Single, L"MS Sans Serif"},
 };
 // clang-format on

@@ -10,54 +10,10 @@ using std::min;
 
 #include <gdiplus.h>
 
-#include <cstring>
-
 #include "ui/win32/dpi.hpp"
-#include "ui/win32/resample.hpp"
+#include "ui/win32/picture_file.hpp"
 
 namespace ui::win32 {
-namespace {
-
-// A picture over this many pixels is no skin.
-constexpr UINT kLargestSide = 8192;
-
-bool Decode(const std::string& path, Pixels& pixels) {
-  Gdiplus::Bitmap bitmap(platform::Wide(path).c_str());
-  if (bitmap.GetLastStatus() != Gdiplus::Ok) return false;
-  const UINT width = bitmap.GetWidth(), height = bitmap.GetHeight();
-  if (width == 0 || height == 0 || width > kLargestSide || height > kLargestSide) return false;
-  const Gdiplus::Rect whole(0, 0, static_cast<int>(width), static_cast<int>(height));
-  pixels.width = static_cast<int>(width);
-  pixels.height = static_cast<int>(height);
-  pixels.data.resize(static_cast<std::size_t>(width) * height);
-  // Straight into place: large pictures decide how much memory the program ever needs.
-  Gdiplus::BitmapData data{};
-  data.Width = width;
-  data.Height = height;
-  data.Stride = static_cast<INT>(width * sizeof(std::uint32_t));
-  data.PixelFormat = PixelFormat32bppRGB;
-  data.Scan0 = pixels.data.data();
-  constexpr UINT kMode = Gdiplus::ImageLockModeRead | Gdiplus::ImageLockModeUserInputBuf;
-  if (bitmap.LockBits(&whole, kMode, PixelFormat32bppRGB, &data) != Gdiplus::Ok) return false;
-  bitmap.UnlockBits(&data);
-  return true;
-}
-
-UniqueBitmap ToBitmap(const Pixels& pixels) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = pixels.width;
-  info.bmiHeader.biHeight = -pixels.height;  // rows from the top
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  UniqueBitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  if (bitmap) std::memcpy(bits, pixels.data.data(), pixels.data.size() * 4);
-  return bitmap;
-}
-
-}  // namespace
 
 PictureCache::PictureCache() {
   Gdiplus::GdiplusStartupInput input;
@@ -71,8 +27,7 @@ PictureCache::~PictureCache() {
 HBITMAP PictureCache::Picture(const std::string& path, int width, int height) {
   if (path.empty() || width <= 0 || height <= 0) return nullptr;
   const auto [found, isNew] = pictures_.try_emplace({path, width, height});
-  Pixels pixels;
-  if (isNew && Decode(path, pixels)) found->second = ToBitmap(Resampled(pixels, width, height));
+  if (isNew) found->second = ReadPicture(path, width, height);
   return found->second.get();
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <tuple>
 
+#include "platform/win32/com_apartment.hpp"
 #include "ui/win32/gdi.hpp"
 
 namespace ui::win32 {
@@ -27,6 +28,7 @@ class PictureCache {
   void Clear();                          // after a change of scale; pictures in use must be asked for again
 
  private:
+  platform::ComApartment apartment_;
   ULONG_PTR token_ = 0;
   std::map<std::tuple<std::string, int, int>, UniqueBitmap> pictures_;
   std::map<std::pair<std::string, int>, UniqueCursor> cursors_;

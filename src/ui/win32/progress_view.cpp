@@ -1,9 +1,11 @@
 #include <windows.h>
 
 #include <commctrl.h>
+#include <oleacc.h>
 
 #include <algorithm>
 #include <cmath>
+#include <string>
 
 #include "ui/win32/form.hpp"
 #include "ui/win32/skin.hpp"
@@ -26,32 +28,43 @@ class ProgressView : public View {
   }
 
   void Changed(std::string_view property) override {
-    if (property == "Value" || property == "Max") Report();
+    if (property == "Value" || property == "Max" || property == "Failed") Report();
     View::Changed(property);
+  }
+
+  std::optional<Spoken> Speak() const override {
+    const std::wstring percent = std::to_wstring(std::lround(Share() * 100)) + L"%";
+    return Spoken{ROLE_SYSTEM_PROGRESSBAR, L"Progreso", bar_.Failed ? L"Error" : percent,
+                  STATE_SYSTEM_READONLY};
   }
 
  protected:
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {
     if (message != WM_PAINT) return View::Message(message, wParam, lParam);
     const BufferedPaint paint(Handle());
-    skin::DrawProgress(paint.Dc(), paint.Client(), Share());
+    skin::DrawProgress(paint.Dc(), form_.Colours(), paint.Client(), Shown(), bar_.Failed);
     return 0;
   }
 
  private:
   double Share() const { return bar_.Max > 0 ? std::clamp(bar_.Value / bar_.Max, 0.0, 1.0) : 0; }
+  // A failure is seen however far the bar had come.
+  double Shown() const { return bar_.Failed && Share() == 0 ? 1 : Share(); }
 
   void Report() {
-    const int step = static_cast<int>(std::lround(Share() * kSteps));
-    if (step == shown_) return;
+    const int step = static_cast<int>(std::lround(Shown() * kSteps));
+    if (step == shown_ && bar_.Failed == failed_) return;
     shown_ = step;
+    failed_ = bar_.Failed;
     SendMessageW(Handle(), PBM_SETPOS, static_cast<WPARAM>(step), 0);
     Invalidate();
-    form_.ShowProgress(step, kSteps);
+    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
+    form_.ShowProgress(step, kSteps, failed_);
   }
 
   controls::ProgressBar& bar_;
   int shown_ = 0;
+  bool failed_ = false;
 };
 
 }  // namespace

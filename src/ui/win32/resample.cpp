@@ -1,8 +1,9 @@
 #include "ui/win32/resample.hpp"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
+#include <deque>
+#include <vector>
 
 namespace ui::win32 {
 namespace {
@@ -37,36 +38,56 @@ std::vector<Share> Shares(int from, int to) {
   return shares;
 }
 
-std::uint32_t Mixed(const std::uint32_t* first, std::ptrdiff_t stride, const std::vector<float>& weights) {
-  float red = 0.5f, green = 0.5f, blue = 0.5f;
-  for (std::size_t i = 0; i < weights.size(); ++i) {
-    const std::uint32_t pixel = first[static_cast<std::ptrdiff_t>(i) * stride];
-    red += weights[i] * static_cast<float>((pixel >> 16) & 0xFF);
-    green += weights[i] * static_cast<float>((pixel >> 8) & 0xFF);
-    blue += weights[i] * static_cast<float>(pixel & 0xFF);
+class Mix {
+ public:
+  void Add(std::uint32_t pixel, float weight) {
+    red_ += weight * static_cast<float>((pixel >> 16) & 0xFF);
+    green_ += weight * static_cast<float>((pixel >> 8) & 0xFF);
+    blue_ += weight * static_cast<float>(pixel & 0xFF);
   }
-  const auto byte = [](float value) { return static_cast<std::uint32_t>(std::min(value, 255.0f)); };
-  return byte(red) << 16 | byte(green) << 8 | byte(blue);
+  std::uint32_t Pixel() const { return Byte(red_) << 16 | Byte(green_) << 8 | Byte(blue_); }
+
+ private:
+  static std::uint32_t Byte(float value) { return static_cast<std::uint32_t>(std::min(value, 255.0f)); }
+
+  float red_ = 0.5f, green_ = 0.5f, blue_ = 0.5f;
+};
+
+using Row = std::vector<std::uint32_t>;
+
+Row Narrowed(const std::uint32_t* row, const std::vector<Share>& columns) {
+  Row narrow;
+  narrow.reserve(columns.size());
+  for (const Share& share : columns) {
+    Mix mix;
+    for (std::size_t i = 0; i < share.weights.size(); ++i) {
+      mix.Add(row[static_cast<std::size_t>(share.first) + i], share.weights[i]);
+    }
+    narrow.push_back(mix.Pixel());
+  }
+  return narrow;
 }
 
 }  // namespace
 
-Pixels Resampled(const Pixels& source, int width, int height) {
-  if (width == source.width && height == source.height) return source;
-  const std::vector<Share> columns = Shares(source.width, width), rows = Shares(source.height, height);
-  Pixels narrow{width, source.height, {}};
-  narrow.data.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(source.height));
-  for (int y = 0; y < source.height; ++y) {
-    const std::uint32_t* line = source.data.data() + static_cast<std::ptrdiff_t>(y) * source.width;
-    for (const Share& share : columns) narrow.data.push_back(Mixed(line + share.first, 1, share.weights));
+bool Resample(PixelSize from, const NextRow& next, PixelSize to, std::uint32_t* out) {
+  const std::vector<Share> columns = Shares(from.width, to.width);
+  std::deque<Row> rows;  // of the new width, from `first` on
+  int first = 0;
+  for (const Share& share : Shares(from.height, to.height)) {
+    for (; first < share.first && !rows.empty(); ++first) rows.pop_front();
+    while (rows.size() < share.weights.size()) {
+      const std::uint32_t* const row = next();
+      if (!row) return false;
+      rows.push_back(Narrowed(row, columns));
+    }
+    for (std::size_t x = 0; x < columns.size(); ++x) {
+      Mix mix;
+      for (std::size_t i = 0; i < share.weights.size(); ++i) mix.Add(rows[i][x], share.weights[i]);
+      *out++ = mix.Pixel();
+    }
   }
-  Pixels result{width, height, {}};
-  result.data.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height));
-  for (const Share& share : rows) {
-    const std::uint32_t* line = narrow.data.data() + static_cast<std::ptrdiff_t>(share.first) * width;
-    for (int x = 0; x < width; ++x) result.data.push_back(Mixed(line + x, width, share.weights));
-  }
-  return result;
+  return true;
 }
 
 }  // namespace ui::win32

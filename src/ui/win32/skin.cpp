@@ -25,9 +25,18 @@ COLORREF Between(COLORREF from, COLORREF to, double share) {
              mix(GetBValue(from), GetBValue(to)));
 }
 
-constexpr COLORREF kGoldTop = RGB(0xF6, 0xD9, 0x8C);
-constexpr COLORREF kGoldMiddle = RGB(0xD8, 0xA4, 0x44);
-constexpr COLORREF kGoldBottom = RGB(0xA0, 0x6F, 0x22);
+constexpr COLORREF kWhite = RGB(255, 255, 255), kBlack = RGB(0, 0, 0);
+
+// From light above to shade below, the colour itself in the middle.
+void FillRounded(HDC dc, const RECT& rect, COLORREF colour) {
+  const int height = Height(rect);
+  for (int y = 0; y < height; ++y) {
+    const double at = height > 1 ? static_cast<double>(y) / (height - 1) : 0.5;
+    const COLORREF line = at < 0.5 ? Between(Between(colour, kWhite, 0.45), colour, at * 2)
+                                   : Between(colour, Between(colour, kBlack, 0.4), at * 2 - 1);
+    Fill(dc, {rect.left, rect.top + y, rect.right, rect.top + y + 1}, line);
+  }
+}
 
 UINT Flags(Align align, Lines lines) {
   UINT flags = DT_NOPREFIX;
@@ -45,31 +54,34 @@ UINT Flags(Align align, Lines lines) {
 
 }  // namespace
 
-void DrawBox(HDC dc, const RECT& rect, int line) {
-  Fill(dc, rect, kBox);
-  Outline(dc, rect, line, kBorder);
+void DrawBox(HDC dc, const Palette& palette, const RECT& rect, int line) {
+  Fill(dc, rect, palette.box);
+  Outline(dc, rect, line, palette.border);
 }
 
-void DrawProgress(HDC dc, RECT rect, double share) {
-  Fill(dc, rect, kGroove);
-  const int height = Height(rect);
-  const int right = static_cast<int>(rect.left + Width(rect) * std::clamp(share, 0.0, 1.0) + 0.5);
-  for (int y = 0; y < height; ++y) {
-    const double at = height > 1 ? static_cast<double>(y) / (height - 1) : 0;
-    const COLORREF colour =
-        at < 0.5 ? Between(kGoldTop, kGoldMiddle, at * 2) : Between(kGoldMiddle, kGoldBottom, at * 2 - 1);
-    Fill(dc, {rect.left, rect.top + y, right, rect.top + y + 1}, colour);
+void DrawProgress(HDC dc, const Palette& palette, RECT rect, double share, bool failed) {
+  Fill(dc, rect, palette.groove);
+  if (palette.plain) Outline(dc, rect, 1, palette.border);
+  RECT filled = rect;
+  filled.right = static_cast<int>(rect.left + Width(rect) * std::clamp(share, 0.0, 1.0) + 0.5);
+  const COLORREF colour = failed ? palette.failed : palette.done;
+  if (palette.plain) {
+    Fill(dc, filled, colour);
+  } else {
+    FillRounded(dc, filled, colour);
   }
 }
 
-void DrawButton(HDC dc, const RECT& rect, int line, bool pressed) {
+void DrawButton(HDC dc, const Palette& palette, const RECT& rect, int line, bool pressed) {
+  const COLORREF top = palette.plain ? palette.box : palette.chosen;
+  const COLORREF foot = palette.plain ? palette.box : Between(palette.chosen, palette.box, 0.6);
   const int height = Height(rect);
   for (int y = 0; y < height; ++y) {
     const double at = static_cast<double>(y) / std::max(height - 1, 1);
-    const COLORREF colour = Between(RGB(0x24, 0x36, 0x6C), RGB(0x12, 0x1C, 0x40), pressed ? 1 - at : at);
+    const COLORREF colour = Between(top, foot, pressed ? 1 - at : at);
     Fill(dc, {rect.left, rect.top + y, rect.right, rect.top + y + 1}, colour);
   }
-  Outline(dc, rect, line, kBorder);
+  Outline(dc, rect, pressed && palette.plain ? 2 * line : line, palette.border);
 }
 
 void DrawArrow(HDC dc, const RECT& rect, COLORREF colour) {
@@ -85,22 +97,22 @@ void DrawArrow(HDC dc, const RECT& rect, COLORREF colour) {
   graphics.FillPolygon(&brush, corners, 3);
 }
 
-void DrawRadio(HDC dc, const RECT& rect, bool on) {
+void DrawRadio(HDC dc, const Palette& palette, const RECT& rect, bool on) {
   Gdiplus::Graphics graphics(dc);
   graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
   const auto size = static_cast<float>(Width(rect)) - 1;
   const auto left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
-  const Gdiplus::SolidBrush inside(Solid(kBox));
-  const Gdiplus::Pen ring(Solid(kBorder), std::max(size / 12, 1.0f));
+  const Gdiplus::SolidBrush inside(Solid(palette.box));
+  const Gdiplus::Pen ring(Solid(palette.border), std::max(size / 12, 1.0f));
   graphics.FillEllipse(&inside, left, top, size, size);
   graphics.DrawEllipse(&ring, left, top, size, size);
   if (!on) return;
-  const Gdiplus::SolidBrush dot(Solid(kFocus));
+  const Gdiplus::SolidBrush dot(Solid(palette.focus));
   graphics.FillEllipse(&dot, left + size * 0.27f, top + size * 0.27f, size * 0.46f, size * 0.46f);
 }
 
-void DrawTick(HDC dc, const RECT& rect, int line, bool on) {
-  DrawBox(dc, rect, line);
+void DrawTick(HDC dc, const Palette& palette, const RECT& rect, int line, bool on) {
+  DrawBox(dc, palette, rect, line);
   if (!on) return;
   Gdiplus::Graphics graphics(dc);
   graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
@@ -109,7 +121,7 @@ void DrawTick(HDC dc, const RECT& rect, int line, bool on) {
   const Gdiplus::PointF stroke[] = {{left + size * 0.22f, top + size * 0.52f},
                                     {left + size * 0.42f, top + size * 0.72f},
                                     {left + size * 0.78f, top + size * 0.28f}};
-  const Gdiplus::Pen pen(Solid(kFocus), size / 8);
+  const Gdiplus::Pen pen(Solid(palette.focus), size / 8);
   graphics.DrawLines(&pen, stroke, 3);
 }
 

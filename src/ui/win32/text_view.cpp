@@ -24,9 +24,9 @@ class TextView : public View {
                  Width(box) - 2 * side, height, SWP_NOZORDER | SWP_NOACTIVATE);
   }
 
-  void PaintBehind(HDC dc) override { skin::DrawBox(dc, Box(), form_.Scaled(1)); }
+  void PaintBehind(HDC dc) override { skin::DrawBox(dc, form_.Colours(), Box(), form_.Scaled(1)); }
   void PaintFocus(HDC dc) override {
-    if (Focused()) Outline(dc, Box(), form_.Scaled(2), skin::kFocus);
+    if (Focused()) Outline(dc, Box(), form_.Scaled(2), form_.Colours().focus);
   }
 
   void Changed(std::string_view property) override {
@@ -40,6 +40,7 @@ class TextView : public View {
   }
 
   bool TakesPointer() const override { return true; }
+  bool TakesText() const override { return true; }
 
  protected:
   LRESULT Message(UINT message, WPARAM wParam, LPARAM lParam) override {

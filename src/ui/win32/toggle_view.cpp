@@ -78,15 +78,16 @@ class ToggleView : public View {
     const RECT mark{form_.Scaled(2), (text.bottom - size) / 2, form_.Scaled(2) + size,
                     (text.bottom + size) / 2};
     if (radio_) {
-      skin::DrawRadio(paint.Dc(), mark, kind_.Value);
+      skin::DrawRadio(paint.Dc(), form_.Colours(), mark, kind_.Value);
     } else {
-      skin::DrawTick(paint.Dc(), mark, form_.Scaled(1), kind_.Value);
+      skin::DrawTick(paint.Dc(), form_.Colours(), mark, form_.Scaled(1), kind_.Value);
     }
     text.left = mark.right + form_.Scaled(7);
-    const COLORREF colour = control_.Enabled ? Rgb(row_.colour) : skin::kDimmed;
+    const COLORREF colour = TextColour();
     skin::DrawLabel(paint.Dc(), text, Font(), colour, Align::Left, Lines::Single,
                     platform::Wide(kind_.Caption.Get()));
-    if (Focused() && form_.ShowsFocus()) Outline(paint.Dc(), paint.Client(), form_.Scaled(1), skin::kFocus);
+    if (Focused() && form_.ShowsFocus())
+      Outline(paint.Dc(), paint.Client(), form_.Scaled(1), form_.Colours().focus);
   }
 
   Kind& kind_;

@@ -12,10 +12,15 @@
 namespace ui::win32 {
 namespace {
 
-constexpr const wchar_t* kClass = L"LauncherTray";
 constexpr UINT kIconId = 1;
 // The shell reports each mouse message on the icon as a move whose x coordinate is the message's number.
 constexpr UINT kCallback = WM_MOUSEMOVE;
+
+// The taskbar's scale is the icon's; it may change at any time.
+int IconSize(HWND own) {
+  const HWND taskbar = FindWindowW(L"Shell_TrayWnd", nullptr);
+  return SystemMetricAt(SM_CXSMICON, DpiOf(taskbar ? taskbar : own));
+}
 
 }  // namespace
 
@@ -27,11 +32,13 @@ TrayIcon::TrayIcon(PictureCache& pictures, std::function<void(int)> mouse)
   info.cbSize = sizeof info;
   info.lpfnWndProc = &TrayIcon::Procedure;
   info.hInstance = GetModuleHandleW(nullptr);
-  info.lpszClassName = kClass;
+  info.lpszClassName = kTrayClass;
   RegisterClassExW(&info);
   // A top-level window, since the shell's broadcast does not reach others.
-  handle_.reset(CreateWindowExW(WS_EX_TOOLWINDOW, kClass, L"Form1", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
-                                info.hInstance, nullptr));
+  handle_.reset(CreateWindowExW(WS_EX_TOOLWINDOW, kTrayClass, L"Form1", WS_POPUP, 0, 0, 0, 0, nullptr,
+                                nullptr, info.hInstance, nullptr));
+  // A program with more rights than the shell would not hear it.
+  ChangeWindowMessageFilterEx(handle_.get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
   SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
 }
 
@@ -55,14 +62,15 @@ LRESULT TrayIcon::Message(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 void TrayIcon::LoadIconImage() {
-  if (icon_ && loadedFile_ == file_) return;
-  const int size = SystemMetricAt(SM_CXSMICON, DpiOf(handle_.get()));
+  const int size = IconSize(handle_.get());
+  if (icon_ && loadedFile_ == file_ && loadedSize_ == size) return;
   if (!file_.empty()) icon_ = pictures_.Icon(file_, size);
   if (file_.empty() || !icon_) {
     icon_.reset(static_cast<HICON>(
         LoadImageW(GetModuleHandleW(nullptr), L"AAA", IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
   }
   loadedFile_ = file_;
+  loadedSize_ = size;
 }
 
 bool TrayIcon::Tell(DWORD action) {

@@ -11,6 +11,8 @@
 
 namespace ui::win32 {
 
+inline constexpr const wchar_t* kTrayClass = L"LauncherTray";
+
 // The program's icon in the notification area, and the invisible window that its mouse messages go to.
 class TrayIcon {
  public:
@@ -36,6 +38,7 @@ class TrayIcon {
   UINT taskbarCreated_;
   UniqueIcon icon_;
   std::string file_, loadedFile_;
+  int loadedSize_ = 0;
   std::wstring tip_;
   bool wanted_ = false;
 };

@@ -57,6 +57,10 @@ LRESULT CALLBACK View::Procedure(HWND window, UINT message, WPARAM wParam, LPARA
   return view ? view->Message(message, wParam, lParam) : DefWindowProcW(window, message, wParam, lParam);
 }
 
+const Speaker* View::SpeakerOf(HWND window) {
+  return reinterpret_cast<View*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+}
+
 LRESULT View::Message(UINT message, WPARAM wParam, LPARAM lParam) {
   switch (message) {
     case WM_ERASEBKGND:
@@ -66,6 +70,9 @@ LRESULT View::Message(UINT message, WPARAM wParam, LPARAM lParam) {
       Invalidate();
       return result;
     }
+    case WM_GETOBJECT:
+      if (const auto answer = AnswerGetObject(Handle(), wParam, lParam, &View::SpeakerOf)) return *answer;
+      break;
     case WM_NCHITTEST:
       if (!TakesPointer()) return HTTRANSPARENT;
       break;
@@ -100,6 +107,10 @@ void View::Changed(std::string_view property) {
 }
 
 void View::SetText(const std::string& text) { SetWindowTextW(Handle(), platform::Wide(text).c_str()); }
+
+COLORREF View::TextColour() const {
+  return control_.Enabled ? form_.Colours().Own(Rgb(row_.colour)) : form_.Colours().dimmed;
+}
 
 HFONT View::Font(bool underline) const { return form_.Font(row_.face, row_.points, underline); }
 

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "controls/kinds.hpp"
+#include "ui/win32/accessible.hpp"
 #include "ui/win32/gdi.hpp"
 #include "ui/win32/layout.hpp"
 
@@ -16,7 +17,7 @@ class Form;
 
 // One control of a window, shown by a child window of a system class, so that keyboard and screen readers
 // know what it is. How it looks is ours.
-class View {
+class View : public Speaker {
  public:
   View(Form& form, controls::Control& control, const LayoutRow& row);
   virtual ~View();
@@ -31,9 +32,12 @@ class View {
   virtual void Command(int /*notification*/) {}         // the child tells its parent something
   virtual void Draw(const DRAWITEMSTRUCT& /*item*/) {}  // an owner-drawn child asks to be drawn
   virtual void PaintBehind(HDC) {}                      // into the background that all views share
-  virtual void PaintFocus(HDC) {}                       // onto the form, around the child
-  virtual bool Press() { return false; }                // by Enter; false: it cannot be pressed
-  virtual bool TakesPointer() const { return false; }   // false: the form sees the pointer over it
+  virtual bool IsGround() const { return false; }       // others stand on it
+  std::optional<Spoken> Speak() const override { return std::nullopt; }
+  virtual void PaintFocus(HDC) {}                      // onto the form, around the child
+  virtual bool Press() { return false; }               // by Enter; false: it cannot be pressed
+  virtual bool TakesPointer() const { return false; }  // false: the form sees the pointer over it
+  virtual bool TakesText() const { return false; }     // it can be typed into
 
  protected:
   // Makes the child window; its messages come to Message from then on.
@@ -45,6 +49,7 @@ class View {
   void Invalidate() const { InvalidateRect(Handle(), nullptr, FALSE); }
   bool Focused() const { return GetFocus() == Handle(); }
   HFONT Font(bool underline = false) const;
+  COLORREF TextColour() const;  // of the row, or that of a control that cannot be used
   // A memory surface of the child's size that already shows the form's background.
   void PaintBackground(HDC dc) const;
 
@@ -54,6 +59,7 @@ class View {
 
  private:
   static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
+  static const Speaker* SpeakerOf(HWND window);
 
   UniqueWindow handle_;
   WNDPROC before_ = nullptr;

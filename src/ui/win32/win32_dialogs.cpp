@@ -1,5 +1,8 @@
 #include "ui/win32/win32_dialogs.hpp"
 
+#include "base/unique_handle.hpp"
+#include "ui/win32/held_keys.hpp"
+
 namespace ui::win32 {
 
 using platform::DialogAnswer;
@@ -20,26 +23,37 @@ BOOL CALLBACK PressLastButton(HWND window, LPARAM) {
   return TRUE;
 }
 
+struct HookTraits : base::NullIsNone<HHOOK> {
+  static void Close(HHOOK hook) { UnhookWindowsHookEx(hook); }
+};
+using UniqueHook = base::UniqueHandle<HookTraits>;
+
+LRESULT CALLBACK DropHeldPresses(int code, WPARAM wParam, LPARAM lParam) {
+  if (code == MSGF_DIALOGBOX && IsHeldPress(*reinterpret_cast<const MSG*>(lParam))) return TRUE;
+  return CallNextHookEx(nullptr, code, wParam, lParam);
+}
+
+UINT KindOf(DialogButtons buttons) {
+  switch (buttons) {
+    case DialogButtons::Ok:
+      return MB_OK;
+    case DialogButtons::YesNo:
+    case DialogButtons::RiskyYesNo:
+      return MB_YESNO |
+             (platform::DefaultAnswer(buttons) == DialogAnswer::No ? MB_DEFBUTTON2 : MB_DEFBUTTON1);
+    case DialogButtons::YesNoCancel:
+      break;
+  }
+  return MB_YESNOCANCEL;
+}
+
 }  // namespace
 
 void Win32Dialogs::CloseAll() { EnumThreadWindows(GetCurrentThreadId(), &PressLastButton, 0); }
 
 DialogAnswer Win32Dialogs::Show(const std::string& text, DialogButtons buttons, const std::string& title) {
-  UINT kind = MB_SETFOREGROUND;
-  DialogAnswer closed = DialogAnswer::Ok;
-  switch (buttons) {
-    case DialogButtons::Ok:
-      kind |= MB_OK;
-      break;
-    case DialogButtons::YesNo:
-      kind |= MB_YESNO;
-      closed = DialogAnswer::No;
-      break;
-    case DialogButtons::YesNoCancel:
-      kind |= MB_YESNOCANCEL;
-      closed = DialogAnswer::Cancel;
-      break;
-  }
+  const UniqueHook filter(SetWindowsHookExW(WH_MSGFILTER, &DropHeldPresses, nullptr, GetCurrentThreadId()));
+  const UINT kind = MB_SETFOREGROUND | KindOf(buttons);
   const HWND owner = screen_ ? screen_->DialogOwner() : nullptr;
   switch (MessageBoxW(owner, platform::Wide(text).c_str(), platform::Wide(title).c_str(), kind)) {
     case IDYES:
@@ -49,7 +63,7 @@ DialogAnswer Win32Dialogs::Show(const std::string& text, DialogButtons buttons, 
     case IDOK:
       return DialogAnswer::Ok;
     default:
-      return closed;
+      return platform::UnattendedAnswer(buttons);
   }
 }
 

@@ -1,10 +1,23 @@
 #include "ui/win32/win32_screen.hpp"
 
+#include <windows.h>
+// after windows.h, which it builds on
+#include <shellapi.h>
+
 #include "ui/win32/dpi.hpp"
 
 namespace ui::win32 {
 
-Win32Screen::Win32Screen() : tray_(pictures_, [this](int number) { TrayMessage(number); }) {}
+Win32Screen::Win32Screen() : tray_(share_.pictures, [this](int number) { TrayMessage(number); }) {
+  share_.settingsChanged = [this] { SettingsChanged(); };
+}
+
+// Every form is told of the same change; the first one to tell it settles it.
+void Win32Screen::SettingsChanged() {
+  if (!share_.theme.Refresh()) return;
+  share_.pictures.Clear();
+  for (const auto& [window, form] : forms_) form->ThemeChanged();
+}
 
 bool Win32Screen::Translate(MSG& message) {
   if (!message.hwnd) return false;
@@ -34,7 +47,7 @@ HWND Win32Screen::DialogOwner() const {
 }
 
 void Win32Screen::Attach(controls::Window& window) {
-  forms_[&window] = std::make_unique<Form>(pictures_, taskbar_, window);
+  forms_[&window] = std::make_unique<Form>(share_, window);
   window.SetFace(this);
 }
 
@@ -67,6 +80,22 @@ void Win32Screen::BringToForeground(controls::Window& window) { FormOf(window).T
 
 void Win32Screen::SetTopmost(controls::Window& window) {
   SetWindowPos(FormOf(window).Handle(), HWND_TOPMOST, 0, 0, 0, 0, SWP_NOSIZE | SWP_NOMOVE | SWP_NOACTIVATE);
+}
+
+bool Win32Screen::PlayerIsBusy() {
+  QUERY_USER_NOTIFICATION_STATE state{};
+  if (FAILED(SHQueryUserNotificationState(&state))) return false;
+  return state == QUNS_BUSY || state == QUNS_RUNNING_D3D_FULL_SCREEN || state == QUNS_PRESENTATION_MODE;
+}
+
+// Only the program that the player is using may give this right, and only to one that asks soon.
+void Win32Screen::LetOthersComeToFront() {
+  const DWORD own = GetCurrentProcessId();
+  for (HWND tray = nullptr; (tray = FindWindowExW(nullptr, tray, kTrayClass, nullptr)) != nullptr;) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(tray, &process);
+    if (process != own) AllowSetForegroundWindow(process);
+  }
 }
 
 void Win32Screen::StartDrag(controls::Window& window) { FormOf(window).StartDrag(); }

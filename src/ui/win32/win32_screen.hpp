@@ -8,8 +8,6 @@
 
 #include "ui/screen.hpp"
 #include "ui/win32/form.hpp"
-#include "ui/win32/picture_cache.hpp"
-#include "ui/win32/taskbar_progress.hpp"
 #include "ui/win32/tray_icon.hpp"
 
 namespace ui::win32 {
@@ -27,6 +25,10 @@ class Win32Screen : public Screen, public controls::Face {
   // The window that a message box belongs to: the active one, else the first that is on screen; may be null.
   HWND DialogOwner() const;
 
+  // Colours and sizes are asked for anew; what differs reaches every window.
+  void SettingsChanged();
+  Theme& Look() { return share_.theme; }
+
   void Attach(controls::Window& window) override;
   void Detach(controls::Window& window) override;
   Area WorkArea() override;
@@ -38,6 +40,8 @@ class Win32Screen : public Screen, public controls::Face {
   void SetTopmost(controls::Window& window) override;
   void StartDrag(controls::Window& window) override;
   void NotifyIcon(TrayAction action, const std::string& tip) override;
+  bool PlayerIsBusy() override;
+  void LetOthersComeToFront() override;
   void SetTrayPicture(const std::string& file) override;
   void PopupMenu(controls::Menu& menu) override;
 
@@ -48,8 +52,7 @@ class Win32Screen : public Screen, public controls::Face {
  private:
   Form& FormOf(const controls::Window& window) const { return *forms_.at(&window); }
 
-  PictureCache pictures_;
-  TaskbarProgress taskbar_;
+  FormShare share_;
   std::map<const controls::Window*, std::unique_ptr<Form>> forms_;
   TrayIcon tray_;
 };

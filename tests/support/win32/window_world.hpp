@@ -80,9 +80,15 @@ struct WindowWorld : TestServices {
     Send(Child(image), WM_LBUTTONDOWN, MK_LBUTTON, 12, 12);
     Send(Child(image), WM_LBUTTONUP, 0, 12, 12);
   }
-  void Key(int key) {
-    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYDOWN, static_cast<WPARAM>(key), 1);
-    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYUP, static_cast<WPARAM>(key), 0xC0000001);
+  // `repeats`: how often the system tells of the key again while it is held down.
+  void Key(int key, int repeats = 0) {
+    for (int i = 0; i <= repeats; ++i) {
+      PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYDOWN, static_cast<WPARAM>(key),
+                   i == 0 ? 1 : 0x40000001);
+      host.events->DoEvents();
+    }
+    PostMessageW(GetFocus() ? GetFocus() : handle, WM_KEYUP, static_cast<WPARAM>(key),
+                 static_cast<LPARAM>(0xC0000001));
     host.events->DoEvents();
   }
   void TrayMouse(int number) { SendMessageW(FindWindowW(L"LauncherTray", nullptr), WM_MOUSEMOVE, 0, number); }

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+#include "ui/win32/gdi.hpp"
+
+namespace ui::win32 {
+
+// The picture of a file (UTF-8, full path) in exactly this size; null when it cannot be read. It is read row
+// by row: a background drawn for twice the scale would decide how much memory the program ever needs. The
+// caller's thread has COM.
+UniqueBitmap ReadPicture(const std::string& path, int width, int height);
+
+}  // namespace ui::win32

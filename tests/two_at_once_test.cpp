@@ -1,0 +1,255 @@
+// Two things at once, and things that go wrong: what a player and an operator are told, and that nothing is
+// lost.
+#include <gtest/gtest.h>
+
+#include <list>
+
+#include "platform/encoding.hpp"
+#include "platform/files.hpp"
+#include "startup/launcher_settings.hpp"
+#include "support/launcher_run.hpp"
+
+namespace {
+
+using platform::DialogAnswer;
+using support::Answer;
+using support::LauncherRun;
+using update::Mode;
+
+void PublishGame(LauncherRun& run) {
+  run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/1.map", "uno"}});
+  run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/2.map", "dos"}});
+  run.mirror.AddBinFile("KVN-DX8.exe", "el cliente");
+  run.mirror.AddBinFile("sub\\a.dll", std::string(3'000, 'a'));
+  run.mirror.Publish();
+}
+
+std::string Log(const LauncherRun& run) { return platform::FromAnsi(run.folder.Get("Errores.log")); }
+
+// Does something once, from inside the events that the launcher lets happen while it waits.
+class Once {
+ public:
+  Once(LauncherRun& run, std::function<bool()> when, std::function<void()> what)
+      : run_(run),
+        id_(run.machine.events->Timers().Start(5, [this, when = std::move(when), what = std::move(what)] {
+          if (done || !when()) return;
+          done = true;
+          what();
+        })) {
+    run_.machine.clock.stepOnRead = 5;
+  }
+  ~Once() { run_.machine.events->Timers().Stop(id_); }
+
+  bool done = false;
+
+ private:
+  LauncherRun& run_;
+  platform::TimerQueue::Id id_;
+};
+
+std::function<bool()> Asked(LauncherRun& run, const std::string& piece) {
+  return [&run, path = run.mirror.PathOf(piece)] { return run.mirror.server.Count(path) > 0; };
+}
+
+std::function<void()> ConfirmRepair(LauncherRun& run) {
+  return [&run] {
+    run.machine.dialogs.answers = {DialogAnswer::Yes};
+    run.Launched().MainWindow().cmdReiniciarUpdates.Click();
+  };
+}
+
+TEST(TwoAtOnce, ARepairDuringARunEndsItAndFetchesEverythingOnceMore) {
+  for (const char* piece : {"OldAct/Update.ini", "OldAct/Mapas/Mapas1.zip", "OldAct/Mapas/Mapas2.zip",
+                            "NewAct2/Info.kvn", "NewAct2/Bin/sub/a.dll.kvn"}) {
+    SCOPED_TRACE(piece);
+    LauncherRun run;
+    PublishGame(run);
+    run.Start();
+    Once repair(run, Asked(run, piece), ConfirmRepair(run));
+    run.Play();
+    run.UntilEnded();
+    EXPECT_TRUE(repair.done);
+    EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+    EXPECT_EQ(run.Counter("Mapas"), "2\r\n");
+    const auto times = [&](const char* asked) { return run.mirror.server.Count(run.mirror.PathOf(asked)); };
+    EXPECT_EQ(times("OldAct/Update.ini"), 2u) << "one run for the press, one for the repair";
+    EXPECT_LE(times("OldAct/Mapas/Mapas1.zip"), 2u);
+    EXPECT_LE(times("NewAct2/Info.kvn"), 2u);
+    EXPECT_TRUE(run.machine.dialogs.shown.size() == 1) << "nothing but the repair's question";
+  }
+}
+
+TEST(TwoAtOnce, PlayDuringARepairsRunDoesNothing) {
+  LauncherRun run;
+  PublishGame(run);
+  run.Start();
+  Once play(run, Asked(run, "OldAct/Mapas/Mapas1.zip"), [&] {
+    EXPECT_EQ(run.Launched().Mode(), Mode::Updating);
+    run.Play();
+    run.Launched().MainWindow().tmrUpdates.Tick();
+  });
+  ConfirmRepair(run)();
+  run.UntilEnded();
+  EXPECT_TRUE(play.done);
+  EXPECT_EQ(run.mirror.Asked().size(), 6u) << "list, two patches, index, two files";
+}
+
+TEST(TwoAtOnce, ARepairConfirmedDuringStartUpRunsAfterIt) {
+  LauncherRun run;
+  PublishGame(run);
+  run.folder.Put(run.game + "/RECURSOS/INIT/AUMapas.ini", "2\r\n");
+  Answer slow = support::Text("1");
+  slow.waitMs = 300;
+  run.mirror.server.On(run.mirror.PathOf("Online.txt"), slow);
+  Once repair(run, Asked(run, "Online.txt"), [&] {
+    EXPECT_EQ(run.Launched().Mode(), Mode::Starting);
+    ConfirmRepair(run)();
+  });
+  run.Start();
+  EXPECT_TRUE(repair.done);
+  EXPECT_EQ(run.Launched().Mode(), Mode::Updating);
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("OldAct/Mapas/Mapas1.zip")), 1u);
+}
+
+TEST(Failures, ARunThatFailedSaysWhyAndLetsThePlayerGoOn) {
+  LauncherRun run;
+  PublishGame(run);
+  run.mirror.server.On(run.mirror.PathOf("OldAct/Mapas/Mapas2.zip"), support::Page(404, "no"));
+  run.Start();
+  run.Play();
+  run.UntilStopped();
+  controls::MainWindow& window = run.Launched().MainWindow();
+  EXPECT_EQ(run.Status(), "No se pudo instalar Mapas/Mapas2.zip: el servidor respondió 404.");
+  EXPECT_EQ(window.ProgressBar1.Value.Get(), 0);
+  EXPECT_TRUE(window.NewsTimer.On());
+  EXPECT_EQ(run.Launched().Mode(), Mode::Idle);
+  EXPECT_EQ(run.Counter("Mapas"), "1\r\n");
+  EXPECT_NE(Log(run).find("Mapas/Mapas2.zip: el servidor respondió 404 (HTTP 404, 2 de 2 bytes)"),
+            std::string::npos)
+      << Log(run);
+  window.NewsTimer.Tick();
+  EXPECT_EQ(run.Status(), "No se pudo instalar Mapas/Mapas2.zip: el servidor respondió 404.")
+      << "news put it back";
+  window.MouseMove(controls::MouseButton::None);
+  window.NewsTimer.Tick();
+  EXPECT_EQ(run.Status(), "");
+}
+
+TEST(Failures, WhateverEndsUpdateOnlyModeWithOneStandsInTheLog) {
+  const struct {
+    const char* what;
+    const char* path;
+    Answer answer;
+    const char* logged;
+  } cases[] = {
+      {"no list", "OldAct/Update.ini", support::CutShort("[INIT]", 2), "Update.ini: la conexión se cortó"},
+      {"garbage for a list", "OldAct/Update.ini", support::Text("hola"), "Update.ini: Init no es un número"},
+      {"no archive", "OldAct/Mapas/Mapas1.zip", support::CutShort("PK", 1), "tiempo de espera agotado"},
+      {"bad archive", "OldAct/Mapas/Mapas1.zip", support::Text("PK"), "Error al Unzipear, pruebe"},
+  };
+  for (const auto& entry : cases) {
+    SCOPED_TRACE(entry.what);
+    LauncherRun run;
+    PublishGame(run);
+    run.mirror.server.On(run.mirror.PathOf(entry.path), entry.answer);
+    run.Start("/UPDATES");
+    run.UntilEnded();
+    EXPECT_EQ(run.Launched().Life().ExitStatus(), 1);
+    EXPECT_NE(Log(run).find(entry.logged), std::string::npos) << Log(run);
+  }
+}
+
+// Before there is a window nobody could close the program, so it ends by itself.
+TEST(Failures, AStartThatFailsBeforeTheWindowEndsTheProgram) {
+  for (const char* commandLine : {"", "/UPDATES"}) {
+    LauncherRun run;
+    run.mirror.Publish();
+    run.folder.Put(run.game + "/RECURSOS", "a file where a folder must be");
+    run.Start(commandLine);
+    EXPECT_TRUE(run.Launched().Life().Ending());
+    EXPECT_EQ(run.Launched().Life().ExitStatus(), 1);
+    EXPECT_EQ(run.machine.dialogs.shown.size(), 1u);
+    EXPECT_NE(Log(run).find("del procedimiento Main del Módulo modGeneral En la linea: 10"),
+              std::string::npos);
+  }
+}
+
+TEST(Failures, AManifestOrScratchFolderThatCannotBeWrittenDoesNotStopTheStart) {
+  LauncherRun run;
+  run.mirror.Publish();
+  run.folder.Put(run.game + "/RECURSOS/INIT/UPDATE", "a file");
+  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "x");
+  platform::MakeFolders(run.folder / (run.game + "/Kelvarin.exe.manifest/x"));
+  run.Start();
+  EXPECT_EQ(run.Launched().Mode(), Mode::Idle);
+  EXPECT_NE(Log(run).find("Kelvarin.exe.manifest: "), std::string::npos) << Log(run);
+}
+
+// What was expanded must be what the index names before it replaces anything.
+TEST(Failures, AStaleOrForeignPackedFileNeverReachesTheGame) {
+  LauncherRun run;
+  PublishGame(run);
+  run.mirror.server.On(run.mirror.PathOf("NewAct2/Bin/sub/a.dll.kvn"),
+                       support::Text(support::MakePacked("otra versión")));
+  run.folder.Put(run.game + "/Bin/sub/a.dll", "la vieja");
+  run.folder.Put(run.game + "/RECURSOS/UPDATE/KVN-DX8.exe.kvn", support::MakePacked("ajeno"));
+  run.folder.Put(run.game + "/RECURSOS/UPDATE/nuevo.dll.kvn", support::MakePacked("ajeno"));
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el cliente");
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/sub/a.dll"), "la vieja");
+  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/nuevo.dll"));
+  EXPECT_NE(Log(run).find("a.dll: su contenido no es el que nombra el índice"), std::string::npos)
+      << Log(run);
+  EXPECT_TRUE(platform::ListTree(run.folder / (run.game + "/RECURSOS/UPDATE")).empty());
+  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/UPDATE/sub")) << "no empty folder is left behind";
+  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/INIT/UPDATE/tmp.tmp"));
+}
+
+TEST(Failures, ADollarAnywhereBelowBinKeepsAFile) {
+  LauncherRun run;
+  PublishGame(run);
+  run.folder.Put(run.game + "/Bin/d$/f", "mío");
+  run.folder.Put(run.game + "/Bin/d/f", "ajeno");
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/d$/f"), "mío");
+  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/d/f"));
+}
+
+// Every entry of the ring is bad in a way of its own, and the game arrives all the same.
+TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
+  LauncherRun run;
+  PublishGame(run);
+  const std::string base = support::GameMirror::kBase;
+  const struct {
+    const char* piece;
+    Answer answer;
+  } faults[] = {{"OldAct/Update.ini", support::Text("<html>hola</html>")},
+                {"OldAct/Mapas/Mapas1.zip", support::Page(404, "no")},
+                {"OldAct/Mapas/Mapas2.zip", support::Text("PK dañado")},
+                {"NewAct2/Info.kvn", support::CutShort("xxxx", 2)},
+                {"NewAct2/Bin/KVN-DX8.exe.kvn", support::Text(support::MakePacked("otro"))}};
+  std::vector<std::string> mirrors;
+  std::list<support::FaultyServer> servers;
+  for (const auto& fault : faults) {
+    support::FaultyServer& bad = servers.emplace_back("127.0.0.12");
+    bad.Otherwise(
+        [&run](const support::SeenRequest& request) { return run.mirror.server.AnswerFor(request); });
+    bad.On(base + fault.piece, fault.answer);
+    mirrors.push_back(bad.Url(base));
+  }
+  mirrors.push_back(run.mirror.Url());
+  support::Deploy(run.folder, run.game, mirrors, run.mirror.server.Url(""));
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  EXPECT_TRUE(run.machine.dialogs.shown.empty());
+}
+
+}  // namespace
