@@ -5,13 +5,17 @@ target_compile_definitions(project_options INTERFACE UNICODE _UNICODE NOMINMAX W
 # condition_variable_any::wait, then hangs in its destructor while another thread asks to stop. The semaphore of the
 # thread library does not.
 target_compile_definitions(project_options INTERFACE _GLIBCXX_USE_POSIX_SEMAPHORE=1)
-target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections)
-target_link_options(project_options INTERFACE -Wl,--gc-sections)
+target_compile_options(project_options INTERFACE -ffunction-sections -fdata-sections -fstack-protector-strong)
+# Windows 7 is the oldest system that the program is for, and says so itself.
+target_link_options(project_options INTERFACE -Wl,--gc-sections -fstack-protector-strong
+                    -Wl,--major-subsystem-version,6,--minor-subsystem-version,1
+                    -Wl,--major-os-version,6,--minor-os-version,1)
 # GCC takes its stack slots for wide vectors to be aligned, which on Windows they are not.
 set_source_files_properties(src/util/md5_kernel.cpp PROPERTIES COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
+include(cmake/DelayLoad.cmake)
+delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi gdiplus comctl32 ole32 oleaut32 shell32 advapi32)
 find_package(ZLIB REQUIRED)
-target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB winhttp bcrypt winmm shlwapi gdi32 gdiplus comctl32
-                      ole32 oleaut32 uuid shell32 user32 advapi32)
+target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB ${DELAYED_LIBRARIES} gdi32 uuid user32)
 
 # Icon, version and manifest; the tests carry them too, so that their windows behave as the program's.
 enable_language(RC)
@@ -23,7 +27,7 @@ set_source_files_properties(${resource_script} PROPERTIES
   OBJECT_DEPENDS "${CMAKE_SOURCE_DIR}/src/ui/win32/launcher.manifest;${CMAKE_SOURCE_DIR}/assets/skin/AAA.ico")
 add_library(launcher_resources OBJECT ${resource_script})
 
-add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp)
+add_executable(launcher WIN32 ${CMAKE_SOURCE_DIR}/src/main/main_win32.cpp ${CMAKE_SOURCE_DIR}/src/main/install_win32.cpp)
 target_link_libraries(launcher PRIVATE launcher_core launcher_resources)
 target_link_options(launcher PRIVATE -s)
 

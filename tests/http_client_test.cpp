@@ -4,10 +4,12 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <set>
 #include <thread>
 
 #include "platform/machine.hpp"
 #include "support/faulty_server.hpp"
+#include "support/tls_servers.hpp"
 
 namespace {
 
@@ -101,6 +103,131 @@ TEST_F(HttpClientTest, EveryAnswerIsToldForWhatItIs) {
     EXPECT_EQ(sink.begun, test.status == 0 ? 0 : 1);
     EXPECT_TRUE(test.error != HttpError::None || sink.body == test.body);
   }
+}
+
+TEST_F(HttpClientTest, AFailureTellsTheSystemsNumber) {
+  const support::ClosedPort closed("127.0.0.4");
+  server.On("/reset", support::CutShort(Pattern(300'000), 100'000, Answer::Cut::Reset));
+  server.On("/silent", support::Silent());
+  server.On("/file", support::Text("hello"));
+  request.stallLimitMs = request.connectLimitMs = 400;
+  const auto refused = Get(closed.Url());
+  EXPECT_EQ(refused.error, HttpError::CannotConnect);
+  EXPECT_NE(refused.systemError, 0u);
+  const auto reset = Get(server.Url("/reset"));
+  EXPECT_EQ(reset.error, HttpError::CutShort);
+  EXPECT_NE(reset.systemError, 0u);
+  EXPECT_NE(reset.systemError, refused.systemError);
+  const auto plain = Get(server.Url("/file", "https"));
+  EXPECT_NE(plain.error, HttpError::None);
+  EXPECT_NE(plain.systemError, 0u);
+  for (const auto& [path, error] : {std::pair("/silent", HttpError::Stalled), {"/file", HttpError::None}}) {
+    const auto outcome = Get(server.Url(path));
+    EXPECT_EQ(outcome.error, error);
+    EXPECT_EQ(outcome.systemError, 0u) << path << ": no call of the system has failed";
+    EXPECT_EQ(outcome.systemText, "") << path;
+  }
+}
+
+struct Ending {
+  const char* name;
+  std::vector<std::string> pieces;
+};
+
+// Every way in which a server may end what it sends in chunks (RFC 9112, 7.1), all of them followed by the
+// end of the connection, so that the end of the body and of the connection can be mixed up.
+TEST_F(HttpClientTest, ChunksThatEndedWellAreNeverTakenForCut) {
+  const std::string head = "HTTP/1.1 200 OK\r\nConnection: close\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const std::string body = "5\r\nhello\r\n6\r\n world\r\n";
+  const Ending endings[] = {
+      {"all at once", {head + body + "0\r\n\r\n"}},
+      {"last chunk later", {head + body, "0\r\n\r\n"}},
+      {"last chunk with the data", {head, body + "0\r\n\r\n"}},
+      {"last line apart", {head + body + "0\r\n", "\r\n"}},
+      {"byte by byte", {head, body, "0", "\r", "\n", "\r", "\n"}},
+      {"line ends split", {head + "5\r", "\nhello\r", "\n6\r", "\n world", "\r\n0\r", "\n\r", "\n"}},
+      {"trailers", {head + body + "0\r\nX-Digest: abc\r\nX-More: 1\r\n\r\n"}},
+      {"trailers apart", {head + body, "0\r\nX-Di", "gest: abc\r\n", "\r\n"}},
+      {"extensions", {head + "5;a=b\r\nhello\r\n6;c=\"d\"\r\n world\r\n0;last\r\n\r\n"}},
+      {"long zero", {head + "05\r\nhello\r\n006\r\n world\r\n", "000\r\n\r\n"}},
+  };
+  request.stallLimitMs = 10'000;
+  for (const Ending& ending : endings) {
+    for (const std::uint32_t pause : {0, 1, 15}) {
+      for (const Answer::Cut then : {Answer::Cut::Close, Answer::Cut::Silence}) {
+        SCOPED_TRACE(ending.name + std::string(", pause ") + std::to_string(pause));
+        server.On("/chunks", {.cut = then, .paceMs = pause, .pieces = ending.pieces});
+        sink = {};
+        EXPECT_EQ(static_cast<int>(Get(server.Url("/chunks")).error), static_cast<int>(HttpError::None));
+        EXPECT_EQ(sink.body, "hello world");
+      }
+    }
+  }
+}
+
+TEST_F(HttpClientTest, ChunksThatStoppedInTheMiddleAreCut) {
+  const std::string head = "HTTP/1.1 200 OK\r\nConnection: close\r\nTransfer-Encoding: chunked\r\n\r\n";
+  const Ending endings[] = {
+      {"after the head", {head}},
+      {"after a chunk", {head + "5\r\nhello\r\n"}},
+      {"in a chunk", {head + "5\r\nhel"}},
+      {"later in a chunk", {head, "5\r\nhel", "l"}},
+      {"in a size", {head + "5\r\nhello\r\n1"}},
+      {"before the line end", {head + "5\r\nhello"}},
+  };
+  for (const Ending& ending : endings) {
+    for (const Answer::Cut how : {Answer::Cut::Close, Answer::Cut::Reset}) {
+      server.On("/chunks", {.cut = how, .paceMs = 5, .pieces = ending.pieces});
+      EXPECT_NE(static_cast<int>(Get(server.Url("/chunks")).error), static_cast<int>(HttpError::None))
+          << ending.name;
+    }
+  }
+}
+
+TEST_F(HttpClientTest, AskedForAPartItHandsOnWhatTheServerSays) {
+  server.On("/part", {.status = 206, .headers = {{"Content-Range", "bytes 6-10/11"}}, .body = "world"});
+  server.On("/past", {.status = 416, .headers = {{"Content-Range", "bytes */11"}}, .body = "<p>too far"});
+  request.headers = {{"Range", "bytes=6-"}, {"If-Range", "\"1\""}};
+  auto outcome = Get(server.Url("/part"));
+  EXPECT_TRUE(outcome.Complete());
+  EXPECT_EQ(outcome.status, 206);
+  EXPECT_EQ(sink.head.Header("content-range"), "bytes 6-10/11");
+  EXPECT_EQ(sink.body, "world");
+  EXPECT_EQ(server.Seen()[0].Header("range"), "bytes=6-");
+  EXPECT_EQ(server.Seen()[0].Header("if-range"), "\"1\"");
+  sink = {};
+  outcome = Get(server.Url("/past"));
+  EXPECT_TRUE(outcome.Complete());
+  EXPECT_EQ(outcome.status, 416);
+  EXPECT_EQ(sink.head.Header("content-range"), "bytes */11");
+}
+
+TEST_F(HttpClientTest, TellsWhyASecureChannelIsRefused) {
+  const support::TlsServers servers;
+  if (!servers.Running()) GTEST_SKIP() << "no openssl at hand";
+  const support::TrustedAuthority trust(servers.Authority());
+  const auto good = Get(servers.Url("good"));
+  EXPECT_TRUE(good.Complete()) << good.systemError << " " << good.systemText;
+  EXPECT_NE(sink.body.find("<HTML>"), std::string::npos);
+  std::set<std::pair<std::uint32_t, std::string>> told;
+  for (const char* kind : {"expired", "stranger", "unknown", "old"}) {
+    sink = {};
+    const auto outcome = Get(servers.Url(kind));
+    EXPECT_EQ(static_cast<int>(outcome.error), static_cast<int>(HttpError::Insecure)) << kind;
+    EXPECT_NE(outcome.systemError, 0u) << kind;
+    EXPECT_EQ(sink.begun, 0) << kind;
+    told.emplace(outcome.systemError, outcome.systemText);
+  }
+  EXPECT_EQ(told.size(), 4u) << "each is told apart from the others";
+}
+
+TEST_F(HttpClientTest, AHostIsReachedByItsNameWhicheverOfItsAddressesLives) {
+  FaultyServer byName("127.0.0.1");  // the name may stand for an address of the newer kind, too
+  byName.On("/file", support::Text("hello"));
+  std::string url = byName.Url("/file");
+  url.replace(url.find("127.0.0.1"), 9, "localhost");
+  EXPECT_TRUE(Get(url).Complete());
+  EXPECT_EQ(sink.body, "hello");
 }
 
 TEST_F(HttpClientTest, NoNonsenseCountsAsAnAnswer) {

@@ -9,6 +9,7 @@
 #include "platform/machine.hpp"
 #include "platform/posix/event_loop_posix.hpp"
 #include "platform/posix/unique_fd.hpp"
+#include "support/faulty_server.hpp"
 #include "support/temp_folder.hpp"
 
 namespace platform {
@@ -51,6 +52,18 @@ TEST(NativeFiles, AReplacedProgramStaysExecutable) {
   chmod((folder / "program").c_str(), 0755);
   WriteWhole(folder / "program", "2");
   EXPECT_EQ(access((folder / "program").c_str(), X_OK), 0);
+}
+
+TEST(NativeFiles, AFolderOfAnotherUserCannotBeWritten) {
+  const TempFolder folder;
+  chmod(folder.Path().c_str(), 0755);
+  EXPECT_EXIT(
+      {
+        const bool nobody = geteuid() != 0 || setuid(65534) == 0;  // the user "nobody"
+        const bool writable = geteuid() != 0 && access(folder.Path().c_str(), W_OK) == 0;
+        _exit(nobody && CanWriteTo(folder.Path()) == writable ? 0 : 1);
+      },
+      testing::ExitedWithCode(0), "");
 }
 
 class NativeProcesses : public testing::Test {
@@ -125,6 +138,38 @@ TEST(NativeSettings, AreAPlainFileOfTheUser) {
   MakeSettingsStore()->Set("KVN_UPDATER", "CONFIG", "SHOW", "1");
   setenv("XDG_CONFIG_HOME", before.c_str(), 1);
   EXPECT_EQ(folder.Get("new/config/KVN_UPDATER.ini"), "[CONFIG]\r\nSHOW=1\r\n");
+}
+
+struct BodySink : HttpSink {
+  void Begin(const HttpHead&) override {}
+  bool Write(std::span<const std::byte> bytes) override {
+    body.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return true;
+  }
+  std::string body;
+};
+
+TEST(NativeHttpClient, GoesThroughTheProxyOfTheEnvironmentAndTellsThatItWantsAName) {
+  support::FaultyServer proxy("127.0.0.5");
+  proxy.On("http://127.0.0.9/file", support::Text("through"));
+  proxy.On("http://127.0.0.9/closed", {.status = 407,
+                                       .headers = {{"Proxy-Authenticate", "Basic realm=\"x\""}},
+                                       .body = std::string(300'000, 'p')});
+  const std::string exempt = getenv("no_proxy");  // the loopback, for every other test
+  unsetenv("no_proxy");
+  setenv("http_proxy", proxy.Url("").c_str(), 1);
+  const auto client = MakeHttpClient();
+  BodySink sink;
+  const HttpOutcome through = client->Get({.url = "http://127.0.0.9/file"}, sink, {});
+  EXPECT_TRUE(through.Complete()) << through.systemText;
+  EXPECT_EQ(sink.body, "through");
+  const HttpOutcome outcome = client->Get({.url = "http://127.0.0.9/closed"}, sink, {});
+  unsetenv("http_proxy");
+  setenv("no_proxy", exempt.c_str(), 1);
+  EXPECT_EQ(outcome.error, HttpError::CannotConnect);
+  EXPECT_EQ(outcome.status, 407);
+  EXPECT_NE(outcome.systemError, 0u);
+  EXPECT_EQ(sink.body, "through") << "the page of the proxy is nobody's answer";
 }
 
 TEST(NativeEventLoop, HandsOverLinesOneAtATime) {

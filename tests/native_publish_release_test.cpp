@@ -14,7 +14,6 @@
 #include "publisher/mirror_server.hpp"
 #include "support/launcher_run.hpp"
 #include "support/posix/publication.hpp"
-#include "update/inflater.hpp"
 #include "update/zip_archive.hpp"
 
 namespace {
@@ -59,22 +58,8 @@ struct Players {
 };
 
 // As a player does with any program for archives.
-void UnpackByHand(const std::string& archive, const std::string& folder) {
-  const update::ZipArchive zip(archive);
-  update::Inflater inflater;
-  for (const auto& entry : zip.Entries()) {
-    const std::string path = folder + "/" + entry.name;
-    platform::MakeFolders(entry.folder ? path : platform::FolderOf(path));
-    if (entry.folder) continue;
-    std::string content;
-    ASSERT_TRUE(zip.Expand(
-        entry, inflater,
-        [&](std::span<const std::byte> bytes) {
-          content.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-        },
-        {}));
-    platform::WriteWhole(path, content);
-  }
+void UnpackByHand(const std::string& archive, const support::TempFolder& folder, const std::string& game) {
+  for (const auto& [name, bytes] : support::FilesIn(archive)) folder.Put(game + "/" + name, bytes);
 }
 
 void PutGame(const TestPublication& pub) {
@@ -156,7 +141,7 @@ TEST(Release, WhoUnpacksTheFullClientDownloadsNothing) {
   ASSERT_EQ(pub.Release(), 0) << pub.err;
   Players players(pub);
   support::LauncherRun player;
-  UnpackByHand(pub.Root() + "/Kelvarin.zip", player.folder / player.game);
+  UnpackByHand(pub.Root() + "/Kelvarin.zip", player.folder, player.game);
   players.Update(player);
   EXPECT_EQ(players.Downloads(), std::vector<std::string>());
   EXPECT_EQ(player.Counter("Extras"), "2\r\n");

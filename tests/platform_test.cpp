@@ -145,6 +145,26 @@ TEST(Files, AStampTellsAChangedFile) {
   EXPECT_NE(StampOf(folder / "a"), before);
 }
 
+TEST(Files, AFolderIsProbedForWriting) {
+  const TempFolder folder;
+  folder.Put("file", "1");
+  EXPECT_TRUE(CanWriteTo(folder.Path()));
+  EXPECT_EQ(ListTree(folder.Path()), (std::vector<FoundFile>{{"file"}}));
+  EXPECT_FALSE(CanWriteTo(folder / "none"));
+  EXPECT_FALSE(CanWriteTo(folder / "file"));
+  EXPECT_EQ(HolderOf(folder / "file"), "");
+}
+
+TEST(Files, OnlyEmptyFoldersAreRemovedAlone) {
+  const TempFolder folder;
+  folder.Put("full/file", "1");
+  MakeFolder(folder / "empty");
+  EXPECT_TRUE(TryRemoveEmptyFolder(folder / "empty"));
+  EXPECT_TRUE(TryRemoveEmptyFolder(folder / "empty"));
+  EXPECT_FALSE(TryRemoveEmptyFolder(folder / "full"));
+  EXPECT_TRUE(folder.Has("full/file"));
+}
+
 TEST(Files, AnInputFileIsReadInPieces) {
   const TempFolder folder;
   folder.Put("a", "hello world");

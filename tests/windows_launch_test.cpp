@@ -37,6 +37,9 @@ struct RealProcesses : platform::Processes {
       throw;
     }
   }
+  bool StartElevated(const platform::StartRequest& request) override {
+    return system->StartElevated(request);
+  }
   void EndAtOnce(int exitStatus) override { system->EndAtOnce(exitStatus); }
   std::vector<std::string> RunningImageNames() override { return system->RunningImageNames(); }
   std::unique_ptr<platform::NamedLock> TakeLock(const std::string& name) override {

@@ -6,6 +6,7 @@
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
+#include "platform/keep_awake.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/handles.hpp"
@@ -214,6 +215,34 @@ TEST(WindowsProcesses, ABareNameIsFoundInTheSystemFolderOnly) {
   CloneFile(SystemFolder() + "\\version.dll", folder / "decoy.dll");
   EXPECT_EQ(LoadLibraryW(L"decoy.dll"), nullptr);
   SetCurrentDirectoryW(Wide(SystemFolder()).c_str());
+}
+
+TEST(WindowsProcesses, AnElevatedOneGetsItsArgumentsAndFolder) {
+  const TempFolder folder;
+  ASSERT_TRUE(MakeProcesses({})->StartElevated(
+      {"cmd.exe", "cmd.exe /c echo [%CD%]>out & ren out done", WindowStyle::Hidden, folder.Path()}));
+  ASSERT_TRUE(Eventually([&] { return folder.Has("done"); }));
+  EXPECT_THROW(MakeProcesses({})->StartElevated({folder / "none.exe", "none.exe", WindowStyle::Hidden, ""}),
+               base::RuntimeError);
+}
+
+TEST(WindowsFiles, AFolderThatTheSystemKeepsCannotBeWritten) {
+  if (!IsFolder("Z:\\proc")) GTEST_SKIP() << "made for a machine that runs Wine";
+  EXPECT_FALSE(CanWriteTo("Z:\\proc"));
+}
+
+TEST(WindowsKeepAwake, LastsUntilTheOutermostEnds) {
+  const auto keepsAwake = [] {  // asking ends it, so it is told the same again
+    const EXECUTION_STATE state = SetThreadExecutionState(ES_CONTINUOUS);
+    SetThreadExecutionState(state);
+    return (state & ES_CONTINUOUS) && (state & ES_SYSTEM_REQUIRED);
+  };
+  {
+    const KeepAwake outer;
+    { const KeepAwake inner; }
+    EXPECT_TRUE(keepsAwake());
+  }
+  EXPECT_FALSE(keepsAwake());
 }
 
 TEST(WindowsShell, OnlyWebAddressesAreOpenedAsPages) {

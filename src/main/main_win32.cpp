@@ -3,6 +3,7 @@
 #include <shlwapi.h>
 
 #include "launcher.hpp"
+#include "main/install_win32.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
@@ -15,6 +16,8 @@
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   platform::HardenProcess();
   platform::RemoveMovedAside(platform::ExecutablePath());  // what an update of this program left behind
+  const std::string arguments = platform::Narrow(PathGetArgsW(GetCommandLineW()));
+  if (const auto status = install::RunIfAsked(arguments)) return *status;
   const auto clock = platform::MakeClock();
   platform::Win32EventLoop events(*clock);
   ui::win32::Win32Dialogs dialogs;
@@ -27,8 +30,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
   dialogs.SetScreen(&screen);
   const platform::Host host{*clock, events, dialogs, *processes, *shell, *settings, *profiles, *http};
-  Launcher launcher(host, screen,
-                    {platform::ExecutablePath(), platform::Narrow(PathGetArgsW(GetCommandLineW()))});
+  Launcher launcher(host, screen, {platform::ExecutablePath(), arguments});
   launcher.Main();
   return launcher.RunEvents();
 }

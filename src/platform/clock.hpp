@@ -9,7 +9,8 @@ class Clock {
  public:
   virtual ~Clock() = default;
 
-  // Milliseconds since an arbitrary point that never run backwards and do not wrap; timers are due by these.
+  // Milliseconds since an arbitrary point that never run backwards and do not wrap, those left out in which
+  // the machine slept; timers are due by these.
   virtual std::uint64_t Milliseconds() = 0;
 
   // The system's millisecond tick counter (time since the machine started) with its top bit cleared.

@@ -9,9 +9,10 @@
 #include <string_view>
 #include <vector>
 
-// Paths are UTF-8 and may hold doubled separators. Failures are base::RuntimeError with the classic numbers:
-// 53 no such file, 76 no such folder, 70 permission denied or in use, 75 path/file access error, 61 disk
-// full, 57 other I/O.
+// Paths are UTF-8 and may hold doubled separators. On Windows, where other programs (virus scanners above
+// all) hold files for moments, every call waits up to half a second for its file. Failures are
+// base::RuntimeError with the classic numbers: 53 no such file, 76 no such folder, 70 permission denied or in
+// use, 75 path/file access error, 61 disk full, 57 other I/O.
 namespace platform {
 
 extern const std::string kSeparator;  // "\" on Windows, "/" on Linux
@@ -52,7 +53,9 @@ void CloneFile(const std::string& from, const std::string& to);  // through a ne
 // Gives the bytes of `from` the second name `to`, whose old file is replaced: a hard link where the file
 // system has them, a copy elsewhere. Neither file may be written in place afterwards.
 void ShareFile(const std::string& from, const std::string& to);
-void FlushFile(const std::string& path);    // its bytes are on the disk when this returns
+// Its bytes are on the disk when this returns, as far as the file system can flush and nobody else holds the
+// file; raises when it is missing or its bytes are lost.
+void FlushFile(const std::string& path);
 void FlushTree(const std::string& folder);  // every file below the folder, for about the wait that one costs
 
 // Bytes that this user may still write below `folder`, which exists; the largest number when the system does
@@ -67,6 +70,13 @@ struct FolderEntry {
 };
 // What lies directly in a folder, in no order.
 std::vector<FolderEntry> ListFolder(const std::string& folder);
+
+// Whether this user may make files in `folder`, found out by making one; false for a missing folder.
+bool CanWriteTo(const std::string& folder);
+
+// Names of the programs that hold the file open, as the player knows them, separated by ", "; empty when
+// there are none or the system does not tell (Linux).
+std::string HolderOf(const std::string& path);
 
 struct FoundFile {
   std::string path;  // relative to the folder searched, platform separators

@@ -14,8 +14,8 @@ namespace platform {
 enum class HttpError {
   None,
   BadUrl,           // not an absolute http or https address
-  CannotConnect,    // no address, refused, or not connected within the limit
-  Insecure,         // the certificate or the secure channel was not accepted
+  CannotConnect,    // no address, refused, not connected within the limit, or held up by a proxy (status 407)
+  Insecure,         // the certificate or the secure channel was not accepted; systemText says why
   RefusedRedirect,  // to another scheme than http/https, from https to http, or too many
   Stalled,          // under 1 byte/s for the stall limit
   CutShort,         // fewer or more bytes than announced

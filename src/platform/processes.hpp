@@ -34,6 +34,10 @@ class Processes {
   // description is the system's own text when it could not be started.
   virtual void Start(const StartRequest& request) = 0;
 
+  // As Start, with the rights of an administrator, for which the system asks the player over the program's
+  // active window. False when the player refuses. On Linux never more than this user's rights: false.
+  virtual bool StartElevated(const StartRequest& request) = 0;
+
   // Ends this process at once: no window is unloaded, nothing is saved.
   virtual void EndAtOnce(int exitStatus) = 0;
 

@@ -17,9 +17,15 @@ std::string UrlOf(std::string_view scheme, const std::string& address, std::uint
 }
 
 const char* ReasonOf(int status) {
-  static const std::map<int, const char*> kReasons = {{200, "OK"},        {301, "Moved Permanently"},
-                                                      {302, "Found"},     {304, "Not Modified"},
-                                                      {404, "Not Found"}, {500, "Internal Server Error"}};
+  static const std::map<int, const char*> kReasons = {{200, "OK"},
+                                                      {301, "Moved Permanently"},
+                                                      {206, "Partial Content"},
+                                                      {302, "Found"},
+                                                      {304, "Not Modified"},
+                                                      {404, "Not Found"},
+                                                      {407, "Proxy Authentication Required"},
+                                                      {416, "Range Not Satisfiable"},
+                                                      {500, "Internal Server Error"}};
   const auto found = kReasons.find(status);
   return found == kReasons.end() ? "Status" : found->second;
 }
@@ -221,16 +227,30 @@ Answer FaultyServer::AnswerFor(const SeenRequest& request) {
 bool FaultyServer::SendAnswer(Socket& socket, const SeenRequest& request, const Answer& answer) {
   Pause(answer.waitMs);
   while (answer.silent && !stopping_) Pause(kPollMs);
+  if (!answer.pieces.empty()) return SendPieces(socket, answer);
   if (stopping_ || !SendAll(socket, HeadOf(answer))) return false;
   const std::string_view whole = request.method == "HEAD" ? std::string_view{} : answer.body;
   if (!SendBody(socket, answer, whole.substr(0, answer.cutAfter.value_or(whole.size())))) return false;
   if (answer.cutAfter) {
-    while (answer.cut == Answer::Cut::Silence && !stopping_) Pause(kPollMs);
-    if (answer.cut == Answer::Cut::Reset) socket.ResetOnClose();
+    Cut(socket, answer);
     return false;
   }
   if (answer.framing == Answer::Framing::Chunked) return SendAll(socket, ChunkOf({}));
   return answer.framing == Answer::Framing::Length && !answer.announced;
+}
+
+bool FaultyServer::SendPieces(Socket& socket, const Answer& answer) {
+  for (const std::string& piece : answer.pieces) {
+    if (&piece != &answer.pieces.front()) Pause(answer.paceMs);
+    if (!SendAll(socket, piece)) return false;
+  }
+  Cut(socket, answer);
+  return false;
+}
+
+void FaultyServer::Cut(Socket& socket, const Answer& answer) {
+  while (answer.cut == Answer::Cut::Silence && !stopping_) Pause(kPollMs);
+  if (answer.cut == Answer::Cut::Reset) socket.ResetOnClose();
 }
 
 bool FaultyServer::SendBody(Socket& socket, const Answer& answer, std::string_view body) {

@@ -42,6 +42,8 @@ struct Answer {
   std::size_t paceBytes = 0;  // 0: as fast as it goes; else so many bytes of the body ...
   std::uint32_t paceMs = 1;   // ... every so many milliseconds
   std::uint32_t waitMs = 0;   // before the head
+  // When there are any: sent as they stand in place of head and body, `paceMs` apart; then `cut` happens.
+  std::vector<std::string> pieces{};
 };
 
 Answer Text(std::string body, Headers headers = {});
@@ -87,6 +89,8 @@ class FaultyServer {
   void Serve(Socket& socket);
   bool ReadRequest(Socket& socket, std::string& pending, SeenRequest& request);
   bool SendAnswer(Socket& socket, const SeenRequest& request, const Answer& answer);  // true: keep it open
+  bool SendPieces(Socket& socket, const Answer& answer);
+  void Cut(Socket& socket, const Answer& answer);
   bool SendBody(Socket& socket, const Answer& answer, std::string_view body);
   bool SendAll(Socket& socket, std::string_view bytes);
   void Pause(std::uint32_t milliseconds);

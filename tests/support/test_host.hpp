@@ -64,11 +64,16 @@ class RecordedProcesses : public platform::Processes {
     started.push_back(request);
     if (onStart) onStart(request);
   }
+  bool StartElevated(const platform::StartRequest& request) override {
+    elevated.push_back(request);
+    return allowElevation;
+  }
   void EndAtOnce(int exitStatus) override { endedAtOnce = exitStatus; }
   std::vector<std::string> RunningImageNames() override { return running; }
   std::unique_ptr<platform::NamedLock> TakeLock(const std::string& name) override;
 
-  std::vector<platform::StartRequest> started;
+  std::vector<platform::StartRequest> started, elevated;
+  bool allowElevation = true;  // what the player answers
   std::vector<std::string> running, locksTaken, locksReleased;
   std::function<void(const platform::StartRequest&)> onStart;  // may raise, as the system does
   std::optional<int> endedAtOnce;

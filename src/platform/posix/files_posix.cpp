@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -94,6 +95,15 @@ void RemoveEmptyFolders(const std::string& folder) {
 
 bool TryRemoveEmptyFolder(const std::string& path) { return rmdir(path.c_str()) == 0 || errno == ENOENT; }
 
+bool CanWriteTo(const std::string& folder) {
+  static std::atomic<unsigned> count{0};
+  const std::string probe = folder + "/." + std::to_string(getpid()) + "-" + std::to_string(++count) + ".tmp";
+  const UniqueFd made(open(probe.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  return made && unlink(probe.c_str()) == 0;
+}
+
+std::string HolderOf(const std::string&) { return {}; }
+
 void MakeFolder(const std::string& path) {
   if (mkdir(path.c_str(), 0777) == 0 || (errno == EEXIST && IsFolder(path))) return;
   const int code = errno;
@@ -123,13 +133,13 @@ void RenameFile(const std::string& from, const std::string& to) {
 
 void FlushFile(const std::string& path) {
   const UniqueFd file(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-  if (!file || fsync(file.get()) != 0) RaiseErrno(errno, path);
+  if (!file || fsync(file.get()) != 0) RaiseUnlessHarmless(errno, path);
 }
 
 // One flush of the whole file system costs about as much as one of a single file.
 void FlushTree(const std::string& folder) {
   const UniqueFd directory(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!directory || syncfs(directory.get()) != 0) RaiseErrno(errno, folder);
+  if (!directory || syncfs(directory.get()) != 0) RaiseUnlessHarmless(errno, folder);
 }
 
 std::vector<FolderEntry> ListFolder(const std::string& folder) {

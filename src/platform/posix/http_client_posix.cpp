@@ -15,16 +15,18 @@
 #include "base/unique_handle.hpp"
 #include "base/url.hpp"
 #include "platform/machine.hpp"
+#include "platform/posix/speed_watch.hpp"
 
 namespace platform {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
+using SteadyClock = SpeedWatch::Clock;
 using std::chrono::milliseconds;
 
 constexpr int kMostRedirects = 10;
 constexpr std::size_t kMostIdle = 4;              // sessions kept with their connections
 constexpr std::size_t kLargestHead = 128 * 1024;  // bytes of all header lines of one answer
+constexpr int kProxyRefuses = 407;
 
 struct EasyTraits : base::NullIsNone<CURL*> {
   static void Close(CURL* easy) { curl_easy_cleanup(easy); }
@@ -40,48 +42,6 @@ struct ListTraits : base::NullIsNone<curl_slist*> {
 struct Session {
   base::UniqueHandle<MultiTraits> multi{curl_multi_init()};
   base::UniqueHandle<EasyTraits> easy{curl_easy_init()};
-};
-
-// Whether fewer bytes than one a second came during the last `limit`.
-class SpeedWatch {
- public:
-  explicit SpeedWatch(milliseconds limit) : slice_(std::max(limit / kSlices, milliseconds(1))) {}
-
-  void Stop() { started_ = {}; }
-  void Start() {
-    started_ = SteadyClock::now();
-    slices_.fill(0);
-    newest_ = 0;
-  }
-  void Count(std::size_t bytes) {
-    if (started_ == SteadyClock::time_point{}) return;
-    Advance();
-    slices_[static_cast<std::size_t>(newest_ % kSlices)] += bytes;
-  }
-  bool TooSlow() {
-    if (started_ == SteadyClock::time_point{}) return false;
-    Advance();
-    if (newest_ < kSlices) return false;
-    std::uint64_t sum = 0;
-    for (const std::uint64_t bytes : slices_) sum += bytes;
-    return sum * 1000 < static_cast<std::uint64_t>((slice_ * kSlices).count());
-  }
-  milliseconds Slice() const { return slice_; }
-
- private:
-  static constexpr std::int64_t kSlices = 30;
-
-  void Advance() {
-    const std::int64_t now = (SteadyClock::now() - started_) / slice_;
-    const std::int64_t passed = std::min(now - newest_, kSlices);
-    for (std::int64_t i = 0; i < passed; ++i) slices_[static_cast<std::size_t>((now - i) % kSlices)] = 0;
-    newest_ = now;
-  }
-
-  milliseconds slice_;
-  SteadyClock::time_point started_;
-  std::int64_t newest_ = 0;
-  std::array<std::uint64_t, kSlices> slices_{};
 };
 
 bool IsRedirect(int status) {
@@ -117,6 +77,7 @@ HttpError ErrorOf(CURLcode code) {
     case CURLE_COULDNT_RESOLVE_PROXY:
     case CURLE_COULDNT_RESOLVE_HOST:
     case CURLE_COULDNT_CONNECT:
+    case CURLE_LOGIN_DENIED:        // of a proxy, see ProxyRefused
     case CURLE_OPERATION_TIMEDOUT:  // the only limit that is left to the library is the one of connecting
       return HttpError::CannotConnect;
     case CURLE_SSL_CONNECT_ERROR:
@@ -129,6 +90,7 @@ HttpError ErrorOf(CURLcode code) {
       return HttpError::Insecure;
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
+    case CURLE_SEND_ERROR:
     case CURLE_RECV_ERROR:
       return HttpError::CutShort;
     default:
@@ -160,8 +122,9 @@ class Exchange {
     head_ = {};
     headBytes_ = 0;
     headDone_ = false;
-    redirecting_ = refused_ = false;
+    discarding_ = redirecting_ = refused_ = false;
     libraryError_ = CURLE_OK;
+    libraryText_.fill('\0');
     curl_easy_setopt(easy_, CURLOPT_URL, url.c_str());
     const HttpError error = Perform();
     if (failure_) std::rethrow_exception(failure_);
@@ -169,12 +132,8 @@ class Exchange {
       redirect = Absolute(url, head_.Header("location"));
       return {HttpError::None, head_.status};
     }
-    HttpOutcome outcome{error, head_.status};
+    HttpOutcome outcome = Told(error);
     if (error == HttpError::None && !headDone_) outcome.error = HttpError::Other;
-    if (libraryError_ != CURLE_OK) {
-      outcome.systemError = static_cast<std::uint32_t>(libraryError_);
-      outcome.systemText = curl_easy_strerror(libraryError_);
-    }
     return outcome;
   }
 
@@ -192,6 +151,8 @@ class Exchange {
       headers_.reset(longer);
     }
     Set(CURLOPT_HTTPHEADER, headers_.get());
+    Set(CURLOPT_ERRORBUFFER, libraryText_.data());
+    Set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2});
     Set(CURLOPT_USERAGENT, "KelvarinLauncher/" LAUNCHER_VERSION);
     Set(CURLOPT_PROTOCOLS_STR, "http,https");
     Set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_1_1});
@@ -238,9 +199,27 @@ class Exchange {
     int queued = 0;
     const CURLMsg* message = curl_multi_info_read(multi_, &queued);
     if (!message || message->msg != CURLMSG_DONE) return HttpError::Other;
-    if (refused_) return HttpError::Refused;
-    libraryError_ = message->data.result;
+    if (refused_ && !ProxyRefused()) return HttpError::Refused;
+    libraryError_ = ProxyRefused() ? CURLE_LOGIN_DENIED : message->data.result;
     return ErrorOf(libraryError_);
+  }
+
+  // Whether a proxy wanted to know who asks, be it for a page or for a tunnel to a secure host.
+  bool ProxyRefused() const {
+    long tunnel = 0;
+    curl_easy_getinfo(easy_, CURLINFO_HTTP_CONNECTCODE, &tunnel);
+    return tunnel == kProxyRefuses || head_.status == kProxyRefuses;
+  }
+
+  // `error` together with what the library said of it.
+  HttpOutcome Told(HttpError error) const {
+    HttpOutcome outcome{error, head_.status};
+    if (error == HttpError::None || libraryError_ == CURLE_OK) return outcome;
+    if (libraryError_ == CURLE_LOGIN_DENIED) outcome.status = kProxyRefuses;
+    outcome.systemError = static_cast<std::uint32_t>(libraryError_);
+    outcome.systemText =
+        libraryText_.front() != '\0' ? libraryText_.data() : curl_easy_strerror(libraryError_);
+    return outcome;
   }
 
   // Runs what the sink does; an exception must not travel through the library's C frames.
@@ -298,13 +277,14 @@ class Exchange {
     const auto [end, error] = std::from_chars(length.data(), length.data() + length.size(), announced);
     if (error == std::errc{} && end == length.data() + length.size()) head_.contentLength = announced;
     redirecting_ = IsRedirect(head_.status) && !head_.Header("location").empty();
-    if (!redirecting_) sink_.Begin(head_);
+    discarding_ = redirecting_ || head_.status == kProxyRefuses;
+    if (!discarding_) sink_.Begin(head_);
     return true;
   }
 
-  // The page of a redirect is thrown away, a long one with its connection.
+  // The page of a redirect, or of a proxy, is thrown away, a long one with its connection.
   bool TakeBody(std::span<const char> bytes) {
-    if (redirecting_) {
+    if (discarding_) {
       headBytes_ += bytes.size();
       refused_ = headBytes_ > kLargestHead;
     } else {
@@ -324,7 +304,8 @@ class Exchange {
   std::size_t headBytes_ = 0;
   std::exception_ptr failure_;
   CURLcode libraryError_ = CURLE_OK;
-  bool headDone_ = false, redirecting_ = false, refused_ = false, added_ = false;
+  std::array<char, CURL_ERROR_SIZE> libraryText_{};  // the library's own words, more exact than its number
+  bool headDone_ = false, discarding_ = false, redirecting_ = false, refused_ = false, added_ = false;
 };
 
 class CurlHttpClient : public HttpClient {

@@ -87,7 +87,7 @@ void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(te
 
 void OutputFile::Commit(Lasting lasting) {
   Handle& file = *handle_;
-  if (lasting == Lasting::Yes && fsync(file.fd.get()) != 0) RaiseErrno(errno, file.path);
+  if (lasting == Lasting::Yes && fsync(file.fd.get()) != 0) RaiseUnlessHarmless(errno, file.path);
   file.Name();
   const unsigned flags = file.existing == Existing::Refuse ? RENAME_NOREPLACE : 0;
   if (renameat2(AT_FDCWD, file.neighbour.c_str(), AT_FDCWD, file.path.c_str(), flags) != 0) {

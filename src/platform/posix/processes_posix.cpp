@@ -189,6 +189,11 @@ class PosixProcesses : public Processes {
     Spawn(program, request);
   }
 
+  bool StartElevated(const StartRequest& request) override {
+    tell_("RunElevated " + request.commandLine);
+    return false;
+  }
+
   void EndAtOnce(int exitStatus) override { std::_Exit(exitStatus); }
 
   std::vector<std::string> RunningImageNames() override {

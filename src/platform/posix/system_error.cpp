@@ -38,6 +38,13 @@ constexpr Translation kTranslations[] = {
 
 }  // namespace
 
+void RaiseUnlessHarmless(int code, const std::string& path) {
+  for (const int harmless : {EINVAL, ENOSYS, ENOTSUP, EROFS, EACCES, EPERM, EBUSY}) {
+    if (code == harmless) return;
+  }
+  RaiseErrno(code, path);
+}
+
 void RaiseWithText(int code, const std::string& path) {
   try {
     RaiseErrno(code, path);

@@ -3,6 +3,7 @@
 #include <timeapi.h>
 
 #include "platform/machine.hpp"
+#include "platform/win32/awake_time.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -10,7 +11,7 @@ namespace {
 
 class SystemClock : public Clock {
  public:
-  std::uint64_t Milliseconds() override { return GetTickCount64(); }
+  std::uint64_t Milliseconds() override { return AwakeMs(); }
   std::uint32_t SystemUptime() override { return timeGetTime() & kUptimeMask; }
   void Sleep(std::uint32_t milliseconds) override { ::Sleep(milliseconds); }
 

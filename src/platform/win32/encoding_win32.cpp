@@ -10,8 +10,9 @@ namespace platform {
 namespace {
 
 constexpr wchar_t kNoCharacter = L'\xFFFD';
+constexpr unsigned kGb18030 = 54936;
 
-// A surrogate pair is one character; no ANSI code page has it.
+// A surrogate pair is one character; no code page but the Unicode ones has it.
 std::wstring WithoutSurrogates(const std::wstring& text) {
   std::wstring plain;
   plain.reserve(text.size());
@@ -35,17 +36,23 @@ bool IsUpperControl(wchar_t c) { return c >= 0x80 && c < 0xA0; }
 
 }  // namespace
 
-std::string ToAnsi(std::string_view utf8) {
+std::string ToCodePage(unsigned codePage, std::string_view utf8) {
   if (utf8.empty()) return {};
-  if (GetACP() == CP_UTF8) return Narrow(Wide(utf8));
-  const std::wstring wide = WithoutSurrogates(Wide(utf8));
+  // These two take every character, and neither flags nor one for what is missing.
+  const bool lacksNothing = codePage == CP_UTF8 || codePage == kGb18030;
+  const std::wstring wide = lacksNothing ? Wide(utf8) : WithoutSurrogates(Wide(utf8));
   const int size = static_cast<int>(wide.size());
-  constexpr DWORD kFlags = WC_NO_BEST_FIT_CHARS;
-  std::string bytes(WideCharToMultiByte(CP_ACP, kFlags, wide.data(), size, nullptr, 0, "?", nullptr), '\0');
-  WideCharToMultiByte(CP_ACP, kFlags, wide.data(), size, bytes.data(), static_cast<int>(bytes.size()), "?",
-                      nullptr);
+  // Never a character that only looks alike: a full-width "/" would become a separator.
+  const DWORD flags = lacksNothing ? 0 : WC_NO_BEST_FIT_CHARS;
+  const char* const missing = lacksNothing ? nullptr : "?";
+  std::string bytes(WideCharToMultiByte(codePage, flags, wide.data(), size, nullptr, 0, missing, nullptr),
+                    '\0');
+  WideCharToMultiByte(codePage, flags, wide.data(), size, bytes.data(), static_cast<int>(bytes.size()),
+                      missing, nullptr);
   return bytes;
 }
+
+std::string ToAnsi(std::string_view utf8) { return ToCodePage(GetACP(), utf8); }
 
 std::string FromAnsi(std::string_view bytes) { return Narrow(FromCodePage(CP_ACP, bytes)); }
 

@@ -10,6 +10,7 @@
 #include "platform/win32/file_stamp.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/system_error.hpp"
+#include "platform/win32/system_library.hpp"
 #include "platform/win32/wide.hpp"
 
 namespace platform {
@@ -19,45 +20,63 @@ constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELE
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::size_t kMostPerCall = 16 * 1024 * 1024;
 
+// Opens a file, waiting a little while somebody holds it; the code of the last failure.
+DWORD TryOpen(const std::string& path, DWORD access, DWORD disposition, unique_file& file, DWORD flags = 0) {
+  const std::wstring name = SystemPath(path);
+  const auto attempt = [&] {
+    file.reset(CreateFileW(name.c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
+    return static_cast<bool>(file);
+  };
+  if (attempt()) return ERROR_SUCCESS;
+  const DWORD code = GetLastError();
+  // Nobody can hold a file that is being made, and a folder stays one: this does not pass.
+  if (code == ERROR_ACCESS_DENIED && (disposition == CREATE_NEW || IsFolder(path))) return code;
+  return WithPatience(attempt);
+}
+
 unique_file Open(const std::string& path, DWORD access, DWORD disposition, DWORD flags = 0) {
-  unique_file file(
-      CreateFileW(SystemPath(path).c_str(), access, kShareAll, nullptr, disposition, flags, nullptr));
-  if (!file) RaiseSystemError(GetLastError(), path);
+  unique_file file;
+  const DWORD code = TryOpen(path, access, disposition, file, flags);
+  if (code != ERROR_SUCCESS) RaiseSystemError(code, path);
   return file;
+}
+
+void Require(DWORD code) {
+  if (code != ERROR_SUCCESS) RaiseSystemError(code);
 }
 
 void WriteAll(const unique_file& file, std::span<const std::byte> bytes) {
   while (!bytes.empty()) {
     const auto piece = static_cast<DWORD>(std::min(bytes.size(), kMostPerCall));
     DWORD written = 0;
-    if (!WriteFile(file.get(), bytes.data(), piece, &written, nullptr)) RaiseSystemError(GetLastError());
+    Require(WithPatience([&] { return WriteFile(file.get(), bytes.data(), piece, &written, nullptr) != 0; }));
     bytes = bytes.subspan(written);
   }
 }
 
-void Flush(const unique_file& file) {
-  if (!FlushFileBuffers(file.get())) RaiseSystemError(GetLastError());
+DWORD TryFlush(const unique_file& file) {
+  return WithPatience([&] { return FlushFileBuffers(file.get()) != 0; });
 }
 
 // Only a handle that may write can be flushed; the read-only attribute is asked for when the handle is made.
+// None when somebody holds the file for longer than a moment.
 unique_file OpenToFlush(const std::string& path) {
   const std::wstring name = SystemPath(path);
   const DWORD attributes = GetFileAttributesW(name.c_str());
   const bool readOnly = attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY);
   if (readOnly) SetFileAttributesW(name.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
-  unique_file file(CreateFileW(name.c_str(), GENERIC_WRITE, kShareAll, nullptr, OPEN_EXISTING, 0, nullptr));
-  const DWORD code = file ? DWORD{ERROR_SUCCESS} : GetLastError();
+  unique_file file;
+  const DWORD code = TryOpen(path, GENERIC_WRITE, OPEN_EXISTING, file);
   if (readOnly) SetFileAttributesW(name.c_str(), attributes);
-  if (!file) RaiseSystemError(code, path);
+  RaiseUnlessHarmless(code, path);
   return file;
 }
 
 // Hands a file's bytes to the disk without waiting until it holds them for good. False where the system
 // (before Windows 8) or the file system cannot.
 bool WriteOut(const unique_file& file) {
-  using Call = LONG(NTAPI*)(HANDLE, ULONG flags, void* parameters, ULONG size, IO_STATUS_BLOCK*);
-  static const auto call = reinterpret_cast<Call>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtFlushBuffersFileEx")));
+  using Call = LONG NTAPI(HANDLE, ULONG flags, void* parameters, ULONG size, IO_STATUS_BLOCK*);
+  static auto* const call = FunctionOf<Call>(GetModuleHandleW(L"ntdll.dll"), "NtFlushBuffersFileEx");
   constexpr ULONG kNoSync = 2;  // FLUSH_FLAGS_NO_SYNC
   IO_STATUS_BLOCK status{};
   return call != nullptr && call(file.get(), kNoSync, nullptr, 0, &status) >= 0;
@@ -104,7 +123,8 @@ FileStamp InputFile::Stamp() const {
 std::size_t InputFile::Read(std::span<std::byte> into) {
   const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
   DWORD count = 0;
-  if (!ReadFile(handle_->file.get(), into.data(), piece, &count, nullptr)) RaiseSystemError(GetLastError());
+  const HANDLE file = handle_->file.get();
+  Require(WithPatience([&] { return ReadFile(file, into.data(), piece, &count, nullptr) != 0; }));
   return count;
 }
 
@@ -114,9 +134,10 @@ std::size_t InputFile::ReadAt(std::uint64_t offset, std::span<std::byte> into) c
   place.Offset = static_cast<DWORD>(offset);
   place.OffsetHigh = static_cast<DWORD>(offset >> 32);
   DWORD count = 0;
-  if (ReadFile(handle_->file.get(), into.data(), piece, &count, &place)) return count;
-  if (GetLastError() == ERROR_HANDLE_EOF) return 0;
-  RaiseSystemError(GetLastError());
+  const HANDLE file = handle_->file.get();
+  const DWORD code = WithPatience([&] { return ReadFile(file, into.data(), piece, &count, &place) != 0; });
+  if (code != ERROR_HANDLE_EOF) Require(code);
+  return count;
 }
 
 void InputFile::Seek(std::uint64_t offset) {
@@ -169,7 +190,7 @@ void OutputFile::Write(std::string_view text) { Write(std::as_bytes(std::span(te
 
 void OutputFile::Commit(Lasting lasting) {
   Handle& output = *handle_;
-  if (lasting == Lasting::Yes) Flush(output.file);
+  if (lasting == Lasting::Yes) RaiseUnlessHarmless(TryFlush(output.file));
   MarkForRemoval(output.file, false);
   output.file.reset();
   if (output.existing == Existing::Replace) {
@@ -183,15 +204,28 @@ void OutputFile::Commit(Lasting lasting) {
   output.committed = true;
 }
 
-void FlushFile(const std::string& path) { Flush(OpenToFlush(path)); }
+void FlushFile(const std::string& path) {
+  const unique_file file = OpenToFlush(path);
+  if (file) RaiseUnlessHarmless(TryFlush(file), path);
+}
 
 // The disk is told to empty its own cache once, with the last file, since that is what takes the time.
 void FlushTree(const std::string& folder) {
-  const std::vector<FoundFile> files = ListTree(folder);
-  for (std::size_t i = 0; i < files.size(); ++i) {
-    const unique_file file = OpenToFlush(folder + kSeparator + files[i].path);
-    if (i + 1 == files.size() || !WriteOut(file)) Flush(file);
+  unique_file last;
+  for (const FoundFile& found : ListTree(folder)) {
+    unique_file file = OpenToFlush(folder + kSeparator + found.path);
+    if (!file) continue;
+    if (!WriteOut(file)) RaiseUnlessHarmless(TryFlush(file));
+    last = std::move(file);
   }
+  if (last) RaiseUnlessHarmless(TryFlush(last));
+}
+
+bool CanWriteTo(const std::string& folder) {
+  const std::wstring probe = SystemPath(NeighbourOf(folder + kSeparator));
+  return static_cast<bool>(unique_file(
+      CreateFileW(probe.c_str(), GENERIC_WRITE | DELETE, kShareAll, nullptr, CREATE_NEW,
+                  FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr)));
 }
 
 void CloneFile(const std::string& from, const std::string& to) {

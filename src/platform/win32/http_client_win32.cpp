@@ -11,23 +11,30 @@ namespace platform {
 namespace {
 
 constexpr int kMostRedirects = 10;
-constexpr wchar_t kUserAgent[] = L"KelvarinLauncher/" LAUNCHER_VERSION;
 
-unique_internet OpenSession() {
-  const auto open = [](DWORD proxy) {
-    return unique_internet(
-        WinHttpOpen(kUserAgent, proxy, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
-  };
-  unique_internet session = open(WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY);
-  if (!session) {
-    // Windows 7: it knows no automatic proxy, and of the secure protocols in use today only when told.
-    session = open(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
+unique_internet OpenHandle(DWORD proxy) {
+  return unique_internet(
+      WinHttpOpen(kUserAgent, proxy, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
+}
+
+WinHttpSession OpenSession(WinHttpAge age) {
+  WinHttpSession session;
+  if (age == WinHttpAge::OfSystem) session.handle = OpenHandle(WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY);
+  if (!session.handle) {
+    session.handle = OpenHandle(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
+    session.proxies = std::make_unique<PlayerProxy>();
     DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
-    WinHttpSetOption(session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
+    session.hasTls12 =
+        WinHttpSetOption(session.handle.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
   }
+  // A host whose newer kind of address is dead is reached by its other one without delay; the option is a
+  // young one.
+  BOOL fallBack = TRUE;
+  WinHttpSetOption(session.handle.get(), WINHTTP_OPTION_IPV6_FAST_FALLBACK, &fallBack, sizeof fallBack);
   constexpr DWORD kNotices = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
-                             WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES;
-  WinHttpSetStatusCallback(session.get(), WinHttpExchange::OnStatus, kNotices, 0);
+                             WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES |
+                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE;
+  WinHttpSetStatusCallback(session.handle.get(), WinHttpExchange::OnStatus, kNotices, 0);
   return session;
 }
 
@@ -46,13 +53,15 @@ std::string RedirectOf(const HttpHead& head, const std::string& url) {
 
 class WinHttpClient : public HttpClient {
  public:
+  explicit WinHttpClient(WinHttpAge age) : session_(OpenSession(age)) {}
+
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     TransferLimits limits(request, std::move(stop));
     std::string url = base::ResolvedUrl(request.url);
     if (url.empty()) return {HttpError::BadUrl};
     int status = 0;
     for (int followed = 0; followed <= kMostRedirects; ++followed) {
-      WinHttpExchange exchange(session_.get(), request, limits);
+      WinHttpExchange exchange(session_, request, limits);
       const HttpError error = exchange.Send(url);
       if (error != HttpError::None) return exchange.Outcome(error, status);
       status = exchange.Head().status;
@@ -68,11 +77,13 @@ class WinHttpClient : public HttpClient {
   }
 
  private:
-  unique_internet session_ = OpenSession();
+  WinHttpSession session_;
 };
 
 }  // namespace
 
-std::unique_ptr<HttpClient> MakeHttpClient() { return std::make_unique<WinHttpClient>(); }
+std::unique_ptr<HttpClient> MakeHttpClient(WinHttpAge age) { return std::make_unique<WinHttpClient>(age); }
+
+std::unique_ptr<HttpClient> MakeHttpClient() { return MakeHttpClient(WinHttpAge::OfSystem); }
 
 }  // namespace platform

@@ -48,20 +48,36 @@ std::string ArgumentsOf(const StartRequest& request) {
   return std::string(base::Trim(line.substr(end)));
 }
 
-// A program whose manifest demands administrator rights cannot be started by CreateProcess; the shell asks
-// the player for them.
-void StartElevated(const StartRequest& request, const std::string& program) {
+// Lets the shell start a program; it asks the player for the rights of an administrator where these are
+// needed, or with the verb "runas" in any case. False when the player refused.
+bool StartByShell(const StartRequest& request, const std::string& program, const wchar_t* verb) {
   const ComApartment com;
   const std::wstring file = Wide(program), arguments = Wide(ArgumentsOf(request)),
                      folder = Wide(request.workingFolder);
   SHELLEXECUTEINFOW start{};
   start.cbSize = sizeof start;
   start.fMask = SEE_MASK_NOASYNC | SEE_MASK_FLAG_NO_UI;
+  start.hwnd = GetActiveWindow();  // the question comes up over it, and not behind other windows
+  start.lpVerb = verb;
   start.lpFile = file.c_str();
   start.lpParameters = arguments.c_str();
   start.lpDirectory = folder.empty() ? nullptr : folder.c_str();
   start.nShow = ShowCommandOf(request.style);
-  if (!ShellExecuteExW(&start)) RaiseWithText(GetLastError(), program);
+  if (ShellExecuteExW(&start)) return true;
+  const DWORD code = GetLastError();
+  if (code != ERROR_CANCELLED) RaiseWithText(code, program);
+  return false;
+}
+
+// A working folder as CreateProcess takes it, which knows no long paths: by its short name when it has one.
+std::wstring FolderArgument(const std::string& folder) {
+  const std::wstring plain = Wide(folder), path = SystemPath(folder);
+  if (plain == path) return plain;
+  std::wstring shorter(path.size() + 1, L'\0');
+  const DWORD length = GetShortPathNameW(path.c_str(), shorter.data(), static_cast<DWORD>(shorter.size()));
+  constexpr std::wstring_view kPrefix = L"\\\\?\\";
+  if (length == 0 || length >= MAX_PATH || !shorter.starts_with(kPrefix)) return plain;
+  return shorter.substr(kPrefix.size(), length - kPrefix.size());
 }
 
 class SystemLock : public NamedLock {
@@ -80,7 +96,7 @@ class SystemProcesses : public Processes {
     const std::string program = ProgramOf(request);
     if (program.empty()) RaiseWithText(ERROR_BAD_PATHNAME);
     std::wstring line = Wide(request.commandLine);  // the call may write into it
-    const std::wstring folder = Wide(request.workingFolder);
+    const std::wstring folder = FolderArgument(request.workingFolder);
     STARTUPINFOW start{};
     start.cb = sizeof start;
     start.dwFlags = STARTF_USESHOWWINDOW;
@@ -91,11 +107,18 @@ class SystemProcesses : public Processes {
                         &started)) {
       const DWORD code = GetLastError();
       if (code != kElevationRequired) RaiseWithText(code, program);
-      StartElevated(request, program);
+      // Its manifest demands it. A refusal is a failure like any other here, in the system's words.
+      if (!StartByShell(request, program, nullptr)) RaiseWithText(ERROR_CANCELLED, program);
       return;
     }
     const unique_process process(started.hProcess);
     const unique_thread thread(started.hThread);
+  }
+
+  bool StartElevated(const StartRequest& request) override {
+    const std::string program = ProgramOf(request);
+    if (program.empty()) RaiseWithText(ERROR_BAD_PATHNAME);
+    return StartByShell(request, program, L"runas");
   }
 
   void EndAtOnce(int exitStatus) override { ExitProcess(static_cast<UINT>(exitStatus)); }

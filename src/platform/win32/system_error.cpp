@@ -1,5 +1,6 @@
 #include "platform/win32/system_error.hpp"
 
+#include <algorithm>
 #include <array>
 
 #include "base/runtime_error.hpp"
@@ -20,6 +21,10 @@ struct Translation {
   DWORD code;
   ErrorNumber number;
 };
+
+constexpr DWORD kPassing[] = {ERROR_SHARING_VIOLATION, ERROR_ACCESS_DENIED,  ERROR_LOCK_VIOLATION,
+                              ERROR_USER_MAPPED_FILE,  ERROR_DELETE_PENDING, ERROR_DIR_NOT_EMPTY};
+constexpr DWORD kCannotFlush[] = {ERROR_INVALID_FUNCTION, ERROR_NOT_SUPPORTED, ERROR_WRITE_PROTECT};
 
 constexpr Translation kTranslations[] = {
     {ERROR_FILE_NOT_FOUND, ErrorNumber::FileNotFound},
@@ -70,6 +75,16 @@ std::string SystemErrorText(DWORD code, HMODULE module) {
   const DWORD length = FormatMessageW(from | FORMAT_MESSAGE_IGNORE_INSERTS | FORMAT_MESSAGE_MAX_WIDTH_MASK,
                                       module, code, 0, text.data(), static_cast<DWORD>(text.size()), nullptr);
   return std::string(base::Trim(Narrow(std::wstring_view(text.data(), length))));
+}
+
+void RaiseUnlessHarmless(DWORD code, const std::string& path) {
+  const bool flushless =
+      std::find(std::begin(kCannotFlush), std::end(kCannotFlush), code) != std::end(kCannotFlush);
+  if (code != ERROR_SUCCESS && !MayPass(code) && !flushless) RaiseSystemError(code, path);
+}
+
+bool MayPass(DWORD code) {
+  return std::find(std::begin(kPassing), std::end(kPassing), code) != std::end(kPassing);
 }
 
 void RaiseWithText(DWORD code, const std::string& path) {

@@ -17,17 +17,22 @@ namespace platform {
 // Empty when there are none.
 std::string SystemErrorText(DWORD code, HMODULE module = nullptr);
 
-// Repeats `attempt` for about half a second while another program, such as a virus scanner, holds the file it
-// is about; returns ERROR_SUCCESS or the last error. attempt() is true when it succeeded.
+// As RaiseSystemError, for a flush that failed: only a file that is missing or bytes that are lost count, not
+// that somebody holds the file or that the file system cannot flush.
+void RaiseUnlessHarmless(DWORD code, const std::string& path = {});
+
+// Whether the cause of a failure may be gone in a moment, as when another program, such as a virus scanner,
+// holds the file.
+bool MayPass(DWORD code);
+
+// Repeats `attempt` for about half a second while its failure may pass; returns ERROR_SUCCESS or the last
+// error. attempt() is true when it succeeded.
 template <class Attempt>
 DWORD WithPatience(Attempt&& attempt) {
   for (DWORD pause = 8;; pause *= 2) {
     if (attempt()) return ERROR_SUCCESS;
     const DWORD code = GetLastError();
-    const bool mayPass = code == ERROR_SHARING_VIOLATION || code == ERROR_ACCESS_DENIED ||
-                         code == ERROR_LOCK_VIOLATION || code == ERROR_USER_MAPPED_FILE ||
-                         code == ERROR_DELETE_PENDING || code == ERROR_DIR_NOT_EMPTY;
-    if (!mayPass || pause > 256) return code;
+    if (!MayPass(code) || pause > 256) return code;
     Sleep(pause);
   }
 }

@@ -14,11 +14,58 @@ namespace {
 
 constexpr std::size_t kPiece = 64 * 1024;
 constexpr std::uint64_t kQuickMs = 20;
+constexpr std::int64_t kAddressShare = 40;  // percent of the limit for connecting
 
 struct Notice {
   DWORD error = ERROR_SUCCESS;
   DWORD value = 0;  // bytes available or read
 };
+
+// What a code means before and after the connection stands.
+struct Translation {
+  DWORD code;
+  HttpError connecting, connected;
+};
+
+constexpr Translation Always(DWORD code, HttpError error) { return {code, error, error}; }
+
+constexpr Translation kTranslations[] = {
+    Always(ERROR_WINHTTP_INVALID_URL, HttpError::BadUrl),
+    Always(ERROR_WINHTTP_UNRECOGNIZED_SCHEME, HttpError::BadUrl),
+    Always(ERROR_WINHTTP_NAME_NOT_RESOLVED, HttpError::CannotConnect),
+    Always(ERROR_WINHTTP_CANNOT_CONNECT, HttpError::CannotConnect),
+    Always(ERROR_WINHTTP_LOGIN_FAILURE, HttpError::CannotConnect),
+    {ERROR_WINHTTP_TIMEOUT, HttpError::CannotConnect, HttpError::Stalled},
+    {ERROR_WINHTTP_CONNECTION_ERROR, HttpError::CannotConnect, HttpError::CutShort},
+    Always(ERROR_WINHTTP_SECURE_FAILURE, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CHANNEL_ERROR, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_INVALID_CERT, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_INVALID_CA, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CERT_CN_INVALID, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CERT_DATE_INVALID, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CERT_REV_FAILED, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CERT_REVOKED, HttpError::Insecure),
+    Always(ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE, HttpError::Insecure),
+    Always(ERROR_WINHTTP_CLIENT_AUTH_CERT_NEEDED, HttpError::Insecure),
+};
+
+// The cause behind "a security error occurred", the one that the player can mend first.
+DWORD CauseOf(DWORD flags) {
+  constexpr std::pair<DWORD, DWORD> kCauses[] = {
+      {WINHTTP_CALLBACK_STATUS_FLAG_CERT_DATE_INVALID, ERROR_WINHTTP_SECURE_CERT_DATE_INVALID},
+      {WINHTTP_CALLBACK_STATUS_FLAG_INVALID_CA, ERROR_WINHTTP_SECURE_INVALID_CA},
+      {WINHTTP_CALLBACK_STATUS_FLAG_CERT_CN_INVALID, ERROR_WINHTTP_SECURE_CERT_CN_INVALID},
+      {WINHTTP_CALLBACK_STATUS_FLAG_CERT_REVOKED, ERROR_WINHTTP_SECURE_CERT_REVOKED},
+      {WINHTTP_CALLBACK_STATUS_FLAG_CERT_REV_FAILED, ERROR_WINHTTP_SECURE_CERT_REV_FAILED},
+      {WINHTTP_CALLBACK_STATUS_FLAG_CERT_WRONG_USAGE, ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE},
+      {WINHTTP_CALLBACK_STATUS_FLAG_INVALID_CERT, ERROR_WINHTTP_SECURE_INVALID_CERT},
+      {WINHTTP_CALLBACK_STATUS_FLAG_SECURITY_CHANNEL_ERROR, ERROR_WINHTTP_SECURE_CHANNEL_ERROR},
+  };
+  for (const auto& [flag, code] : kCauses) {
+    if (flags & flag) return code;
+  }
+  return ERROR_WINHTTP_SECURE_FAILURE;
+}
 
 }  // namespace
 
@@ -49,51 +96,27 @@ struct Mailbox {
     const std::lock_guard lock(mutex);
     return ended;
   }
+  void NoteInsecure(DWORD flags) {
+    const std::lock_guard lock(mutex);
+    insecure |= flags;
+  }
+  DWORD Insecure() {
+    const std::lock_guard lock(mutex);
+    return insecure;
+  }
 
   std::mutex mutex;
   std::optional<Notice> waiting;  // there is never more than one call under way
   bool connected = false;
   std::uint64_t received = 0;  // bytes from the network
   bool ended = false;          // the server has closed: the last piece from the network held no byte
+  DWORD insecure = 0;          // WINHTTP_CALLBACK_STATUS_FLAG_*: why the secure channel was refused
   unique_event event{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
   std::vector<std::byte> buffer = std::vector<std::byte>(kPiece);
   std::shared_ptr<Mailbox> self;
 };
 
-TransferLimits::TransferLimits(const HttpRequest& request, std::stop_token stop)
-    : request_(request),
-      speed_(request.stallLimitMs),
-      wholeDeadline_(request.wholeLimitMs == 0 ? UINT64_MAX : GetTickCount64() + request.wholeLimitMs),
-      stop_(std::move(stop)),
-      stopped_(CreateEventW(nullptr, TRUE, FALSE, nullptr)),
-      onStop_(stop_, EventSetter{stopped_.get()}) {}
-
-void TransferLimits::BeginHop() {
-  connected_ = false;
-  connectDeadline_ = GetTickCount64() + request_.connectLimitMs;
-}
-
-void TransferLimits::Connected() {
-  if (connected_) return;
-  connected_ = true;
-  speed_.Restart();
-}
-
-HttpError TransferLimits::Sleep(const unique_event& event) {
-  if (stop_.stop_requested()) return HttpError::Cancelled;
-  const std::uint64_t phaseDeadline = connected_ ? speed_.Deadline() : connectDeadline_;
-  const std::uint64_t deadline = std::min(phaseDeadline, wholeDeadline_);
-  const std::uint64_t now = GetTickCount64();
-  if (now >= deadline) {
-    return !connected_ && phaseDeadline == deadline ? HttpError::CannotConnect : HttpError::Stalled;
-  }
-  const HANDLE handles[] = {event.get(), stopped_.get()};
-  WaitForMultipleObjects(2, handles, FALSE,
-                         static_cast<DWORD>(std::min<std::uint64_t>(deadline - now, MAXLONG)));
-  return HttpError::None;
-}
-
-WinHttpExchange::WinHttpExchange(HINTERNET session, const HttpRequest& request, TransferLimits& limits)
+WinHttpExchange::WinHttpExchange(WinHttpSession& session, const HttpRequest& request, TransferLimits& limits)
     : session_(session), request_(request), limits_(limits), mailbox_(std::make_shared<Mailbox>()) {}
 
 WinHttpExchange::~WinHttpExchange() = default;
@@ -114,6 +137,8 @@ void CALLBACK WinHttpExchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD stat
       return mailbox->Post({.value = *static_cast<const DWORD*>(information)});
     case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
       return mailbox->Post({.value = size});
+    case WINHTTP_CALLBACK_STATUS_SECURE_FAILURE:
+      return mailbox->NoteInsecure(information ? *static_cast<const DWORD*>(information) : 0);
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
       return mailbox->Post({.error = static_cast<const WINHTTP_ASYNC_RESULT*>(information)->dwError});
     case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING: {
@@ -133,7 +158,7 @@ bool WinHttpExchange::Open(const std::string& url) {
   const std::wstring host(parts.lpszHostName, parts.dwHostNameLength);
   const std::wstring target = std::wstring(parts.lpszUrlPath, parts.dwUrlPathLength)
                                   .append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
-  server_.reset(WinHttpConnect(session_, host.c_str(), parts.nPort, 0));
+  server_.reset(WinHttpConnect(session_.handle.get(), host.c_str(), parts.nPort, 0));
   if (!server_) return false;
   const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
                       (parts.nScheme == INTERNET_SCHEME_HTTPS ? WINHTTP_FLAG_SECURE : 0);
@@ -143,7 +168,7 @@ bool WinHttpExchange::Open(const std::string& url) {
   return static_cast<bool>(exchange_);
 }
 
-void WinHttpExchange::SetOptions() {
+void WinHttpExchange::SetOptions(const Proxy& proxy) {
   const HINTERNET handle = exchange_.get();
   auto context = reinterpret_cast<DWORD_PTR>(mailbox_.get());
   if (WinHttpSetOption(handle, WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context)) {
@@ -153,10 +178,13 @@ void WinHttpExchange::SetOptions() {
   WinHttpSetOption(handle, WINHTTP_OPTION_REDIRECT_POLICY, &never, sizeof never);
   DWORD disabled = WINHTTP_DISABLE_COOKIES;
   WinHttpSetOption(handle, WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof disabled);
-  // Only to end what the caller has given up waiting for; the caller's own limits come first.
-  const int connect = static_cast<int>(std::min<std::uint32_t>(request_.connectLimitMs, MAXLONG / 2) + 1000);
+  proxy.SetFor(handle);
+  // One address of a host may use up less than half of the caller's limit, so that a second one is tried
+  // when the first is dead. The other limits only end what the caller has given up waiting for.
+  const int limit = static_cast<int>(std::min<std::uint32_t>(request_.connectLimitMs, MAXLONG / 2));
   const int stall = static_cast<int>(std::min<std::uint32_t>(request_.stallLimitMs, MAXLONG / 2) + 1000);
-  WinHttpSetTimeouts(handle, connect, connect, stall, stall);
+  WinHttpSetTimeouts(handle, limit + 1000,
+                     static_cast<int>(std::max<std::int64_t>(limit * kAddressShare / 100, 1)), stall, stall);
 }
 
 HttpError WinHttpExchange::AddHeaders() {
@@ -171,39 +199,20 @@ HttpError WinHttpExchange::AddHeaders() {
 }
 
 HttpError WinHttpExchange::ErrorOf(DWORD code) {
+  if (code == ERROR_WINHTTP_SECURE_FAILURE) code = CauseOf(mailbox_->Insecure());
   systemError_ = code;
-  switch (code) {
-    case ERROR_WINHTTP_INVALID_URL:
-    case ERROR_WINHTTP_UNRECOGNIZED_SCHEME:
-      return HttpError::BadUrl;
-    case ERROR_WINHTTP_NAME_NOT_RESOLVED:
-    case ERROR_WINHTTP_CANNOT_CONNECT:
-      return HttpError::CannotConnect;
-    case ERROR_WINHTTP_TIMEOUT:
-      return limits_.IsConnected() ? HttpError::Stalled : HttpError::CannotConnect;
-    case ERROR_WINHTTP_SECURE_FAILURE:
-    case ERROR_WINHTTP_SECURE_CHANNEL_ERROR:
-    case ERROR_WINHTTP_SECURE_INVALID_CERT:
-    case ERROR_WINHTTP_SECURE_INVALID_CA:
-    case ERROR_WINHTTP_SECURE_CERT_CN_INVALID:
-    case ERROR_WINHTTP_SECURE_CERT_DATE_INVALID:
-    case ERROR_WINHTTP_SECURE_CERT_REV_FAILED:
-    case ERROR_WINHTTP_SECURE_CERT_REVOKED:
-    case ERROR_WINHTTP_SECURE_CERT_WRONG_USAGE:
-    case ERROR_WINHTTP_CLIENT_AUTH_CERT_NEEDED:
-      return HttpError::Insecure;
-    case ERROR_WINHTTP_CONNECTION_ERROR:
-      return limits_.IsConnected() ? HttpError::CutShort : HttpError::CannotConnect;
-    default:
-      return headDone_ ? HttpError::CutShort : HttpError::Other;
+  for (const Translation& entry : kTranslations) {
+    if (entry.code == code) return limits_.IsConnected() ? entry.connected : entry.connecting;
   }
+  return headDone_ ? HttpError::CutShort : HttpError::Other;
 }
 
-HttpOutcome WinHttpExchange::Outcome(HttpError error, int status) const {
-  HttpOutcome outcome{error, status};
+HttpOutcome WinHttpExchange::Outcome(HttpError error, int before) const {
+  HttpOutcome outcome{error, head_.status != 0 ? head_.status : before};
   if (error == HttpError::None || systemError_ == ERROR_SUCCESS) return outcome;
   outcome.systemError = systemError_;
   outcome.systemText = SystemErrorText(systemError_, GetModuleHandleW(L"winhttp.dll"));
+  if (error == HttpError::Insecure && !session_.hasTls12) outcome.systemText.insert(0, "TLS 1.2: ");
   return outcome;
 }
 
@@ -229,32 +238,66 @@ HttpError WinHttpExchange::Finish(BOOL started, DWORD& value) {
   }
 }
 
-HttpError WinHttpExchange::Send(const std::string& url) {
+HttpError WinHttpExchange::Prepare(const std::string& url) {
+  Proxy proxy;
+  const HttpError error = session_.proxies ? session_.proxies->Find(url, limits_, proxy) : HttpError::None;
+  if (error != HttpError::None) return error;
   limits_.BeginHop();
   if (!Open(url)) return HttpError::BadUrl;
-  SetOptions();
-  HttpError error = AddHeaders();
-  if (error != HttpError::None) return error;
+  SetOptions(proxy);
+  return AddHeaders();
+}
+
+HttpError WinHttpExchange::Ask() {
   DWORD ignored = 0;
-  error =
+  const HttpError error =
       Finish(WinHttpSendRequest(exchange_.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
                                 0, reinterpret_cast<DWORD_PTR>(mailbox_.get())),
              ignored);
   if (error != HttpError::None) return error;
-  error = Finish(WinHttpReceiveResponse(exchange_.get(), nullptr), ignored);
+  return Finish(WinHttpReceiveResponse(exchange_.get(), nullptr), ignored);
+}
+
+// Answers a proxy as the user who is logged on; false when it wants another kind of proof.
+bool WinHttpExchange::LogOnToProxy() {
+  DWORD offered = 0, first = 0, target = 0;
+  if (!WinHttpQueryAuthSchemes(exchange_.get(), &offered, &first, &target)) return false;
+  for (const DWORD scheme : {DWORD{WINHTTP_AUTH_SCHEME_NEGOTIATE}, DWORD{WINHTTP_AUTH_SCHEME_NTLM}}) {
+    if (!(offered & scheme)) continue;
+    return WinHttpSetCredentials(exchange_.get(), WINHTTP_AUTH_TARGET_PROXY, scheme, nullptr, nullptr,
+                                 nullptr) != 0;
+  }
+  return false;
+}
+
+HttpError WinHttpExchange::Send(const std::string& url) {
+  HttpError error = Prepare(url);
   if (error != HttpError::None) return error;
+  for (bool loggedOn = false;; loggedOn = true) {
+    error = Ask();
+    if (error != HttpError::None) return error;
+    if (Status() != HTTP_STATUS_PROXY_AUTH_REQ) break;
+    if (loggedOn || !LogOnToProxy()) {
+      head_.status = HTTP_STATUS_PROXY_AUTH_REQ;
+      return ErrorOf(ERROR_WINHTTP_LOGIN_FAILURE);
+    }
+  }
   TakeHead();
   // A length that is no number leaves open where the body ends (RFC 9112, 6.3).
   const bool nonsense = !head_.contentLength && !head_.Header("content-length").empty();
   return nonsense && !IsChunked() ? HttpError::Other : HttpError::None;
 }
 
-void WinHttpExchange::TakeHead() {
+int WinHttpExchange::Status() const {
   DWORD status = 0, size = sizeof status;
   WinHttpQueryHeaders(exchange_.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
                       WINHTTP_HEADER_NAME_BY_INDEX, &status, &size, WINHTTP_NO_HEADER_INDEX);
-  head_.status = static_cast<int>(status);
-  size = 0;
+  return static_cast<int>(status);
+}
+
+void WinHttpExchange::TakeHead() {
+  head_.status = Status();
+  DWORD size = 0;
   WinHttpQueryHeaders(exchange_.get(), WINHTTP_QUERY_RAW_HEADERS_CRLF, WINHTTP_HEADER_NAME_BY_INDEX, nullptr,
                       &size, WINHTTP_NO_HEADER_INDEX);
   std::wstring raw(size / sizeof(wchar_t), L'\0');
@@ -282,7 +325,7 @@ void WinHttpExchange::TakeHead() {
 // over from the one before, Wine fills the buffer on the calling thread, which could not be stopped
 // meanwhile.
 HttpError WinHttpExchange::ReadPiece(DWORD& count) {
-  const std::uint64_t start = GetTickCount64();
+  const std::uint64_t start = AwakeMs();
   const auto room = static_cast<DWORD>(mailbox_->buffer.size());
   DWORD wanted = room;
   count = 0;
@@ -293,7 +336,7 @@ HttpError WinHttpExchange::ReadPiece(DWORD& count) {
   const bool takesAll = wanted <= room;
   const HttpError error = Finish(
       WinHttpReadData(exchange_.get(), mailbox_->buffer.data(), std::min(wanted, room), nullptr), count);
-  eager_ = !eager_ && takesAll && GetTickCount64() - start <= kQuickMs;
+  eager_ = !eager_ && takesAll && AwakeMs() - start <= kQuickMs;
   delivered_ += count;
   return error;
 }
@@ -307,9 +350,9 @@ HttpError WinHttpExchange::ReadBody(HttpSink& sink) {
     if (error != HttpError::None) return error;
     if (count == 0) break;
     if (counted && delivered_ > *head_.contentLength) return HttpError::CutShort;
-    const std::uint64_t start = GetTickCount64();
+    const std::uint64_t start = AwakeMs();
     if (!sink.Write(std::span(mailbox_->buffer).first(count))) return HttpError::Refused;
-    limits_.Excuse(GetTickCount64() - start);
+    limits_.Excuse(AwakeMs() - start);
   }
   // A body in chunks says itself where it ends; one that the server ended by closing was not complete.
   const bool cut = counted ? delivered_ != *head_.contentLength : IsChunked() && mailbox_->Ended();

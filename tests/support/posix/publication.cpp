@@ -7,6 +7,8 @@
 
 #include "platform/files.hpp"
 #include "publisher/commands.hpp"
+#include "update/inflater.hpp"
+#include "update/zip_archive.hpp"
 
 namespace support {
 
@@ -33,6 +35,21 @@ std::map<std::string, std::string> FilesOf(const std::string& folder) {
   std::map<std::string, std::string> files;
   for (const platform::FoundFile& found : platform::ListTree(folder)) {
     files[found.path] = platform::ReadWhole(folder + "/" + found.path, 1u << 30);
+  }
+  return files;
+}
+
+std::map<std::string, std::string> FilesIn(const std::string& archive) {
+  const update::ZipArchive zip(archive);
+  update::Inflater inflater;
+  std::map<std::string, std::string> files;
+  for (const auto& entry : zip.Entries()) {
+    if (entry.folder) continue;
+    std::string& bytes = files[entry.name];
+    const auto take = [&](std::span<const std::byte> piece) {
+      bytes.append(reinterpret_cast<const char*>(piece.data()), piece.size());
+    };
+    zip.Expand(entry, inflater, take, {});
   }
   return files;
 }

@@ -38,6 +38,9 @@ class TestPublication {
 // Every file below a folder, path ("/") to bytes.
 std::map<std::string, std::string> FilesOf(const std::string& folder);
 
+// Every file of an archive, name ("/") to bytes, each proved.
+std::map<std::string, std::string> FilesIn(const std::string& archive);
+
 std::string Noise(std::size_t size, unsigned seed);  // bytes that do not compress
 
 }  // namespace support

@@ -9,6 +9,7 @@
 #include "platform/files.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
+#include "support/host_path.hpp"
 
 namespace support {
 namespace {
@@ -45,19 +46,10 @@ bool LeadsElsewhere(const std::string& link) {
 }
 
 bool RunHostLink(const std::string& link, const std::string& target) {
-  using UnixName = char*(CDECL*)(const WCHAR*);
-  const FARPROC found = GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "wine_get_unix_file_name");
-  const auto unixName = reinterpret_cast<UnixName>(reinterpret_cast<void*>(found));
-  if (!unixName) return false;
-  const auto named = [unixName](const std::string& path) {
-    char* text = unixName(platform::Wide(path).c_str());
-    const std::string copy = text ? text : "";
-    HeapFree(GetProcessHeap(), 0, text);
-    return copy;
-  };
-  std::wstring line = L"ln -s \"" + platform::Wide(named(target)) + L"\" \"" +
-                      platform::Wide(named(platform::FolderOf(link))) + L"/" +
-                      platform::Wide(platform::FileNameOf(link)) + L"\"";
+  const std::string to = HostPath(target), in = HostPath(platform::FolderOf(link));
+  if (to.empty()) return false;
+  std::wstring line =
+      platform::Wide("ln -s \"" + to + "\" \"" + in + "/" + platform::FileNameOf(link) + "\"");
   STARTUPINFOW start{};
   start.cb = sizeof start;
   PROCESS_INFORMATION started;
