@@ -34,8 +34,9 @@ struct DownloadTest : testing::Test, support::TestServices {
   web::Hosts hosts;
   web::Inet1 inet{services};
   web::smodXmlHttp transfers{services, window, state, hosts};
-  modGeneral::HostSelection selection{services, window, inet, transfers, hosts, {500, 500, 500}};
-  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}}};
+  web::ScriptBudget scripts;
+  modGeneral::HostSelection selection{services, window, inet, transfers, hosts, scripts, {500, 500, 500}};
+  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}, {}}};
   update::MirrorRound mirrors{services, mode, hosts, selection};
   update::smodUnzip unzip{services};
   int closed = 0;

@@ -49,6 +49,11 @@ RunOutcome UpdateCheck::Interrupted() const {
   return {with_.services.lifetime.Ending() ? End::ProgramEnds : End::TryAgain, {}, {}};
 }
 
+// Who cannot update may still play.
+RunOutcome UpdateCheck::NobodyAnswers(const RunOutcome& stopped) {
+  return with_.installed.Offer(stopped.status) ? RunOutcome{End::GameStarted, {}, {}} : stopped;
+}
+
 RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   line = 10;
   working_.clear();
@@ -96,7 +101,7 @@ UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
   if (!with_.mode.MayGoOn()) return Interrupted();
-  if (!confirmed) return Stopped("Ningún servidor de actualizaciones responde.");
+  if (!confirmed) return NobodyAnswers(Stopped("Ningún servidor de actualizaciones responde."));
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
   line = 40;
@@ -121,7 +126,8 @@ UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& loca
   }
   if (listError_) std::rethrow_exception(listError_);
   if (result.last.kind == Attempt::Kind::BadContent) return StoppedAndTold(kUnreadableList);
-  return StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + ".");
+  return NobodyAnswers(
+      StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + "."));
 }
 
 // A list that cannot be read is as bad as one that did not come.

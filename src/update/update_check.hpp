@@ -11,6 +11,7 @@
 #include "update/download.hpp"
 #include "update/game_launch.hpp"
 #include "update/index_stage.hpp"
+#include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
 #include "update/run_mode.hpp"
 #include "update/update_list.hpp"
@@ -37,6 +38,7 @@ class UpdateCheck {
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
+    InstalledGame& installed;
   };
 
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
@@ -58,6 +60,7 @@ class UpdateCheck {
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
   RunOutcome Interrupted() const;
+  RunOutcome NobodyAnswers(const RunOutcome& stopped);
   void RemoveLooseBitmaps();
   void RemoveScratch();
   void Show(const char* status);
