@@ -48,7 +48,8 @@ struct DownloadTest : testing::Test, support::TestServices {
 TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
   const std::string packed = MakePacked("contenido");
   server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text(packed));
-  const update::IndexRecord record{support::Md5Of("contenido"), "\\Bin\\Sub\\a #.dll", "Sub/a #.dll", ""};
+  const update::IndexRecord record{*util::Md5Digest::FromHex(support::Md5Of("contenido")), true,
+                                   "Sub/a #.dll"};
   EXPECT_TRUE(download.DownloadClient(3, 9, record));
   const std::string target = folders.ResourcesUpdateDir + platform::NativePath("/Sub/a #.dll");
   EXPECT_EQ(window.lblName.Caption.Get(), "Descargando actualizaciones: 3/9 - Sub");
