@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
@@ -44,6 +45,17 @@ class Download {
   // The folder of the mirror from which the current stage downloads: "OldAct/" or "NewAct2/".
   std::string remoteFolder;
 
+  // The archives that DescargarArchivo will be asked for after the present one, in their order: they are
+  // fetched while that one is unpacked.
+  std::vector<std::string> following;
+  void ForgetFollowing();    // what was fetched and not asked for goes; what was interrupted stays
+  void ForgetInterrupted();  // nothing that was interrupted is of use any longer
+
+  // The player is told how far these archives together are, from the first one on that DescargarArchivo is
+  // asked for until EndWhole.
+  void BeginWhole(const std::vector<std::string>& archives);
+  void EndWhole();
+
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did; there is no file then.
   bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record);
@@ -64,12 +76,16 @@ class Download {
   Attempt AttemptArchive(const std::string& name, bool unpack, const Use& use, int& line);
   Attempt UseArchive(bool unpack, const Use& use);
   std::string UrlOf(const std::string& name) const;
+  web::FileRequest RequestFor(const std::string& name) const;
+  void FetchFollowing();
   Attempt AttemptPacked(const std::string& local, const IndexRecord& record);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;
   void RemoveTarget();
   void Pause();  // one round of a wait loop
+
+  void CountOne(const web::TransferReport& report);
 
   Collaborators with_;
   int TimeoutCount = 0;

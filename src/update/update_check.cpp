@@ -1,5 +1,7 @@
 #include "update/update_check.hpp"
 
+#include <algorithm>
+
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
@@ -13,10 +15,16 @@ using End = RunOutcome::End;
 
 constexpr std::uint32_t kPauseMs = 50;
 constexpr int kListTimeoutSeconds = 20;
+constexpr std::size_t kMostAhead = 8;  // archives whose names are told in advance
 constexpr int kLastBitmap = 32'000;
 constexpr int kBitmapsPerRound = 1'000;  // between two looks at the player's events
 constexpr const char* kUnreadableList =
     "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin.";
+
+std::string ArchiveOf(std::size_t category, int number) {
+  const std::string name = kCategories[category];
+  return name + "/" + name + std::to_string(number) + ".zip";
+}
 
 RunOutcome Stopped(const std::string& status) { return {End::Stopped, status}; }
 // What was told to the player and logged where it happened.
@@ -165,7 +173,17 @@ Attempt UpdateCheck::AttemptList(PatchCounts& remote, PatchCounts& local, int& l
   return {};
 }
 
+void UpdateCheck::PlanPatches(const PatchCounts& remote, const PatchCounts& local) {
+  patches_.clear();
+  installed_ = 0;
+  for (std::size_t i = 0; i < kCategories.size(); ++i) {
+    for (int number = local[i] + 1; number <= remote[i]; ++number) patches_.push_back(ArchiveOf(i, number));
+  }
+  with_.download.BeginWhole(patches_);
+}
+
 UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const PatchCounts& local) {
+  PlanPatches(remote, local);
   for (std::size_t i = 0; i < kCategories.size(); ++i) {
     if (local[i] >= remote[i]) {
       // A counter ahead of the server is pulled back to it.
@@ -176,12 +194,17 @@ UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const Pa
       if (const Ended ended = ApplyPatch(i, number)) return ended;
     }
   }
+  with_.download.ForgetFollowing();
+  with_.download.ForgetInterrupted();
   return std::nullopt;
 }
 
 UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
-  const std::string name = kCategories[category];
-  working_ = name + "/" + name + std::to_string(number) + ".zip";
+  working_ = ArchiveOf(category, number);
+  ++installed_;
+  const std::size_t ahead = std::min(patches_.size() - installed_, kMostAhead);
+  const auto next = patches_.begin() + static_cast<std::ptrdiff_t>(installed_);
+  with_.download.following.assign(next, next + static_cast<std::ptrdiff_t>(ahead));
   const Fetched fetched = with_.download.DescargarArchivo(working_, true);
   if (!with_.mode.MayGoOn()) return Interrupted();
   switch (fetched.result) {
@@ -226,6 +249,8 @@ void UpdateCheck::RemoveLooseBitmaps() {
 
 // The copy of the last archive, and the folders that packed files came in.
 void UpdateCheck::RemoveScratch() {
+  with_.download.ForgetFollowing();
+  with_.download.EndWhole();
   platform::TryRemoveFile(with_.services.folders.Scratch("tmp.tmp"));
   platform::RemoveEmptyFolders(with_.services.folders.ResourcesUpdateDir);
 }

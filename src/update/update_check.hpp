@@ -56,6 +56,7 @@ class UpdateCheck {
   Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
   Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
   Ended ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
+  void PlanPatches(const PatchCounts& remote, const PatchCounts& local);
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
@@ -66,8 +67,10 @@ class UpdateCheck {
   void Show(const char* status);
 
   Collaborators with_;
-  std::string working_;           // what the run is at, for the error report
-  std::exception_ptr listError_;  // what the last list raised when it was read
+  std::vector<std::string> patches_;  // names of those that this run installs, in their order
+  std::size_t installed_ = 0;         // of them
+  std::string working_;               // what the run is at, for the error report
+  std::exception_ptr listError_;      // what the last list raised when it was read
 };
 
 }  // namespace update

@@ -154,6 +154,14 @@ NewFile::NewFile(const std::string& path, Kind) : handle_(std::make_unique<Handl
   handle_->file = Open(path, GENERIC_WRITE, CREATE_NEW);
 }
 
+NewFile::NewFile(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
+
+NewFile NewFile::Continuing(const std::string& path) {
+  auto handle = std::make_unique<Handle>();
+  handle->file = Open(path, FILE_APPEND_DATA, OPEN_EXISTING);
+  return NewFile(std::move(handle));
+}
+
 NewFile::~NewFile() = default;
 NewFile::NewFile(NewFile&&) noexcept = default;
 
