@@ -25,8 +25,8 @@ std::string Folded(std::string_view name) { return base::UpperLatin(base::Replac
 }  // namespace
 
 IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
-                       modCompression& compression)
-    : services_(services), frmMain_(frmMain), download_(download), compression_(compression) {}
+                       Trust& trust, modCompression& compression)
+    : services_(services), frmMain_(frmMain), download_(download), trust_(trust), compression_(compression) {}
 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
@@ -94,7 +94,7 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
 }
 
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
-  DigestRecord proved(RecordFile(services_.folders));
+  DigestRecord proved(RecordFile(services_.folders), trust_.RecordSeal());
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
   std::vector<std::string_view> names(records.size());

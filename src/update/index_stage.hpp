@@ -12,6 +12,7 @@
 #include "update/download.hpp"
 #include "update/index_file.hpp"
 #include "update/modCompression.hpp"
+#include "update/trust.hpp"
 #include "update/verification.hpp"
 
 namespace update {
@@ -20,7 +21,7 @@ namespace update {
 class IndexStage {
  public:
   IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
-             modCompression& compression);
+             Trust& trust, modCompression& compression);
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
@@ -48,6 +49,7 @@ class IndexStage {
   const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Download& download_;
+  Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
   std::optional<modCompression::Complaint> complaint_;    // about the last index that came

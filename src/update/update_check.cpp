@@ -55,6 +55,7 @@ RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   Show("Buscando actualizaciones...");
   line = 20;
   with_.instance.Release();
+  with_.trust.BeginRun();
   if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
     return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
   }
@@ -74,20 +75,20 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
     line = 110;
     working_ = "Info.kvn";
     const bool fetched = with_.index.Fetch();
-    if (!with_.mode.MayGoOn()) return Interrupted();
+    if (!MayGoOn()) return Interrupted();
     if (fetched) break;
     const auto answer = with_.services.host.dialogs.Show(
         "No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?",
         platform::DialogButtons::YesNo);
-    if (!with_.mode.MayGoOn()) return Interrupted();
+    if (!MayGoOn()) return Interrupted();
     if (answer != platform::DialogAnswer::Yes) break;
     hostInDoubt = true;
   }
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  with_.index.VerifyAndFetch([this] { return !with_.mode.MayGoOn(); });
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
+  if (!MayGoOn()) return Interrupted();
   return std::nullopt;
 }
 
@@ -95,16 +96,56 @@ UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   line = 30;
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!MayGoOn()) return Interrupted();
   if (!confirmed) return Stopped("Ningún servidor de actualizaciones responde.");
+  if (const Ended ended = AcceptPublication()) return ended;
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
   line = 40;
   with_.inet.SetRequestTimeout(kListTimeoutSeconds);
   PatchCounts remote{}, local{};
-  if (const Ended ended = FetchList(remote, local, line)) return ended;
+  if (const Ended ended = FetchCounts(remote, local, line)) return ended;
   line = 70;
   return ApplyPatches(remote, local);
+}
+
+UpdateCheck::Ended UpdateCheck::AcceptPublication() {
+  working_ = "Signed.txt";
+  std::string why;
+  switch (with_.trust.Accept(why)) {
+    case Trust::Answer::Ready:
+      return std::nullopt;
+    case Trust::Answer::Interrupted:
+      return Interrupted();
+    case Trust::Answer::Refused:
+      break;
+  }
+  return OfferGame(why);
+}
+
+// Nothing can be updated, but what is installed can be played.
+RunOutcome UpdateCheck::OfferGame(const std::string& why) {
+  with_.frmMain.lblEstado.Caption = why;
+  if (with_.services.flags.UpdatesOnly) return Stopped(why);
+  const auto answer = with_.services.host.dialogs.Show(
+      why + "\r\n¿Deseas iniciar el juego instalado sin actualizarlo?", platform::DialogButtons::YesNo);
+  if (!MayGoOn()) return Interrupted();
+  if (answer != platform::DialogAnswer::Yes) return Stopped(why);
+  with_.services.recorder.Note(why);
+  return StartGame();
+}
+
+// Mirrors count on being asked for the list; where a publication is signed, it can say nothing new.
+UpdateCheck::Ended UpdateCheck::FetchCounts(PatchCounts& remote, PatchCounts& local, int& line) {
+  const auto signedCounts = with_.trust.Counts();
+  if (!signedCounts) return FetchList(remote, local, line);
+  working_ = with_.hosts.WebBaseURL + "OldAct/" + "Update.ini";
+  with_.inet.OpenURL(working_);
+  if (!MayGoOn()) return Interrupted();
+  Show("Buscando actualizaciones...");
+  remote = *signedCounts;
+  for (std::size_t i = 0; i < kCategories.size(); ++i) local[i] = with_.counters.Read(kCategories[i]);
+  return std::nullopt;
 }
 
 UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& local, int& line) {
@@ -177,7 +218,7 @@ UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
   const std::string name = kCategories[category];
   working_ = name + "/" + name + std::to_string(number) + ".zip";
   const Fetched fetched = with_.download.DescargarArchivo(working_, true);
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!MayGoOn()) return Interrupted();
   switch (fetched.result) {
     case DownloadResult::Done:
       return Record(category, number);
@@ -202,8 +243,12 @@ RunOutcome UpdateCheck::Complete(int& line) {
       [this](const std::string& packed) { return with_.index.DigestOf(packed); });
   line = 150;
   RemoveLooseBitmaps();
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!MayGoOn()) return Interrupted();
   line = 160;
+  return StartGame();
+}
+
+RunOutcome UpdateCheck::StartGame() {
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
   return {End::GameStarted, {}, {}};
 }

@@ -13,6 +13,7 @@
 #include "update/index_stage.hpp"
 #include "update/patch_installation.hpp"
 #include "update/run_mode.hpp"
+#include "update/trust.hpp"
 #include "update/update_list.hpp"
 #include "web/Inet1.hpp"
 #include "web/host_selection.hpp"
@@ -32,6 +33,7 @@ class UpdateCheck {
     web::Inet1& inet;
     modGeneral::HostSelection& selection;
     MirrorRound& mirrors;
+    Trust& trust;
     CounterStore& counters;
     Download& download;
     IndexStage& index;
@@ -50,13 +52,18 @@ class UpdateCheck {
 
   RunOutcome Run(int& line, bool hostInDoubt);
   Ended IndexLoop(int& line, bool hostInDoubt);
+  bool MayGoOn() const { return with_.mode.MayGoOn() && !with_.trust.Outdated(); }
   Ended PatchStage(int& line, bool hostInDoubt);
+  Ended AcceptPublication();
+  RunOutcome OfferGame(const std::string& why);
+  Ended FetchCounts(PatchCounts& remote, PatchCounts& local, int& line);
   Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
   Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
   Ended ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
+  RunOutcome StartGame();
   RunOutcome Interrupted() const;
   void RemoveLooseBitmaps();
   void RemoveScratch();
