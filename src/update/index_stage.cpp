@@ -1,5 +1,6 @@
 #include "update/index_stage.hpp"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "base/relative_name.hpp"
@@ -19,6 +20,15 @@ constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 256 << 20;  // bytes; a game of a million files has a smaller one
 constexpr std::size_t kNotedRefusals = 10;
 constexpr std::size_t kFilesPerRound = 16;  // between two looks at the player's events
+
+// A link may lead to a folder that holds more than the game.
+bool IsFolderItself(const std::string& path) {
+  const std::vector<platform::FolderEntry> entries = platform::ListFolder(platform::FolderOf(path));
+  return std::none_of(entries.begin(), entries.end(),
+                      [name = platform::FileNameOf(path)](const platform::FolderEntry& entry) {
+                        return base::EqualIgnoringCase(entry.name, name) && !entry.folder;
+                      });
+}
 
 std::string Folded(std::string_view name) { return base::UpperLatin(base::Replaced(name, " ", "")); }
 
@@ -71,7 +81,10 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() const {
-  if (!index_.ReadWholly() || index_.Records().empty()) return;
+  const std::vector<IndexRecord>& records = index_.Records();
+  const bool namesAny = std::any_of(records.begin(), records.end(),
+                                    [](const IndexRecord& record) { return record.refusal.empty(); });
+  if (!index_.ReadWholly() || !namesAny || !IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
@@ -127,6 +140,14 @@ void IndexStage::FetchAgain(std::size_t i) {
 std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {
   const auto found = fetched_.find(Folded(base::WithSlashes(packed)));
   return found == fetched_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<std::string> IndexStage::PublishedDigest(std::string_view inBin) const {
+  for (const IndexRecord& record : index_.Records()) {
+    if (record.refusal.empty() && record.HasDigest() && Folded(record.inBin) == Folded(inBin))
+      return record.digest;
+  }
+  return std::nullopt;
 }
 
 void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& proved) {

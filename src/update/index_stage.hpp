@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -27,8 +28,8 @@ class IndexStage {
   // be read.
   bool Fetch();
 
-  // Deletes the files below Bin that the index does not name. Never in a development copy, never by an index
-  // that is empty or was not read whole.
+  // Deletes the files below Bin that the index does not name. Never in a development copy or where Bin is a
+  // link, never by an index that names no file for certain or was not read whole.
   void RemoveForeignFiles() const;
 
   // Compares each file with the index and fetches the others into the update folder. Ends early, and records
@@ -38,6 +39,9 @@ class IndexStage {
   // The digest that the content of a packed file must have, by its path below the update folder; none for a
   // file that this run did not fetch.
   std::optional<std::string> DigestOf(const std::string& packed) const;
+
+  // The digest that the index names for a file of Bin, in any case; none when it names none.
+  std::optional<std::string> PublishedDigest(std::string_view inBin) const;
 
  private:
   std::string Take(const std::string& packed);
