@@ -21,12 +21,13 @@ class PacedSink : public platform::HttpSink {
   bool Write(std::span<const std::byte> more) override {
     if (more.size() > most_ - bytes.size()) return false;
     bytes.append(reinterpret_cast<const char*>(more.data()), more.size());
-    const std::chrono::milliseconds limit(pace_.LimitMs({.size = bytes.size()}));
-    return Clock::now() - begun_ <= limit;
+    tooSlow = Clock::now() - begun_ > std::chrono::milliseconds(pace_.LimitMs({.size = bytes.size()}));
+    return !tooSlow;
   }
 
   std::optional<std::uint64_t> announced;
   std::string bytes;
+  bool tooSlow = false;
 
  private:
   const std::size_t most_;
@@ -52,6 +53,7 @@ Bytes FetchBytes(const startup::Services& services, const std::string& url, std:
   } catch (...) {  // no memory, no thread
     report.own = startup::CurrentError();
   }
+  if (sink.tooSlow) report.outcome.error = platform::HttpError::Stalled;
   report.bytes = sink.bytes.size();
   report.announced = sink.announced;
   if (report.Arrived()) answer.bytes = std::move(sink.bytes);
