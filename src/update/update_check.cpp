@@ -3,6 +3,7 @@
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/folder_hold.hpp"
 #include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
@@ -31,6 +32,9 @@ void UpdateCheck::Show(const char* status) {
 }
 
 RunOutcome UpdateCheck::tmrUpdates_Timer(bool hostInDoubt) {
+  FolderHold hold;
+  if (!hold.Take(with_.services, with_.frmMain, [this] { return with_.mode.MayGoOn(); }))
+    return Interrupted();
   RunOutcome outcome = StoppedAndTold("La actualización se detuvo por un error.");
   startup::Guarded(
       with_.services.recorder, [&](int& line) { outcome = Run(line, hostInDoubt); },

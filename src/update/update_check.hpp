@@ -44,7 +44,8 @@ class UpdateCheck {
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
 
   // What the timer tmrUpdates does. `hostInDoubt`: the mirror is confirmed before anything is asked of it.
-  // Leaves nothing behind but what was installed, however it ends.
+  // Leaves nothing behind but what was installed, however it ends. Waits while another launcher updates this
+  // folder.
   RunOutcome tmrUpdates_Timer(bool hostInDoubt);
 
  private:
