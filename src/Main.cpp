@@ -32,6 +32,7 @@ void Launcher::StartUp(int& line) {
   line = 10;
   PrepareFolders();
   ReportDeployment();
+  if (lifetime_.Ending()) return;
   line = 30;
   EndStaleClient();
   line = 60;
@@ -76,6 +77,8 @@ void Launcher::PrepareFolders() {
 
 void Launcher::ReportDeployment() {
   for (const std::string& problem : startup::ProblemsOf(deployment_)) recorder_.LogError(problem);
+  // Without a mirror the search for one would last for ever, and nobody is there to end it.
+  if (flags_.UpdatesOnly && !deployment_.AnyUsable()) lifetime_.End(1);
 }
 
 bool Launcher::IsProcessNameRunning(const std::string& imageName) {

@@ -93,6 +93,7 @@ class Launcher {
   update::modCompression compression_;
   update::CounterStore counters_;
   update::MirrorRound mirrors_;
+  update::Trust trust_;
   update::Download download_;
   update::ChunkedTransfer chunked_;
   update::PatchInstallation installation_;

@@ -26,6 +26,8 @@ struct DownloadTest : testing::Test, support::TestServices {
     mode.StartUpDone();
     mode.cmdIniciar_Click();
     window.tmrUpdates.Set(false);  // the test itself is the run
+    std::string why;
+    EXPECT_EQ(trust.Accept(why), update::Trust::Answer::Ready) << "there is no key";
   }
 
   support::FaultyServer server;
@@ -38,10 +40,11 @@ struct DownloadTest : testing::Test, support::TestServices {
   modGeneral::HostSelection selection{services, window, inet, transfers, hosts, scripts, {500, 500, 500}};
   update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}, {}}};
   update::MirrorRound mirrors{services, mode, hosts, selection};
+  update::Trust trust{services, hosts, mirrors};
   update::smodUnzip unzip{services};
   int closed = 0;
   update::Download download{
-      {services, window, state, hosts, transfers, mirrors, unzip, [this] { ++closed; }}};
+      {services, window, state, hosts, transfers, mirrors, trust, unzip, [this] { ++closed; }}};
   update::ChunkedTransfer chunked{services, window, inet, state, [this] { ++closed; }};
 };
 

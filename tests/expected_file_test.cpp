@@ -4,6 +4,7 @@
 
 #include "platform/digest.hpp"
 #include "support/web_world.hpp"
+#include "web/bytes_fetch.hpp"
 
 namespace {
 
@@ -18,6 +19,9 @@ std::string Sha256Of(std::string_view bytes) {
 
 struct ExpectedFileTest : testing::Test {
   web::TransferReport Fetch(const Answer& answer, const Expected& expected) {
+    return Fetch(world.transfers, answer, expected);
+  }
+  web::TransferReport Fetch(web::smodXmlHttp& transfers, const Answer& answer, const Expected& expected) {
     platform::TryRemoveFile(world.folder / "game/target");
     platform::TryRemoveFile(world.folders.Scratch("tmp.tmp"));
     server.On("/file", answer);
@@ -27,11 +31,7 @@ struct ExpectedFileTest : testing::Test {
 
   support::FaultyServer server{"127.0.0.5"};
   support::WebWorld world;
-  web::smodXmlHttp transfers{world.services,
-                             world.frmMain,
-                             world.state,
-                             world.hosts,
-                             {.leastBytesPerSecond = 1'000'000'000, .leastLimitMs = 300}};
+  const web::Pace impatient{.leastBytesPerSecond = 1'000'000'000, .leastLimitMs = 300};
 };
 
 TEST_F(ExpectedFileTest, OnlyWhatIsExpectedIsKept) {
@@ -84,10 +84,35 @@ TEST_F(ExpectedFileTest, EndlessDataEndsAtTheFirstByteTooMany) {
 TEST_F(ExpectedFileTest, WhatComesTooSlowlyIsGivenUp) {
   const std::string body(100'000, 'x');
   const Answer trickle{.body = body, .paceBytes = 10, .paceMs = 5};
-  const web::TransferReport report = Fetch(trickle, {body.size()});
+  web::smodXmlHttp transfers(world.services, world.frmMain, world.state, world.hosts, impatient);
+  const web::TransferReport report = Fetch(transfers, trickle, {body.size()});
   EXPECT_EQ(report.outcome.error, platform::HttpError::Stalled) << report.Details();
   EXPECT_LT(report.bytes, body.size() / 2);
   EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST_F(ExpectedFileTest, WhatIsTakenIntoMemoryIsBoundedInSizeAndTime) {
+  const std::string body(100'000, 'x');
+  const struct {
+    const char* name;
+    Answer answer;
+    std::size_t most;
+    platform::HttpError error;
+  } cases[] = {
+      {"whole", support::Text(body), body.size(), platform::HttpError::None},
+      {"one byte too many", support::Text(body), body.size() - 1, platform::HttpError::Refused},
+      {"trickle", {.body = body, .paceBytes = 10, .paceMs = 5}, body.size(), platform::HttpError::Stalled},
+      {"cut", support::CutShort(body, 5), body.size(), platform::HttpError::CutShort},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    server.On("/file", test.answer);
+    const bool slow = test.error == platform::HttpError::Stalled;
+    const web::Bytes got =
+        web::FetchBytes(world.services, server.Url("/file"), test.most, slow ? impatient : web::Pace());
+    EXPECT_EQ(got.report.outcome.error, test.error);
+    EXPECT_TRUE(got.bytes == (test.error == platform::HttpError::None ? body : ""));
+  }
 }
 
 TEST(Pace, TheLimitGrowsWithTheSize) {

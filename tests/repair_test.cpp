@@ -48,14 +48,6 @@ struct InstalledGame : support::LauncherRun {
   void Put(const std::string& file, const std::string& bytes) { folder.Put(game + "/" + file, bytes); }
   std::string PathOf(const std::string& file) const { return folder / (game + "/" + file); }
 
-  // The day of the file's last change; whole days, since not every system sets finer times.
-  void SetTime(const std::string& file, int day) {
-    const std::string path = PathOf(file);
-    const std::chrono::sys_time<std::chrono::file_clock::duration> time =
-        std::chrono::sys_days(std::chrono::year(2025) / 3 / 4) + std::chrono::days(day);
-    std::filesystem::last_write_time(std::u8string(path.begin(), path.end()),
-                                     std::chrono::file_clock::from_sys(time));
-  }
   // One byte differs, the size does not.
   void Flip(const std::string& file, int day = 0) {
     std::string bytes = Get(file);

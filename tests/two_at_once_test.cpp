@@ -165,7 +165,7 @@ TEST(Failures, WhoCannotUpdateMayStillPlay) {
   run.UntilEnded();
   EXPECT_EQ(run.machine.processes.started.size(), 2u);
   EXPECT_TRUE(
-      run.Shown("Ningún servidor de actualizaciones responde. ¿Deseas iniciar el juego instalado sin "
+      run.Shown("Ningún servidor de actualizaciones responde.\r\n¿Deseas iniciar el juego instalado sin "
                 "actualizarlo?"));
   EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el de antes");
 }

@@ -283,6 +283,19 @@ TEST(UpdateCheck, AnIndexWritesNowhereButInBin) {
   EXPECT_NE(run.folder.Get("Errores.log").find("\\Bin\\..\\launcher.exe"), std::string::npos);
 }
 
+TEST(UpdateCheck, AnIndexThatNamesNoFileForCertainDeletesNothing) {
+  LauncherRun run;
+  run.mirror.AddIndexRecord({std::string(32, '0'), "\\Bin\\..\\launcher.exe"});
+  run.mirror.AddIndexRecord({std::string(32, '0'), "\\RECURSOS\\x"});
+  run.mirror.Publish();
+  run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el cliente");
+  run.Start();
+  const auto before = run.GameFiles();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.GameFiles(), before);
+}
+
 TEST(UpdateCheck, UpdateOnlyModeEndsByItself) {
   {
     LauncherRun run;

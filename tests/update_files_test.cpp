@@ -149,7 +149,7 @@ TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
              other = util::Md5Digest{};
   const platform::FileStamp stamp{10, 20};
   const auto noError = [](const std::string& text) { ADD_FAILURE() << text; };
-  update::DigestRecord record(file);
+  update::DigestRecord record(file, "uno");
   record.Remember("Sub/ñandú x.dat", stamp, digest);
   record.Remember("b", {1, 2}, other);
   record.Remember("b", {1, 2}, digest);  // an index may name a file twice
@@ -183,6 +183,24 @@ TEST(DigestRecord, VouchesOnlyForWhatIsUnchanged) {
     record.Load();
     EXPECT_EQ(record.Find("b", {1, 2}), std::nullopt) << torn;
   }
+}
+
+TEST(DigestRecord, CountsOnlyUnderItsOwnSeal) {
+  const support::TempFolder folder;
+  const std::string file = folder / "MD5Update.ini";
+  const auto noError = [](const std::string& text) { ADD_FAILURE() << text; };
+  update::DigestRecord record(file, "uno");
+  record.Remember("a", {1, 2}, util::Md5Digest{});
+  record.Save(noError);
+  for (const char* seal : {"uno", "otro", "un", "uno; ", ""}) {
+    update::DigestRecord read(file, seal);
+    read.Load();
+    EXPECT_EQ(read.Empty(), std::string_view(seal) != "uno") << seal;
+  }
+  update::DigestRecord unsealed(folder / "sin sello.ini");
+  unsealed.Remember("a", {1, 2}, util::Md5Digest{});
+  unsealed.Save(noError);
+  EXPECT_FALSE(folder.Has("sin sello.ini"));
 }
 
 TEST(Digests, AreTheStandardOnes) {

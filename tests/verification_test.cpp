@@ -26,7 +26,7 @@ struct VerificationTest : testing::Test, support::TestServices {
   static std::string Hex(const FileProof& proof) { return proof.digest ? proof.digest->Hex() : ""; }
   void Put(const std::string& name, const std::string& bytes) { folder.Put("juego/Bin/" + name, bytes); }
 
-  update::DigestRecord record{folders.BinDir + platform::kSeparator + "MD5Update.ini"};
+  update::DigestRecord record{folders.BinDir + platform::kSeparator + "MD5Update.ini", "sello"};
 };
 
 TEST_F(VerificationTest, ProvesFilesOfEveryKindInOrder) {

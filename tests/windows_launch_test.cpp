@@ -10,6 +10,7 @@
 #include "platform/win32/wide.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/system_directory.hpp"
+#include "support/archives.hpp"
 #include "support/temp_folder.hpp"
 #include "support/test_host.hpp"
 #include "update/game_launch.hpp"
@@ -98,7 +99,8 @@ struct WindowsLaunchTest : testing::Test {
   controls::MainWindow window{host.events.Timers()};
   startup::Deployment deployment;
   startup::Services services{host, folders, deployment, flags, recorder, lifetime};
-  update::LibraryCheck libraries{services, window};
+  std::optional<std::string> published;  // digest of the graphics library, as the index has it
+  update::LibraryCheck libraries{services, window, [this](const std::string&) { return published; }};
   int closed = 0;
   update::GameLaunch launch{services, libraries, [this] { ++closed; }};
 };
@@ -177,6 +179,12 @@ TEST_F(WindowsLaunchTest, TheGraphicsLibraryIsCopiedWhenItDiffersAndMayBeRefused
     EXPECT_EQ(machine.dialogs.shown[0].text, kDone);
     EXPECT_EQ(window.lblName.Caption.Get(), "Librerias correctas.");
   };
+  for (const auto& other : {std::optional<std::string>(), std::optional(support::Md5Of("another"))}) {
+    published = other;
+    check();
+    EXPECT_EQ(library.Bytes(), "the system's") << "only what the index names goes there";
+  }
+  published = support::Md5Of("the game's");
   {
     const platform::unique_file used = library.Open(FILE_SHARE_READ);
     ASSERT_TRUE(used);

@@ -19,6 +19,9 @@ class Clock {
   // Blocks the calling thread; handles no events.
   virtual void Sleep(std::uint32_t milliseconds) = 0;
 
+  // Seconds since 1970 (UTC), as far as the player set the computer's date right.
+  virtual std::int64_t UnixTime() = 0;
+
   // Local date (short form) and time (long form) in the user's regional format, UTF-8.
   virtual std::string DateText() = 0;
   virtual std::string TimeText() = 0;

@@ -2,7 +2,11 @@
 
 #include <algorithm>
 
+#include "base/base64.hpp"
+#include "base/runtime_error.hpp"
 #include "base/url.hpp"
+#include "platform/files.hpp"
+#include "platform/signature.hpp"
 
 namespace startup {
 namespace {
@@ -46,6 +50,19 @@ bool NamesAMirror(platform::ProfileFiles& profiles, const std::string& file) {
   return false;
 }
 
+constexpr std::uint64_t kLargestFile = 1 << 20;
+
+// Why a file that is there cannot be read; a key or mirror that it names must not be taken for none.
+std::string WhyUnreadable(const std::string& file) {
+  if (!platform::IsThere(file)) return {};
+  try {
+    platform::ReadWhole(file, kLargestFile);
+    return {};
+  } catch (const base::RuntimeError& error) {
+    return error.Description();
+  }
+}
+
 void CutTrailingSlashes(std::string& url) {
   while (url.ends_with('/')) url.pop_back();
 }
@@ -56,8 +73,19 @@ bool Deployment::AnyUsable() const { return std::find(usable.begin(), usable.end
 
 bool Deployment::IsSecondHost(const std::string& url) const { return url == mirrors[1] || url == mirrors[4]; }
 
+bool IsUsableKey(const std::string& publicKey) {
+  const auto key = base::FromBase64(publicKey);
+  return key && platform::IsPublicKey(*key);
+}
+
 std::vector<std::string> ProblemsOf(const Deployment& deployment) {
+  if (!deployment.unreadable.empty())
+    return {"Deployment.ini no se puede leer (" + deployment.unreadable + "), por eso no se instala nada."};
   std::vector<std::string> problems;
+  if (deployment.publicKey && !IsUsableKey(*deployment.publicKey)) {
+    problems.push_back(
+        "Deployment.ini: TRUST/PublicKey no es una clave que se pueda usar; no se instala nada.");
+  }
   for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
     if (deployment.usable[i] || deployment.mirrors[i].empty()) continue;
     problems.push_back("Deployment.ini: MIRRORS/" + std::to_string(i + 1) +
@@ -72,12 +100,16 @@ std::vector<std::string> ProblemsOf(const Deployment& deployment) {
 
 Deployment LoadDeployment(platform::ProfileFiles& profiles, const std::string& file) {
   Deployment deployment;
+  deployment.unreadable = WhyUnreadable(file);
   for (const TextKey& text : kTextKeys) {
     deployment.*text.field = ValueOf(profiles, file, text.section, text.key, text.builtIn);
   }
   CutTrailingSlashes(deployment.web);
   CutTrailingSlashes(deployment.api);
-  const bool named = NamesAMirror(profiles, file);
+  if (profiles.Has(file, "TRUST", "PublicKey")) {
+    deployment.publicKey = profiles.GetVar(file, "TRUST", "PublicKey");
+  }
+  const bool named = !deployment.unreadable.empty() || NamesAMirror(profiles, file);
   for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
     std::string& mirror = deployment.mirrors[i];
     mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), named ? "" : kBuiltInMirrors[i]);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,17 @@ struct Deployment {
   std::string api;                                // scheme, host and port, without trailing "/"
   std::string support, forum, social, chat, client1, client2;  // web addresses
   std::string parameter;                                       // handed to the game client
-  std::string staffApplication;  // settings-store application of the staff marker
+  std::string staffApplication;          // settings-store application of the staff marker
+  std::optional<std::string> publicKey;  // as it stands there (Base64), usable or not; none: not named
+  std::string unreadable;                // why the file cannot be read; nothing is known then
 
   bool AnyUsable() const;
   // Whether `url` is an entry of the second update host (ring entries 2 and 5).
   bool IsSecondHost(const std::string& url) const;
 };
+
+// Whether a key as Deployment.ini names it can be used to verify signatures.
+bool IsUsableKey(const std::string& publicKey);
 
 // What is wrong with a deployment, one sentence for the player or operator each; empty when all is well.
 std::vector<std::string> ProblemsOf(const Deployment& deployment);

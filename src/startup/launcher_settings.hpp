@@ -9,6 +9,7 @@ inline constexpr const char* kShow = "SHOW";        // "1": another start asks t
 inline constexpr const char* kLastUrl = "LASTURL";  // the mirror that last answered
 inline constexpr const char* kUrlWeb = "URLWEB";    // the same, as the base of the web scripts
 inline constexpr const char* kUrl = "URL";
+inline constexpr const char* kTrust = "TRUST";  // what signatures were accepted (update/trust_memory.hpp)
 
 inline constexpr const char* kLibraries = "KVNLibrerias";  // Version / V: the library set last checked
 inline constexpr const char* kVersion = "Version";

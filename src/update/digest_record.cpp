@@ -3,15 +3,18 @@
 #include <algorithm>
 #include <charconv>
 #include <exception>
+#include <span>
 
 #include "base/text.hpp"
+#include "platform/digest.hpp"
 #include "util/clsFastString.hpp"
+#include "util/sha256.hpp"
 
 namespace update {
 namespace {
 
 constexpr std::string_view kHeading = "; Archivos verificados de Bin: MD5, bytes, fecha, nombre";
-constexpr std::string_view kTotal = "; total ";
+constexpr std::string_view kTotal = "; total ", kSeal = "; sello ";
 constexpr std::uint64_t kLargestRecord = 64u << 20;
 constexpr std::int32_t kPiece = 48 * 1024;  // written at a time
 constexpr std::size_t kNone = SIZE_MAX;
@@ -30,6 +33,18 @@ std::string_view TakeLine(std::string_view& text) {
   return line;
 }
 
+// Over a text that comes in pieces. Who knows a sealed text but not the secret can seal no longer one either.
+class Seal {
+ public:
+  explicit Seal(const std::string& secret) : secret_(secret) { Update(secret); }
+  void Update(std::string_view text) { digest_.Update(std::as_bytes(std::span(text))); }
+  std::string Text() { return util::Sha256(secret_ + digest_.Hex()); }
+
+ private:
+  const std::string& secret_;
+  platform::Digest digest_{platform::DigestKind::Sha256};
+};
+
 }  // namespace
 
 std::string RecordFile(const startup::Folders& folders) {
@@ -37,17 +52,29 @@ std::string RecordFile(const startup::Folders& folders) {
 }
 
 void DigestRecord::Clear() {
-  *this = DigestRecord(file_);
+  *this = DigestRecord(file_, seal_);
   platform::WriteWhole(file_, " \r\n");
 }
 
 void DigestRecord::Load() {
-  *this = DigestRecord(file_);
+  *this = DigestRecord(file_, seal_);
+  if (seal_.empty()) return;
   try {
-    if (platform::IsFile(file_) && Parse(platform::ReadWhole(file_, kLargestRecord))) return;
+    if (platform::IsFile(file_) && TakeSealed(platform::ReadWhole(file_, kLargestRecord))) return;
   } catch (const std::exception&) {  // an unreadable record is as good as none
   }
-  *this = DigestRecord(file_);
+  *this = DigestRecord(file_, seal_);
+}
+
+bool DigestRecord::TakeSealed(std::string_view text) {
+  const std::size_t at = text.rfind(kSeal);
+  if (at == std::string_view::npos) return false;
+  const std::string_view sealed = text.substr(0, at);
+  std::string_view rest = text.substr(at + kSeal.size());
+  const std::string_view given = TakeLine(rest);
+  Seal seal(seal_);
+  seal.Update(sealed);
+  return rest.empty() && given == seal.Text() && Parse(sealed);
 }
 
 bool DigestRecord::Parse(std::string_view text) {
@@ -144,7 +171,13 @@ void DigestRecord::Forget(std::string_view inBin) {
 void DigestRecord::Save(const std::function<void(const std::string&)>& logError) {
   if (!changed_) return;
   Sort();
+  if (seal_.empty()) return;
   platform::OutputFile file(file_);
+  Seal seal(seal_);
+  const auto write = [&](std::string_view piece) {
+    seal.Update(piece);
+    file.Write(piece);
+  };
   util::clsFastString text(logError);
   text.Append(std::string(kHeading) + platform::kLineEnd);
   for (const Proof& proof : proofs_) {
@@ -153,11 +186,12 @@ void DigestRecord::Save(const std::function<void(const std::string&)>& logError)
     text.Append(NameOf(proof));
     text.Append(platform::kLineEnd);
     if (text.Length() < kPiece) continue;
-    file.Write(text.Value());
+    write(text.Value());
     text.Clear();
   }
   text.Append(std::string(kTotal) + std::to_string(proofs_.size()) + platform::kLineEnd);
-  file.Write(text.Value());
+  write(text.Value());
+  file.Write(std::string(kSeal) + seal.Text() + platform::kLineEnd);
   file.Commit();
   changed_ = false;
 }

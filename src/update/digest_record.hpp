@@ -21,11 +21,14 @@ std::string RecordFile(const startup::Folders& folders);
 // What was proved of the files below Bin at earlier starts (MD5Update.ini): a digest counts again only while
 // the file's size and time of last change are exactly the recorded ones. Lines of readable text (UTF-8): a
 // heading, then
-// "<digest> <size> <time> <name below Bin>" each, then a line with their number. A file that is not wholly
-// so, such as the blank one that a repair leaves, says nothing.
+// "<digest> <size> <time> <name below Bin>" each, then a line with their number and one with a seal over all
+// of it. A file that is not wholly so, such as the blank one that a repair leaves, says nothing; nor does one
+// that was sealed with another text, since whoever can bring a file could bring its record too.
 class DigestRecord {
  public:
-  explicit DigestRecord(std::string file) : file_(std::move(file)) {}
+  // `seal`: a secret of this installation; without one the record neither believes nor keeps anything.
+  explicit DigestRecord(std::string file, std::string seal = {})
+      : file_(std::move(file)), seal_(std::move(seal)) {}
 
   // Leaves a record that vouches for nothing; raises what the file system does.
   void Clear();
@@ -46,6 +49,7 @@ class DigestRecord {
     bool forgotten = false;
   };
 
+  bool TakeSealed(std::string_view text);
   bool Parse(std::string_view text);
   bool ParseLine(std::string_view line);
   bool Sort();  // false when not all of them are kept
@@ -53,7 +57,7 @@ class DigestRecord {
   std::string_view NameOf(const Proof& proof) const;
   std::size_t IndexOf(std::string_view name) const;  // among the sorted ones
 
-  std::string file_;
+  std::string file_, seal_;
   std::string names_;          // one behind the other
   std::vector<Proof> proofs_;  // the first sorted_ of them in the order of their names
   std::size_t sorted_ = 0;

@@ -21,19 +21,11 @@ constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Des
 constexpr const char* kUnzipFailed =
     "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR";
 constexpr const char* kOtherContent = "su contenido no es el que nombra el índice";
+constexpr const char* kNotSigned = "no está en la publicación firmada";
 
 Attempt::Kind KindOf(const web::TransferReport& report) {
   if (report.own) return Attempt::Kind::OwnFailure;
   return report.otherContent ? Attempt::Kind::BadContent : Attempt::Kind::NotArrived;
-}
-
-// That several mirrors give the same wrong file says nothing about the next one, so each counts for itself.
-Attempt NotGood(const web::TransferReport& report, const std::string& url) {
-  return {.kind = KindOf(report),
-          .reason = report.Reason(),
-          .details = report.Details(),
-          .cut = report.outcome.error == platform::HttpError::CutShort,
-          .digest = url};
 }
 
 }  // namespace
@@ -49,12 +41,32 @@ bool Download::TimedOut() const {
 
 void Download::RemoveTarget() { platform::TryRemoveFile(with_.state.TargetPath); }
 
+// Logged when nobody vouches for the file, which is then not asked for.
+std::optional<web::Expected> Download::ExpectedOf(const std::string& name) const {
+  auto expected = with_.trust.ExpectedOf(name);
+  if (!expected) with_.services.recorder.Note(name + ": " + kNotSigned);
+  return expected;
+}
+
+// That several mirrors give the same wrong file says nothing about the next one, so each counts for itself.
+Attempt Download::NotGood(const web::TransferReport& report, const std::string& url) {
+  const bool page = report.Arrived();
+  if ((page || report.otherContent) && with_.trust.PublishedSince()) return {Attempt::Kind::Outdated};
+  return {.kind = KindOf(report),
+          .reason = report.Reason(),
+          .details = report.Details(),
+          .cut = report.outcome.error == platform::HttpError::CutShort,
+          .digest = url,
+          .otherFile = report.otherContent};
+}
+
 // A page in the place of a file is no file; one that came whole is worth nothing unless it is what the index
 // names.
-Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& record) {
+Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& record,
+                                const web::Expected& expected) {
   if (platform::IsFile(local)) platform::RemoveFile(local);
   const std::string url = UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn");
-  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, local);
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, local, expected);
   if (!report.Good()) {
     platform::TryRemoveFile(local);
     return NotGood(report, url);
@@ -84,13 +96,15 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         const std::string local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
         line = 40;
+        const auto expected = ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn");
+        if (!expected) return;
         const std::string place = std::to_string(index) + "/" + std::to_string(count);
         end = with_.mirrors
                   .Fetch(record.Path(),
                          [&] {
                            frmMain.lblEstado.Caption =
                                "Progreso de actualización: " + place;  // while the file is on its way
-                           return AttemptPacked(local, record);
+                           return AttemptPacked(local, record, *expected);
                          })
                   .end;
         line = 50;
@@ -123,9 +137,8 @@ std::string Download::UrlOf(const std::string& name) const {
   return with_.hosts.CurrentUpdateURL + remoteFolder + name;
 }
 
-web::FileRequest Download::RequestFor(const std::string& name) const {
-  web::FileRequest request;
-  request.url = UrlOf(name);
+web::FileRequest Download::RequestFor(const std::string& name, const web::Expected& expected) const {
+  web::FileRequest request{.url = UrlOf(name), .path = {}, .expected = expected};
   request.part =
       with_.services.folders.Scratch(kParts) + platform::kSeparator + base::Replaced(name, "/", "");
   return request;
@@ -133,7 +146,11 @@ web::FileRequest Download::RequestFor(const std::string& name) const {
 
 void Download::FetchFollowing() {
   std::vector<web::FileRequest> next;
-  for (const std::string& name : following) next.push_back(RequestFor(name));
+  for (const std::string& name : following) {
+    const auto expected = with_.trust.ExpectedOf(remoteFolder + name);
+    if (!expected) break;
+    next.push_back(RequestFor(name, *expected));
+  }
   with_.transfers.FetchNext(std::move(next), {});
 }
 
@@ -150,9 +167,9 @@ void Download::BeginWhole(const std::vector<std::string>& archives) {
                          .startedAt = with_.services.host.clock.Milliseconds()};
   bool known = true;
   for (const std::string& name : archives) {
-    const auto size = RequestFor(name).expected.size;
-    known = known && size;
-    whole.total += size.value_or(0);
+    const auto expected = with_.trust.ExpectedOf(remoteFolder + name);
+    known = known && expected && expected->size;
+    if (known) whole.total += *expected->size;
   }
   if (!known) whole.total = 0;
   with_.transfers.whole = whole;
@@ -174,8 +191,10 @@ Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& 
   web::DownloadState& state = with_.state;
   line = 10;
   state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
+  const auto expected = ExpectedOf(remoteFolder + name);
+  if (!expected) return {DownloadResult::Stopped, kNotSigned};
   const MirrorRound::Result result =
-      with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, unpack, use, line); });
+      with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, *expected, unpack, use, line); });
   if (result.end == MirrorRound::End::Good) return {DownloadResult::Done};
   line = 50;
   if (state.CancelRequested || with_.services.lifetime.Ending()) {
@@ -189,16 +208,18 @@ Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& 
       with_.frmMain.lblEstado.Caption = "Falló la descarga de " + name + ": " + result.last.reason + ".";
       return OnTimeOut(result.notArrived, result.last.reason);
     case Attempt::Kind::BadContent:
-      if (unpack) with_.services.host.dialogs.Show(kUnzipFailed);
+      if (unpack && !result.last.otherFile) with_.services.host.dialogs.Show(kUnzipFailed);
       break;
     case Attempt::Kind::OwnFailure:
+    case Attempt::Kind::Outdated:
     case Attempt::Kind::Good:
       break;
   }
   return {DownloadResult::Stopped, result.last.reason};
 }
 
-Attempt Download::AttemptArchive(const std::string& name, bool unpack, const Use& use, int& line) {
+Attempt Download::AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack,
+                                 const Use& use, int& line) {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   line = 10;
@@ -215,7 +236,7 @@ Attempt Download::AttemptArchive(const std::string& name, bool unpack, const Use
   frmMain.lblEstado.Caption = "Actualizando juego, por favor aguarde unos minutos.";
   state.Finished = false;
   line = 40;
-  const web::FileRequest request = RequestFor(name);
+  const web::FileRequest request = RequestFor(name, expected);
   const std::string& url = request.url;
   const web::TransferReport report = with_.transfers.DownloadUrlToFile(
       url, state.TargetPath, request.expected, unpack ? request.part : std::string{});
@@ -225,7 +246,8 @@ Attempt Download::AttemptArchive(const std::string& name, bool unpack, const Use
   Attempt attempt;
   if (!report.Good()) {
     attempt = NotGood(report, url);
-    attempt.kind = Attempt::Kind::BadContent;  // a page, which every mirror words in its own way
+    // A page, which every mirror words in its own way.
+    if (attempt.kind == Attempt::Kind::NotArrived) attempt.kind = Attempt::Kind::BadContent;
   } else if (unpack || use) {
     if (unpack) FetchFollowing();
     attempt = UseArchive(unpack, use);
@@ -295,7 +317,10 @@ void Download::DescargarCliente() {
         }
         line = 30;
         state.Finished = false;
-        with_.transfers.DownloadUrlToFile(with_.hosts.CurrentUpdateURL + "Kelvarin.zip", state.TargetPath);
+        if (const auto expected = ExpectedOf("Kelvarin.zip")) {
+          with_.transfers.DownloadUrlToFile(with_.hosts.CurrentUpdateURL + "Kelvarin.zip", state.TargetPath,
+                                            *expected);
+        }
         state.Completed = state.Failed = false;
         state.WatchdogStart = with_.services.host.clock.SystemUptime();
         line = 40;

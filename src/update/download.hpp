@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,6 +10,7 @@
 #include "update/index_file.hpp"
 #include "update/mirror_round.hpp"
 #include "update/smodUnzip.hpp"
+#include "update/trust.hpp"
 #include "web/download_state.hpp"
 #include "web/smodXmlHttp.hpp"
 
@@ -36,6 +38,7 @@ class Download {
     const web::Hosts& hosts;
     web::smodXmlHttp& transfers;
     MirrorRound& mirrors;
+    Trust& trust;
     smodUnzip& unzip;
     std::function<void()> closeLauncher;
   };
@@ -57,7 +60,8 @@ class Download {
   void EndWhole();
 
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
-  // mirror gives it with the content that the index names. False when none did; there is no file then.
+  // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
+  // there is no file then.
   bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record);
 
   // Makes use of a file that came whole; why it is of none, in a few words.
@@ -73,12 +77,15 @@ class Download {
 
  private:
   Fetched FetchArchive(const std::string& name, bool unpack, const Use& use, int& line);
-  Attempt AttemptArchive(const std::string& name, bool unpack, const Use& use, int& line);
+  Attempt AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack, const Use& use,
+                         int& line);
+  std::optional<web::Expected> ExpectedOf(const std::string& name) const;
+  Attempt NotGood(const web::TransferReport& report, const std::string& url);
   Attempt UseArchive(bool unpack, const Use& use);
   std::string UrlOf(const std::string& name) const;
-  web::FileRequest RequestFor(const std::string& name) const;
+  web::FileRequest RequestFor(const std::string& name, const web::Expected& expected) const;
   void FetchFollowing();
-  Attempt AttemptPacked(const std::string& local, const IndexRecord& record);
+  Attempt AttemptPacked(const std::string& local, const IndexRecord& record, const web::Expected& expected);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;

@@ -22,6 +22,15 @@ constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 64 << 20;  // bytes; a game of half a million files has a smaller one
 constexpr std::size_t kFilesPerRound = 16;        // between two looks at the player's events
 
+// A link may lead to a folder that holds more than the game.
+bool IsFolderItself(const std::string& path) {
+  const std::vector<platform::FolderEntry> entries = platform::ListFolder(platform::FolderOf(path));
+  return std::none_of(entries.begin(), entries.end(),
+                      [name = platform::FileNameOf(path)](const platform::FolderEntry& entry) {
+                        return base::EqualIgnoringCase(entry.name, name) && !entry.folder;
+                      });
+}
+
 std::string Folded(std::string_view name) { return base::UpperLatin(base::Replaced(name, " ", "")); }
 
 // The names of an index as Folded has them, found by their hashes so that none is kept.
@@ -51,8 +60,8 @@ class FoldedNames {
 }  // namespace
 
 IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
-                       modCompression& compression)
-    : services_(services), frmMain_(frmMain), download_(download), compression_(compression) {}
+                       Trust& trust, modCompression& compression)
+    : services_(services), frmMain_(frmMain), download_(download), trust_(trust), compression_(compression) {}
 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
@@ -94,7 +103,9 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() const {
-  if (!index_.ReadWholly() || index_.Count() == 0) return;
+  bool namesAny = false;
+  for (std::size_t i = 0; i < index_.Count() && !namesAny; ++i) namesAny = !index_[i].inBin.empty();
+  if (!index_.ReadWholly() || !namesAny || !IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
@@ -118,7 +129,7 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
 }
 
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
-  DigestRecord proved(RecordFile(services_.folders));
+  DigestRecord proved(RecordFile(services_.folders), trust_.RecordSeal());
   proved.Load();
   const auto nameOf = [this](std::size_t i) {
     const IndexRecord record = index_[i];
@@ -147,6 +158,15 @@ void IndexStage::FetchAgain(std::size_t i) {
 std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {
   const auto found = fetched_.find(Folded(base::WithSlashes(packed)));
   return found == fetched_.end() ? std::nullopt : std::optional(found->second);
+}
+
+std::optional<std::string> IndexStage::PublishedDigest(std::string_view inBin) const {
+  for (std::size_t i = 0; i < index_.Count(); ++i) {
+    const IndexRecord record = index_[i];
+    if (!record.inBin.empty() && record.hasDigest && Folded(record.inBin) == Folded(inBin))
+      return record.digest.Hex();
+  }
+  return std::nullopt;
 }
 
 void IndexStage::Remember(Verification& verification, DigestRecord& proved) {

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "controls/main_window.hpp"
@@ -11,6 +12,7 @@
 #include "update/download.hpp"
 #include "update/index_file.hpp"
 #include "update/modCompression.hpp"
+#include "update/trust.hpp"
 #include "update/verification.hpp"
 
 namespace update {
@@ -19,14 +21,14 @@ namespace update {
 class IndexStage {
  public:
   IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
-             modCompression& compression);
+             Trust& trust, modCompression& compression);
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
   bool Fetch();
 
-  // Deletes the files below Bin that the index does not name. Never in a development copy, never by an index
-  // that is empty or was not read whole.
+  // Deletes the files below Bin that the index does not name. Never in a development copy or where Bin is a
+  // link, never by an index that names no file for certain or was not read whole.
   void RemoveForeignFiles() const;
 
   // Compares each file with the index and fetches the others into the update folder. Ends early, and records
@@ -36,6 +38,9 @@ class IndexStage {
   // The digest that the content of a packed file must have, by its path below the update folder; none for a
   // file that this run did not fetch.
   std::optional<std::string> DigestOf(const std::string& packed) const;
+
+  // The digest that the index names for a file of Bin, in any case; none when it names none.
+  std::optional<std::string> PublishedDigest(std::string_view inBin) const;
 
  private:
   std::string Take(const std::string& packed);
@@ -47,6 +52,7 @@ class IndexStage {
   const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Download& download_;
+  Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
   std::optional<modCompression::Complaint> complaint_;    // about the last index that came

@@ -42,12 +42,16 @@ void LibraryCheck::RegistrarLibreria(const std::string& folder, const std::strin
   services_.host.events.DoEvents();
 }
 
+// Every program of the machine may load what lies in the system folder, so only the published file goes
+// there.
 void LibraryCheck::RefreshGraphicsLibrary() {
+  const auto published = publishedDigest_(kGraphicsLibrary);
+  if (!published) return;
   const std::string own = services_.folders.BinDir + platform::kSeparator + kGraphicsLibrary;
   const std::string system =
       startup::ObtenerDirectorio(services_.recorder) + platform::kSeparator + kGraphicsLibrary;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
-    if (!platform::IsFile(own) || DigestOrNone(own, stop) == DigestOrNone(system, stop)) return;
+    if (DigestOrNone(own, stop) != *published || *published == DigestOrNone(system, stop)) return;
     try {
       platform::CloneFile(own, system);
     } catch (const base::RuntimeError&) {  // without rights to the system folder the game uses what is there

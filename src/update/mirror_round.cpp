@@ -12,7 +12,7 @@ MirrorRound::Result MirrorRound::Fetch(const std::string& piece, const std::func
   bool triedAgain = false;
   for (;;) {
     Attempt now = attempt();
-    if (!mode_.MayGoOn()) return {End::Interrupted};
+    if (!mode_.MayGoOn() || now.kind == Kind::Outdated) return {End::Interrupted};
     if (now.kind == Kind::Good) return {End::Good};
     services_.recorder.Note(piece + ": " + now.details + " " + hosts_.CurrentUpdateURL);
     result.end = End::Failed;

@@ -17,12 +17,14 @@ struct Attempt {
     NotArrived,  // the transfer failed, or a page came in its place
     BadContent,  // it came whole and is of no use
     OwnFailure,  // this machine could not take it, so no other mirror will do better
+    Outdated,    // the operator has published something newer, so the run must begin anew
   };
   Kind kind = Kind::Good;
-  std::string reason{};   // for the player: a few words in Spanish, no full stop
-  std::string details{};  // for the log
-  bool cut = false;       // worth a second try at the same mirror
-  std::string digest{};   // of bad content, so that the same bytes of another mirror are recognised
+  std::string reason{};    // for the player: a few words in Spanish, no full stop
+  std::string details{};   // for the log
+  bool cut = false;        // worth a second try at the same mirror
+  std::string digest{};    // of bad content, so that the same bytes of another mirror are recognised
+  bool otherFile = false;  // bad content that is not what the operator signed
 };
 
 // Asks the mirrors of the ring in turn for one piece of the publication until one gives it whole and good.
@@ -31,7 +33,7 @@ class MirrorRound {
   enum class End {
     Good,
     Failed,       // one whole round failed, or two mirrors gave the same bad bytes
-    Interrupted,  // the run must end
+    Interrupted,  // the run must end, or begin anew
   };
   struct Result {
     End end = End::Good;

@@ -5,6 +5,7 @@
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
+#include "update/folder_hold.hpp"
 #include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
@@ -39,6 +40,9 @@ void UpdateCheck::Show(const char* status) {
 }
 
 RunOutcome UpdateCheck::tmrUpdates_Timer(bool hostInDoubt) {
+  FolderHold hold;
+  if (!hold.Take(with_.services, with_.frmMain, [this] { return with_.mode.MayGoOn(); }))
+    return Interrupted();
   RunOutcome outcome = StoppedAndTold("La actualización se detuvo por un error.");
   startup::Guarded(
       with_.services.recorder, [&](int& line) { outcome = Run(line, hostInDoubt); },
@@ -58,8 +62,13 @@ RunOutcome UpdateCheck::Interrupted() const {
 }
 
 // Who cannot update may still play.
-RunOutcome UpdateCheck::NobodyAnswers(const RunOutcome& stopped) {
-  return with_.installed.Offer(stopped.status) ? RunOutcome{End::GameStarted, {}, {}} : stopped;
+RunOutcome UpdateCheck::OfferGame(const RunOutcome& stopped) {
+  with_.frmMain.lblEstado.Caption = stopped.status;
+  if (with_.installed.Offer(stopped.status)) {
+    with_.services.recorder.Note(stopped.log);
+    return {End::GameStarted, {}, {}};
+  }
+  return MayGoOn() ? stopped : Interrupted();
 }
 
 RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
@@ -68,6 +77,7 @@ RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   Show("Buscando actualizaciones...");
   line = 20;
   with_.instance.Release();
+  with_.trust.BeginRun();
   if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
     return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
   }
@@ -87,20 +97,20 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
     line = 110;
     working_ = "Info.kvn";
     const bool fetched = with_.index.Fetch();
-    if (!with_.mode.MayGoOn()) return Interrupted();
+    if (!MayGoOn()) return Interrupted();
     if (fetched) break;
     const auto answer = with_.services.host.dialogs.Show(
         "No se ha logrado descargar el indice de descargas, ¿Deseas reintentarlo?",
         platform::DialogButtons::YesNo);
-    if (!with_.mode.MayGoOn()) return Interrupted();
+    if (!MayGoOn()) return Interrupted();
     if (answer != platform::DialogAnswer::Yes) break;
     hostInDoubt = true;
   }
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  with_.index.VerifyAndFetch([this] { return !with_.mode.MayGoOn(); });
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
+  if (!MayGoOn()) return Interrupted();
   return std::nullopt;
 }
 
@@ -108,16 +118,44 @@ UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   line = 30;
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
-  if (!with_.mode.MayGoOn()) return Interrupted();
-  if (!confirmed) return NobodyAnswers(Stopped("Ningún servidor de actualizaciones responde."));
+  if (!MayGoOn()) return Interrupted();
+  if (!confirmed) return OfferGame(Stopped("Ningún servidor de actualizaciones responde."));
+  if (const Ended ended = AcceptPublication()) return ended;
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
   line = 40;
   with_.inet.SetRequestTimeout(kListTimeoutSeconds);
   PatchCounts remote{}, local{};
-  if (const Ended ended = FetchList(remote, local, line)) return ended;
+  if (const Ended ended = FetchCounts(remote, local, line)) return ended;
   line = 70;
   return ApplyPatches(remote, local);
+}
+
+UpdateCheck::Ended UpdateCheck::AcceptPublication() {
+  working_ = "Signed.txt";
+  std::string why;
+  switch (with_.trust.Accept(why)) {
+    case Trust::Answer::Ready:
+      return std::nullopt;
+    case Trust::Answer::Interrupted:
+      return Interrupted();
+    case Trust::Answer::Refused:
+      break;
+  }
+  return OfferGame(Stopped(why));
+}
+
+// Mirrors count on being asked for the list; where a publication is signed, it can say nothing new.
+UpdateCheck::Ended UpdateCheck::FetchCounts(PatchCounts& remote, PatchCounts& local, int& line) {
+  const auto signedCounts = with_.trust.Counts();
+  if (!signedCounts) return FetchList(remote, local, line);
+  working_ = with_.hosts.WebBaseURL + "OldAct/" + "Update.ini";
+  with_.inet.OpenURL(working_);
+  if (!MayGoOn()) return Interrupted();
+  Show("Buscando actualizaciones...");
+  remote = *signedCounts;
+  for (std::size_t i = 0; i < kCategories.size(); ++i) local[i] = with_.counters.Read(kCategories[i]);
+  return std::nullopt;
 }
 
 UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& local, int& line) {
@@ -134,7 +172,7 @@ UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& loca
   }
   if (listError_) std::rethrow_exception(listError_);
   if (result.last.kind == Attempt::Kind::BadContent) return StoppedAndTold(kUnreadableList);
-  return NobodyAnswers(
+  return OfferGame(
       StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + "."));
 }
 
@@ -206,7 +244,7 @@ UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
   const auto next = patches_.begin() + static_cast<std::ptrdiff_t>(installed_);
   with_.download.following.assign(next, next + static_cast<std::ptrdiff_t>(ahead));
   const Fetched fetched = with_.download.DescargarArchivo(working_, true);
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!MayGoOn()) return Interrupted();
   switch (fetched.result) {
     case DownloadResult::Done:
       return Record(category, number);
@@ -231,7 +269,7 @@ RunOutcome UpdateCheck::Complete(int& line) {
       [this](const std::string& packed) { return with_.index.DigestOf(packed); });
   line = 150;
   RemoveLooseBitmaps();
-  if (!with_.mode.MayGoOn()) return Interrupted();
+  if (!MayGoOn()) return Interrupted();
   line = 160;
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
   return {End::GameStarted, {}, {}};

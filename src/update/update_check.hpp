@@ -14,6 +14,7 @@
 #include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
 #include "update/run_mode.hpp"
+#include "update/trust.hpp"
 #include "update/update_list.hpp"
 #include "web/Inet1.hpp"
 #include "web/host_selection.hpp"
@@ -33,6 +34,7 @@ class UpdateCheck {
     web::Inet1& inet;
     modGeneral::HostSelection& selection;
     MirrorRound& mirrors;
+    Trust& trust;
     CounterStore& counters;
     Download& download;
     IndexStage& index;
@@ -44,7 +46,8 @@ class UpdateCheck {
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
 
   // What the timer tmrUpdates does. `hostInDoubt`: the mirror is confirmed before anything is asked of it.
-  // Leaves nothing behind but what was installed, however it ends.
+  // Leaves nothing behind but what was installed, however it ends. Waits while another launcher updates this
+  // folder.
   RunOutcome tmrUpdates_Timer(bool hostInDoubt);
 
  private:
@@ -52,7 +55,11 @@ class UpdateCheck {
 
   RunOutcome Run(int& line, bool hostInDoubt);
   Ended IndexLoop(int& line, bool hostInDoubt);
+  bool MayGoOn() const { return with_.mode.MayGoOn() && !with_.trust.Outdated(); }
   Ended PatchStage(int& line, bool hostInDoubt);
+  Ended AcceptPublication();
+  RunOutcome OfferGame(const RunOutcome& stopped);
+  Ended FetchCounts(PatchCounts& remote, PatchCounts& local, int& line);
   Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
   Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
   Ended ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
@@ -61,7 +68,6 @@ class UpdateCheck {
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
   RunOutcome Interrupted() const;
-  RunOutcome NobodyAnswers(const RunOutcome& stopped);
   void RemoveLooseBitmaps();
   void RemoveScratch();
   void Show(const char* status);

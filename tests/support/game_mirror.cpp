@@ -5,6 +5,7 @@
 #include "base/text.hpp"
 #include "startup/deployment.hpp"
 #include "update/counter_store.hpp"
+#include "util/sha256.hpp"
 
 namespace support {
 
@@ -22,15 +23,14 @@ void GameMirror::AddPatch(const std::string& category, const std::vector<ZipItem
   for (const ZipItem& file : files) {
     if (!file.name.ends_with('/')) expected_[file.name] = file.bytes;
   }
-  server.On(PathOf("OldAct/" + category + "/" + category + std::to_string(number) + ".zip"),
-            Text(MakeZip(files)));
+  PublishFile("OldAct/" + category + "/" + category + std::to_string(number) + ".zip", MakeZip(files));
 }
 
 void GameMirror::AddBinFile(const std::string& name, const std::string& bytes) {
   const std::string slashed = base::Replaced(name, "\\", "/");
   index_.push_back({Md5Of(bytes), "\\Bin\\" + name});
   expected_["Bin/" + slashed] = bytes;
-  server.On(PathOf("NewAct2/Bin/" + slashed + ".kvn"), Text(MakePacked(bytes)));
+  PublishFile("NewAct2/Bin/" + slashed + ".kvn", MakePacked(bytes));
 }
 
 void GameMirror::Publish() {
@@ -39,7 +39,19 @@ void GameMirror::Publish() {
     list += std::string(" ") + category + "=" + std::to_string(counts_[category]);
   }
   server.On(PathOf("OldAct/Update.ini"), Text(list));
-  server.On(PathOf("NewAct2/Info.kvn"), Text(MakePacked(MakeIndex(index_))));
+  PublishFile("NewAct2/Info.kvn", MakePacked(MakeIndex(index_)));
+}
+
+void GameMirror::PublishFile(const std::string& name, const std::string& bytes) {
+  published_[name] = bytes;
+  server.On(PathOf(name), Text(bytes));
+}
+
+void GameMirror::Sign(const Signer& signer, update::SignedFile file) {
+  for (std::size_t i = 0; i < update::kCategories.size(); ++i)
+    file.counts[i] = static_cast<std::int16_t>(counts_[update::kCategories[i]]);
+  for (const auto& [name, bytes] : published_) file.files[name] = {util::Sha256(bytes), bytes.size()};
+  server.On(PathOf("Signed.txt"), Text(signer.Signed(file)));
 }
 
 std::vector<std::string> GameMirror::Asked() const {
@@ -52,7 +64,7 @@ std::vector<std::string> GameMirror::Asked() const {
 }
 
 void Deploy(const TempFolder& folder, const std::string& game, const std::vector<std::string>& mirrors,
-            const std::string& web) {
+            const std::string& web, const std::string& publicKey) {
   static const ClosedPort closed;
   std::string ini = "[MIRRORS]\r\n";
   for (int i = 0; i < startup::kMirrorCount; ++i) {
@@ -62,6 +74,7 @@ void Deploy(const TempFolder& folder, const std::string& game, const std::vector
   }
   ini += "[SITE]\r\nWeb=" + web + "\r\nApi=" + web + "\r\nSupport=http://soporte.example/\r\n";
   ini += "[LAUNCH]\r\nParameter=CLAVE 1\r\nStaffApplication=LauncherTestStaff\r\n";
+  if (!publicKey.empty()) ini += "[TRUST]\r\nPublicKey=" + publicKey + "\r\n";
   folder.Put(game + "/Deployment.ini", ini);
 }
 

@@ -6,6 +6,7 @@
 
 #include "support/archives.hpp"
 #include "support/faulty_server.hpp"
+#include "support/signer.hpp"
 #include "support/temp_folder.hpp"
 
 namespace support {
@@ -24,6 +25,11 @@ class GameMirror {
   void AddIndexRecord(const IndexItem& item) { index_.push_back(item); }
   void Publish();  // the update list and the index, as they stand
 
+  // Every file of the publication as it was published last, by its name below the base.
+  const std::map<std::string, std::string>& Published() const { return published_; }
+  // Publishes a Signed.txt over them; its counts and digests are theirs, the rest as `file` has it.
+  void Sign(const Signer& signer, update::SignedFile file);
+
   // How the game folder must look afterwards: path below it ("/") to bytes.
   const std::map<std::string, std::string>& Expected() const { return expected_; }
 
@@ -35,13 +41,17 @@ class GameMirror {
   FaultyServer server;
 
  private:
+  void PublishFile(const std::string& name, const std::string& bytes);
+
+  std::map<std::string, std::string> published_;
   std::map<std::string, int> counts_;
   std::vector<IndexItem> index_;
   std::map<std::string, std::string> expected_;
 };
 
-// Writes a Deployment.ini whose first mirrors are these; the others are closed ports.
+// Writes a Deployment.ini whose first mirrors are these; the others are closed ports. `publicKey`: empty when
+// it names none.
 void Deploy(const TempFolder& folder, const std::string& game, const std::vector<std::string>& mirrors,
-            const std::string& web);
+            const std::string& web, const std::string& publicKey = {});
 
 }  // namespace support

@@ -33,6 +33,9 @@ class LauncherRun {
   std::string Counter(const std::string& category) const;
   bool Shown(const std::string& text) const;  // whether a message box had this text
 
+  // The day of last change of a file of the game; whole days, since not every system sets finer times.
+  void SetTime(const std::string& file, int day);
+
   // Every file of the game folder but the launcher's own, path ("/") to bytes.
   std::map<std::string, std::string> GameFiles() const;
 

@@ -18,6 +18,7 @@ class SteppedClock : public platform::Clock {
   std::uint64_t Milliseconds() override { return now_ += stepOnRead; }
   std::uint32_t SystemUptime() override { return static_cast<std::uint32_t>(now_) & platform::kUptimeMask; }
   void Sleep(std::uint32_t milliseconds) override { now_ += milliseconds; }
+  std::int64_t UnixTime() override { return unixTime; }
   std::string DateText() override { return "21/11/2026"; }
   std::string TimeText() override { return "10:20:30"; }
   void Set(std::uint64_t now) { now_ = now; }
@@ -25,7 +26,8 @@ class SteppedClock : public platform::Clock {
 
   std::uint64_t Now() const { return now_; }  // without making time pass
 
-  std::uint64_t stepOnRead = 0;  // makes time pass inside a wait that a test cannot reach into
+  std::int64_t unixTime = 1'795'256'430;  // the date and time above, UTC
+  std::uint64_t stepOnRead = 0;           // makes time pass inside a wait that a test cannot reach into
 
  private:
   std::uint64_t now_ = 3'600'000;

@@ -42,6 +42,7 @@ class PosixClock : public Clock {
     }
   }
 
+  std::int64_t UnixTime() override { return time(nullptr); }
   std::string DateText() override { return Formatted(dateFormat_); }
   std::string TimeText() override { return Formatted("%X"); }
 

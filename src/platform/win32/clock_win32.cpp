@@ -2,6 +2,8 @@
 // after windows.h, which it builds on
 #include <timeapi.h>
 
+#include <ctime>
+
 #include "platform/machine.hpp"
 #include "platform/win32/awake_time.hpp"
 #include "platform/win32/wide.hpp"
@@ -15,6 +17,7 @@ class SystemClock : public Clock {
   std::uint32_t SystemUptime() override { return timeGetTime() & kUptimeMask; }
   void Sleep(std::uint32_t milliseconds) override { ::Sleep(milliseconds); }
 
+  std::int64_t UnixTime() override { return time(nullptr); }
   std::string DateText() override {
     return Formatted([](wchar_t* text, int size) {
       return GetDateFormatEx(LOCALE_NAME_USER_DEFAULT, DATE_SHORTDATE, nullptr, nullptr, text, size, nullptr);
