@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <random>
@@ -45,7 +46,11 @@ class HostSelection {
   // other more and more slowly (1, 2, 4 ... 30 s and a random share), Hurry begins the next one at once.
   // Returns early when the program ends or `mayGoOn`, if given, says no.
   void ComenzarActualizacion(const std::function<bool()>& mayGoOn = {});
-  void Hurry() { hurry_ = true; }
+  // The machine woke or its network is another one. May be called from any thread.
+  void Hurry() { hurry_ = changed_ = true; }
+  // When Hurry was called since a mirror answered last: waits up to a minute for one to answer, since the
+  // network may need a while. False when none did, and at once when it was not called.
+  bool AwaitReturn(const std::function<bool()>& mayGoOn);
 
   // As ComenzarActualizacion, but gives up, and returns false, after one whole round.
   bool ConfirmHost();
@@ -82,7 +87,7 @@ class HostSelection {
   web::AnswerCache cache_;  // of good probes
   std::size_t place_ = 0;   // in the ring, of the mirror chosen last
   std::minstd_rand random_{std::random_device{}()};
-  bool hurry_ = false;
+  std::atomic<bool> hurry_ = false, changed_ = false;
   std::uint32_t roundPauseMs_ = 0;  // before the last round; 0: none failed yet
   bool ShownConnecting = false;
   bool LastCheckOK = false;
