@@ -46,14 +46,17 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       index_(services_, frmMain_, download_, compression_),
       libraries_(services_, frmMain_),
       launch_(services_, libraries_, [this] { CloseLauncher(); }),
+      rights_(services_, instance_, start.executable, start.commandLine, [this] { HandOver(); }),
       check_({services_, mode_, instance_, frmMain_, state_, hosts_, inet_, selection_, mirrors_, counters_,
-              download_, index_, installation_, launch_}),
-      repair_(services_, counters_, [this] { mode_.RepairConfirmed(); }),
+              download_, index_, installation_, launch_, rights_}),
+      repair_(services_, counters_, rights_, [this] { mode_.RepairConfirmed(); }),
       settingsServices_{services_, screen_, gameIni_, sounds_},
       options_(settingsServices_),
       notify_(services_, screen_),
       mainForm_(services_, hosts_, screen_, frmMain_, WindowActions()),
+      network_([this] { selection_.Hurry(); }),
       closeBoxes_(lifetime_.Token(), [this] { host_.dialogs.CloseAll(); }) {
+  screen_.resumed = [this] { selection_.Hurry(); };
   inet_.StateChanged += [this](int state) { chunked_.Inet1_StateChanged(state); };
   frmMain_.tmrUpdates.Tick += [this] { mode_.tmrUpdates_Timer(); };
   frmMain_.NewsTimer.Tick += [this] { news_.Timer_Timer(); };
@@ -65,7 +68,10 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
   };
 }
 
-Launcher::~Launcher() { lifetime_.End(0); }
+Launcher::~Launcher() {
+  screen_.resumed = nullptr;
+  lifetime_.End(0);
+}
 
 ui::frmMain::Actions Launcher::WindowActions() {
   ui::frmMain::Actions actions;
@@ -77,7 +83,7 @@ ui::frmMain::Actions Launcher::WindowActions() {
   actions.GetServersList = [this] { servers_.GetServersList(); };
   actions.Iniciar = [this] { mode_.cmdIniciar_Click(); };
   actions.ReiniciarUpdates = [this] { repair_.cmdReiniciarUpdates_Click(); };
-  actions.ShowOptions = [this] { options_.Show(frmMain_); };
+  actions.ShowOptions = [this] { ShowOptions(); };
   actions.UnloadOptions = [this] { options_.Unload(); };
   actions.ClearNotify = [this] { news_.showMessage = nullptr; };
   actions.CloseLauncher = [this] { CloseLauncher(); };
@@ -85,6 +91,18 @@ ui::frmMain::Actions Launcher::WindowActions() {
     return transfers_.DownloadFile(url, file);
   };
   return actions;
+}
+
+// Without the right to write, every change would end in an error.
+void Launcher::ShowOptions() {
+  const bool asks = !flags_.FolderWritable && !options_.Window.Visible;
+  if (asks && rights_.Make("los cambios no se guardan")) return;
+  options_.Show(frmMain_);
+}
+
+void Launcher::HandOver() {
+  handedOver_ = true;
+  CloseLauncher();
 }
 
 void Launcher::CloseLauncher() {
@@ -95,11 +113,15 @@ void Launcher::CloseLauncher() {
   notify_.window.Visible = false;
   frmMain_.Visible = false;
   mainForm_.Tray().FSys_Unload();
+  if (!handedOver_) ForgetShowRequest();
+  lifetime_.End(0);
+}
+
+void Launcher::ForgetShowRequest() {
   try {
     host_.settings.Set(startup::keys::kApplication, startup::keys::kConfig, startup::keys::kShow, "0");
   } catch (const base::RuntimeError&) {  // the settings store is not worth keeping the program open for
   }
-  lifetime_.End(0);
 }
 
 int Launcher::RunEvents() {

@@ -118,7 +118,7 @@ std::string Download::UrlOf(const std::string& name) const {
 Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
   web::DownloadState& state = with_.state;
   line = 10;
-  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
+  state.TargetPath = with_.services.folders.FetchDir + platform::kSeparator + base::Replaced(name, "/", "");
   const MirrorRound::Result result =
       with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, unpack, use, line); });
   if (result.end == MirrorRound::End::Good) return {DownloadResult::Done};

@@ -8,8 +8,15 @@ namespace update {
 namespace {
 
 constexpr const char* kLibrarySet = "0.4.1";
+constexpr const char* kStandard = "-DX8";
 
 }  // namespace
+
+std::string GameLaunch::ClientFile(const std::string& suffix) const {
+  return services_.folders.BinDir + platform::NativePath("\\KVN") + suffix + ".exe";
+}
+
+bool GameLaunch::IsInstalled() const { return platform::IsFile(ClientFile(kStandard)); }
 
 void GameLaunch::EjecutarKelvar(const std::string& parameter) {
   startup::Guarded(
@@ -38,8 +45,8 @@ void GameLaunch::Launch(const std::string& parameter, int& line) {
   line = 30;
   services_.host.settings.Set(keys::kOpen, keys::kF, keys::kA,
                               std::to_string(services_.host.clock.SystemUptime()));
-  const std::string suffix = answer == DialogAnswer::Yes ? "-DX8G" : "-DX8";
-  const std::string client = services_.folders.BinDir + platform::NativePath("\\KVN") + suffix + ".exe";
+  const std::string suffix = kStandard + std::string(answer == DialogAnswer::Yes ? "G" : "");
+  const std::string client = ClientFile(suffix);
   line = 40;
   if (!platform::IsFile(client)) {
     services_.host.dialogs.Show("No se encuentra KVN" + suffix + ".exe");

@@ -34,7 +34,7 @@ bool IndexStage::Fetch() {
   complaint_.reset();
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, [this](const std::string& packed) { return Take(packed); });
-  platform::TryRemoveFile(services_.folders.AppPath + platform::kSeparator + kIndexName);
+  platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;
   if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
@@ -71,7 +71,7 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() const {
-  if (!index_.ReadWholly() || index_.Records().empty()) return;
+  if (!services_.flags.FolderWritable || !index_.ReadWholly() || index_.Records().empty()) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
@@ -93,7 +93,7 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
 }
 
-void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
+bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders));
   proved.Load();
   const std::vector<IndexRecord>& records = index_.Records();
@@ -103,6 +103,8 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   }
   std::vector<FileProof> proofs(records.size());
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
+  const bool writable = services_.flags.FolderWritable;
+  bool left = false;
   {
     Verification verification(services_.folders.BinDir, std::move(names), proved, services_.host.events,
                               services_.lifetime);
@@ -110,10 +112,16 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
       proofs[i] = verification.Take(i);
       frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
       if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
-      if (Wanted(records[i]) && !proofs[i].Has(records[i].digest) && !ended()) FetchAgain(i);
+      if (!Wanted(records[i]) || proofs[i].Has(records[i].digest) || ended()) continue;
+      if (writable) {
+        FetchAgain(i);
+      } else {
+        left = true;
+      }
     }
   }
-  if (!ended()) Remember(proofs, proved);
+  if (writable && !ended()) Remember(proofs, proved);
+  return left;
 }
 
 void IndexStage::FetchAgain(std::size_t i) {

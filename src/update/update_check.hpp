@@ -12,6 +12,7 @@
 #include "update/game_launch.hpp"
 #include "update/index_stage.hpp"
 #include "update/patch_installation.hpp"
+#include "update/rights_offer.hpp"
 #include "update/run_mode.hpp"
 #include "update/update_list.hpp"
 #include "web/Inet1.hpp"
@@ -37,6 +38,7 @@ class UpdateCheck {
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
+    RightsOffer& rights;
   };
 
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
@@ -57,6 +59,8 @@ class UpdateCheck {
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
+  RunOutcome Unwritable();
+  bool FolderWritable() const { return with_.services.flags.FolderWritable; }
   RunOutcome Interrupted() const;
   void RemoveLooseBitmaps();
   void RemoveScratch();
