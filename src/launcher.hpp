@@ -64,6 +64,7 @@ class Launcher {
   void CopyManifest();
   void ShowMainWindow();
   void EraseCache();
+  void OfferInstalledGame();
   bool IsProcessNameRunning(const std::string& imageName);
   ui::frmMain::Actions WindowActions();
   void ShowOptions();
@@ -87,6 +88,7 @@ class Launcher {
   web::Hosts hosts_;
   web::Inet1 inet_;
   web::smodXmlHttp transfers_;
+  web::ScriptBudget scripts_;
   modGeneral::HostSelection selection_;
   modGeneral::ServerList servers_;
   web::NewsQuery news_;
@@ -108,6 +110,7 @@ class Launcher {
   update::LibraryCheck libraries_;
   update::GameLaunch launch_;
   update::RightsOffer rights_;
+  update::InstalledGame installed_;
   update::UpdateCheck check_;
   update::Repair repair_;
 

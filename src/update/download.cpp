@@ -21,11 +21,18 @@ constexpr const char* kUnzipFailed =
     "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR";
 constexpr const char* kOtherContent = "su contenido no es el que nombra el índice";
 
-Attempt NotGood(const web::TransferReport& report) {
-  return {.kind = report.own ? Attempt::Kind::OwnFailure : Attempt::Kind::NotArrived,
+Attempt::Kind KindOf(const web::TransferReport& report) {
+  if (report.own) return Attempt::Kind::OwnFailure;
+  return report.otherContent ? Attempt::Kind::BadContent : Attempt::Kind::NotArrived;
+}
+
+// That several mirrors give the same wrong file says nothing about the next one, so each counts for itself.
+Attempt NotGood(const web::TransferReport& report, const std::string& url) {
+  return {.kind = KindOf(report),
           .reason = report.Reason(),
           .details = report.Details(),
-          .cut = report.outcome.error == platform::HttpError::CutShort};
+          .cut = report.outcome.error == platform::HttpError::CutShort,
+          .digest = url};
 }
 
 }  // namespace
@@ -45,15 +52,15 @@ void Download::RemoveTarget() { platform::TryRemoveFile(with_.state.TargetPath);
 // names.
 Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& record) {
   if (platform::IsFile(local)) platform::RemoveFile(local);
-  const web::TransferReport report =
-      with_.transfers.DownloadUrlToFile(UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn"), local);
+  const std::string url = UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn");
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, local);
   if (!report.Good()) {
     platform::TryRemoveFile(local);
-    return NotGood(report);
+    return NotGood(report, url);
   }
   Attempt attempt;
   startup::RunBlocking(with_.services, [&](std::stop_token stop) {
-    if (PackedFileHolds(local, record.digest, stop) || stop.stop_requested()) return;
+    if (PackedFileHolds(local, record.digest.Hex(), stop) || stop.stop_requested()) return;
     attempt = {Attempt::Kind::BadContent, kOtherContent, kOtherContent};
     attempt.digest = util::clsHashing().MD5File(local, stop);
   });
@@ -78,7 +85,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         line = 40;
         const std::string place = std::to_string(index) + "/" + std::to_string(count);
         end = with_.mirrors
-                  .Fetch(record.path,
+                  .Fetch(record.Path(),
                          [&] {
                            frmMain.lblEstado.Caption =
                                "Progreso de actualización: " + place;  // while the file is on its way
@@ -86,8 +93,8 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
                          })
                   .end;
         line = 50;
-        frmMain.lblName.Caption =
-            "Descargando actualizaciones: " + place + " - " + std::string(base::Field(record.path, 3, '\\'));
+        frmMain.lblName.Caption = "Descargando actualizaciones: " + place + " - " +
+                                  std::string(base::Field(record.Path(), 3, '\\'));
         frmMain.lblDirectorio.Caption = state.TargetPath;
         state.Finished = false;
       },
@@ -160,15 +167,15 @@ Attempt Download::AttemptArchive(const std::string& name, bool unpack, const Use
   frmMain.lblEstado.Caption = "Actualizando juego, por favor aguarde unos minutos.";
   state.Finished = false;
   line = 40;
-  const web::TransferReport report = with_.transfers.DownloadUrlToFile(UrlOf(name), state.TargetPath);
+  const std::string url = UrlOf(name);
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, state.TargetPath);
   state.WatchdogStart = with_.services.host.clock.SystemUptime();
-  if (!report.Arrived()) return NotGood(report);
+  if (!report.Arrived()) return NotGood(report, url);
   line = 60;
   Attempt attempt;
   if (!report.Good()) {
-    attempt = NotGood(report);
+    attempt = NotGood(report, url);
     attempt.kind = Attempt::Kind::BadContent;  // a page, which every mirror words in its own way
-    attempt.digest = UrlOf(name);
   } else if (unpack || use) {
     attempt = UseArchive(unpack, use);
   }

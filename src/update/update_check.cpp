@@ -49,6 +49,11 @@ RunOutcome UpdateCheck::Interrupted() const {
   return {with_.services.lifetime.Ending() ? End::ProgramEnds : End::TryAgain, {}, {}};
 }
 
+// Who cannot update may still play.
+RunOutcome UpdateCheck::NobodyAnswers(const RunOutcome& stopped) {
+  return with_.installed.Offer(stopped.status) ? RunOutcome{End::GameStarted, {}, {}} : stopped;
+}
+
 RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   line = 10;
   working_.clear();
@@ -98,7 +103,7 @@ UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
   if (!with_.mode.MayGoOn()) return Interrupted();
-  if (!confirmed) return Stopped("Ningún servidor de actualizaciones responde.");
+  if (!confirmed) return NobodyAnswers(Stopped("Ningún servidor de actualizaciones responde."));
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
   line = 40;
@@ -123,7 +128,8 @@ UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& loca
   }
   if (listError_) std::rethrow_exception(listError_);
   if (result.last.kind == Attempt::Kind::BadContent) return StoppedAndTold(kUnreadableList);
-  return StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + ".");
+  return NobodyAnswers(
+      StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + "."));
 }
 
 // A list that cannot be read is as bad as one that did not come.
@@ -208,7 +214,7 @@ UpdateCheck::Ended UpdateCheck::Record(std::size_t category, int number) {
 RunOutcome UpdateCheck::Unwritable() {
   const std::string why = "No se puede escribir en la carpeta del juego: " + with_.services.folders.AppPath;
   if (with_.services.flags.UpdatesOnly) return Stopped(why + ".");
-  const bool playable = with_.launch.IsInstalled();
+  const bool playable = with_.launch.Installed();
   const bool restarts = with_.rights.Make(playable ? "se abrirá el juego tal como está" : "no podrás jugar");
   if (restarts || !with_.mode.MayGoOn()) return Interrupted();
   if (!playable) return Stopped(why + ".");

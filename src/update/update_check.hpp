@@ -11,6 +11,7 @@
 #include "update/download.hpp"
 #include "update/game_launch.hpp"
 #include "update/index_stage.hpp"
+#include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
 #include "update/rights_offer.hpp"
 #include "update/run_mode.hpp"
@@ -39,6 +40,7 @@ class UpdateCheck {
     PatchInstallation& installation;
     GameLaunch& launch;
     RightsOffer& rights;
+    InstalledGame& installed;
   };
 
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
@@ -62,6 +64,7 @@ class UpdateCheck {
   RunOutcome Unwritable();
   bool FolderWritable() const { return with_.services.flags.FolderWritable; }
   RunOutcome Interrupted() const;
+  RunOutcome NobodyAnswers(const RunOutcome& stopped);
   void RemoveLooseBitmaps();
   void RemoveScratch();
   void Show(const char* status);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 #include <exception>
-#include <optional>
 #include <stop_token>
 
 #include "base/numeric.hpp"
@@ -12,6 +11,7 @@
 #include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "web/answer_cache.hpp"
+#include "web/file_sink.hpp"
 #include "web/text_fetch.hpp"
 
 namespace web {
@@ -29,56 +29,6 @@ void Attempt(Step step) {
   } catch (const std::exception&) {
   }
 }
-
-// Counted on the working thread, shown on the interface thread.
-struct Received {
-  std::atomic<std::uint64_t> bytes = 0;
-  std::atomic<std::uint64_t> total = 0;  // as announced, 0 when it is not known
-};
-
-// Streams a body into a file, which is made when the answer begins: without an answer there is none. What the
-// file system refuses is raised.
-class FileSink : public platform::HttpSink {
- public:
-  FileSink(const std::string& path, OutputFile::Existing existing, bool successOnly, Received& received)
-      : path_(path), existing_(existing), successOnly_(successOnly), received_(received) {}
-
-  void Begin(const platform::HttpHead& head) override {
-    const bool success = head.status >= 200 && head.status < 300;
-    if (successOnly_ && !success) return;
-    received_.total = head.contentLength.value_or(0);
-    platform::RequireSpace(platform::FolderOf(path_), received_.total);
-    file_.emplace(path_, existing_);
-  }
-  bool Write(std::span<const std::byte> bytes) override {
-    if (!file_) return false;
-    try {
-      file_->Write(bytes);
-    } catch (const base::RuntimeError& error) {
-      file_.reset();  // its piece makes room again, so that what is missing can be told
-      if (error.Is(base::ErrorNumber::DiskFull)) {
-        platform::RequireSpace(platform::FolderOf(path_),
-                               std::max<std::uint64_t>(received_.total, received_.bytes));
-      }
-      throw;
-    }
-    received_.bytes += bytes.size();
-    return true;
-  }
-  // Whether there is a file now.
-  bool Commit(OutputFile::Lasting lasting) {
-    if (!file_) return false;
-    file_->Commit(lasting);
-    return true;
-  }
-
- private:
-  const std::string& path_;
-  OutputFile::Existing existing_;
-  bool successOnly_;
-  Received& received_;
-  std::optional<OutputFile> file_;
-};
 
 // Tells the player how far a download is and how fast it goes.
 class Progress {
@@ -164,7 +114,8 @@ void smodXmlHttp::ShowUnreachable() {
   frmMain_.lblName.Caption = "No se pudo acceder a " + host;
 }
 
-TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath) {
+TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath,
+                                              const Expected& expected) {
   state_.Finished = false;
   TransferReport report;
   // Nothing is fetched where the save would be refused.
@@ -172,12 +123,16 @@ TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std:
   if (services_.lifetime.Ending()) report.outcome.error = platform::HttpError::Cancelled;
   if (services_.lifetime.Ending() || report.own) return report;
   Received received;
+  bool kept = false;
   Progress progress(services_.host.clock, frmMain_, received);
   const auto work = [&](std::stop_token stop) {
-    FileSink sink(localPath, OutputFile::Existing::Refuse, false, received);
-    report.outcome = services_.host.http.Get({.url = url, .stallLimitMs = kStallLimitMs}, sink, stop);
+    FileSink sink(localPath, {.expected = expected}, received);
+    report.outcome = services_.host.http.Get(
+        {.url = url, .stallLimitMs = kStallLimitMs, .wholeLimitMs = pace_.LimitMs(expected)}, sink, stop);
     // What is saved here is unpacked and deleted; after a power cut it is fetched again.
-    if (!report.outcome.Complete() || !sink.Commit(OutputFile::Lasting::No)) return;
+    kept = report.outcome.Complete() && sink.Commit(OutputFile::Lasting::No);
+    report.otherContent = sink.OtherContent();
+    if (!kept) return;
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
@@ -189,8 +144,8 @@ TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std:
       work, [&] { progress.Show(); }, report);
   report.bytes = received.bytes;
   if (received.total != 0) report.announced = received.total;
-  if (report.Arrived()) progress.ShowEnd();
-  state_.Finished = report.Arrived();
+  state_.Finished = kept && report.Arrived();
+  if (state_.Finished) progress.ShowEnd();
   return report;
 }
 
@@ -214,7 +169,7 @@ bool smodXmlHttp::DownloadFile(const std::string& Url, const std::string& LocalF
   TransferReport report;
   bool saved = false;
   const auto work = [&](std::stop_token stop) {
-    FileSink sink(LocalFilename, OutputFile::Existing::Replace, true, received);
+    FileSink sink(LocalFilename, {.existing = OutputFile::Existing::Replace, .successOnly = true}, received);
     saved =
         services_.host.http.Get({.url = Url}, sink, stop).Complete() && sink.Commit(OutputFile::Lasting::Yes);
   };

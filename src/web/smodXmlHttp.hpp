@@ -8,6 +8,8 @@
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
 #include "web/download_state.hpp"
+#include "web/expected.hpp"
+#include "web/pace.hpp"
 #include "web/text_fetch.hpp"
 #include "web/text_options.hpp"
 
@@ -17,8 +19,8 @@ namespace web {
 class smodXmlHttp {
  public:
   smodXmlHttp(const startup::Services& services, controls::MainWindow& frmMain, DownloadState& state,
-              const Hosts& hosts)
-      : services_(services), frmMain_(frmMain), state_(state), hosts_(hosts) {}
+              const Hosts& hosts, const Pace& pace = {})
+      : services_(services), frmMain_(frmMain), state_(state), hosts_(hosts), pace_(pace) {}
 
   // The body of an answer as text (at most 16 MiB), whatever the status; when there was no answer at all,
   // lblName says so. The body of a 200 is also left in the scratch file Tmp.tmp.
@@ -27,8 +29,10 @@ class smodXmlHttp {
   // Saves the body to `localPath`, which must not exist, whatever the status, and sets
   // DownloadState.Finished; shows its progress in the main window. On failure Finished is false and there is
   // no file. The body of a 200 is also left in the scratch file tmp.tmp. DownloadState.CancelRequested ends
-  // it. A disk without room for the announced length takes no byte of it.
-  TransferReport DownloadUrlToFile(const std::string& url, const std::string& localPath);
+  // it. A disk without room for the announced length takes no byte of it. Where anything is expected, only
+  // what is exactly that is saved, and no page; the report says when something else came.
+  TransferReport DownloadUrlToFile(const std::string& url, const std::string& localPath,
+                                   const Expected& expected = {});
 
   // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
   // whole file arrived.
@@ -43,6 +47,7 @@ class smodXmlHttp {
   controls::MainWindow& frmMain_;
   DownloadState& state_;
   const Hosts& hosts_;
+  const Pace pace_;
 };
 
 // Checks on addresses that a web host answered.

@@ -32,6 +32,7 @@ std::string TransferReport::Reason() const {
     const bool plain = own->Description() == base::DescriptionOf(base::ErrorNumber::DiskFull);
     return plain ? "disco lleno" : own->Description();
   }
+  if (otherContent) return "su contenido no es el firmado";
   if (outcome.Complete()) return "el servidor respondió " + std::to_string(outcome.status);
   const auto found = std::find_if(kWordings.begin(), kWordings.end(),
                                   [this](const Wording& wording) { return wording.error == outcome.error; });

@@ -17,8 +17,10 @@ struct TransferReport {
   std::optional<std::uint64_t> announced{};  // how many the server meant to send, where it said so
   std::optional<base::RuntimeError> own{};   // a failure of this machine (a full disk, a file in use)
 
-  // Whether the whole answer came and was kept, whatever its status.
-  bool Arrived() const { return outcome.Complete() && !own; }
+  bool otherContent = false;  // what came is not the file that was expected
+
+  // Whether the whole answer came and was kept, or was a page, whatever its status.
+  bool Arrived() const { return outcome.Complete() && !own && !otherContent; }
   // Whether it is what was asked for, and no page that says why not.
   bool Good() const { return Arrived() && outcome.status >= 200 && outcome.status < 300; }
 

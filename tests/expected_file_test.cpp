@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <span>
+
+#include "platform/digest.hpp"
+#include "support/web_world.hpp"
+
+namespace {
+
+using support::Answer;
+using web::Expected;
+
+std::string Sha256Of(std::string_view bytes) {
+  platform::Digest digest(platform::DigestKind::Sha256);
+  digest.Update(std::as_bytes(std::span(bytes)));
+  return digest.Hex();
+}
+
+struct ExpectedFileTest : testing::Test {
+  web::TransferReport Fetch(const Answer& answer, const Expected& expected) {
+    platform::TryRemoveFile(world.folder / "game/target");
+    platform::TryRemoveFile(world.folders.Scratch("tmp.tmp"));
+    server.On("/file", answer);
+    return transfers.DownloadUrlToFile(server.Url("/file"), world.folder / "game/target", expected);
+  }
+  std::size_t FileCount() { return platform::ListTree(world.folder.Path()).size(); }
+
+  support::FaultyServer server{"127.0.0.5"};
+  support::WebWorld world;
+  web::smodXmlHttp transfers{world.services,
+                             world.frmMain,
+                             world.state,
+                             world.hosts,
+                             {.leastBytesPerSecond = 1'000'000'000, .leastLimitMs = 300}};
+};
+
+TEST_F(ExpectedFileTest, OnlyWhatIsExpectedIsKept) {
+  const std::string good(200'000, 'g'), other(200'000, 'o');
+  const Expected both{good.size(), Sha256Of(good)}, size{good.size()}, digest{{}, Sha256Of(good)};
+  const struct {
+    const char* name;
+    Answer answer;
+    Expected expected;
+    bool kept, otherContent;
+  } cases[] = {
+      {"good", support::Text(good), both, true, false},
+      {"good without a length", {.body = good, .framing = Answer::Framing::Chunked}, both, true, false},
+      {"size alone", support::Text(other), size, true, false},
+      {"digest alone", support::Text(good), digest, true, false},
+      {"other content", support::Text(other), both, false, true},
+      {"other digest", support::Text(other), digest, false, true},
+      {"one byte more", {.body = good + "!", .framing = Answer::Framing::Chunked}, both, false, true},
+      {"one byte less", {.body = good.substr(1), .framing = Answer::Framing::UntilClose}, both, false, true},
+      {"announced longer", support::Text(good + "!"), both, false, true},
+      {"nothing", support::Text(""), both, false, true},
+      {"something for nothing", support::Text("x"), {0, Sha256Of("")}, false, true},
+      {"nothing for nothing", support::Text(""), {0, Sha256Of("")}, true, false},
+      {"cut", support::CutShort(good, 1'000), both, false, false},
+      {"page", support::Page(404, good.substr(0, 99)), both, false, false},
+      {"endless page", support::Page(404, std::string(1 << 20, 'p')), both, false, false},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    const web::TransferReport report = Fetch(test.answer, test.expected);
+    EXPECT_EQ(report.Good(), test.kept) << report.Details();
+    EXPECT_EQ(world.state.Finished, test.kept);
+    EXPECT_EQ(report.otherContent, test.otherContent) << report.Details();
+    EXPECT_EQ(FileCount(), test.kept ? 2u : 0u) << "the file and its scratch copy";
+    if (test.otherContent) {
+      EXPECT_EQ(report.Reason(), "su contenido no es el firmado");
+    }
+  }
+}
+
+TEST_F(ExpectedFileTest, EndlessDataEndsAtTheFirstByteTooMany) {
+  const Answer endless{.body = std::string(64 << 20, 'x'), .framing = Answer::Framing::Chunked};
+  const web::TransferReport report = Fetch(endless, {1'000'000});
+  EXPECT_TRUE(report.otherContent);
+  EXPECT_LE(report.bytes, 1'000'000u);
+  EXPECT_EQ(FileCount(), 0u);
+}
+
+// A trickle that is never quite still, so that no stall limit sees it.
+TEST_F(ExpectedFileTest, WhatComesTooSlowlyIsGivenUp) {
+  const std::string body(100'000, 'x');
+  const Answer trickle{.body = body, .paceBytes = 10, .paceMs = 5};
+  const web::TransferReport report = Fetch(trickle, {body.size()});
+  EXPECT_EQ(report.outcome.error, platform::HttpError::Stalled) << report.Details();
+  EXPECT_LT(report.bytes, body.size() / 2);
+  EXPECT_EQ(FileCount(), 0u);
+}
+
+TEST(Pace, TheLimitGrowsWithTheSize) {
+  const std::uint64_t kMegabyte = 1 << 20;
+  const struct {
+    Expected expected;
+    std::uint32_t limitMs;
+  } cases[] = {
+      {{}, 0},
+      {{{}, Sha256Of("")}, 0},
+      {{0}, 60'000},
+      {{kMegabyte}, 60'000},
+      {{30 * kMegabyte}, 1'024'000},
+      {{UINT64_MAX}, UINT32_MAX},
+  };
+  for (const auto& test : cases)
+    EXPECT_EQ(web::Pace().LimitMs(test.expected), test.limitMs) << test.expected.size.value_or(1);
+}
+
+}  // namespace
