@@ -36,7 +36,8 @@ TEST(WindowsKeepAwake, LastsAsLongAsARun) {
                           [&](bool) {
                             during = IsKeptAwake();
                             return update::RunOutcome{end, {}, {}};
-                          }});
+                          },
+                          [] {}});
     mode.StartUpDone();
     EXPECT_FALSE(IsKeptAwake());
     mode.cmdIniciar_Click();
