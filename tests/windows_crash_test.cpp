@@ -10,7 +10,6 @@
 #include "platform/win32/handles.hpp"
 #include "platform/win32/wide.hpp"
 #include "support/temp_folder.hpp"
-#include "ui/win32/tray_icon.hpp"
 
 namespace platform {
 namespace {
@@ -84,13 +83,12 @@ INSTANTIATE_TEST_SUITE_P(
                     Disaster{"abort", [] { std::abort(); }, kUncaught}),
     [](const auto& info) { return std::string(info.param.name); });
 
-bool HasWindow(DWORD process) {
-  for (HWND at = nullptr; (at = FindWindowExW(nullptr, at, ui::win32::kTrayClass, nullptr)) != nullptr;) {
-    DWORD owner = 0;
-    GetWindowThreadProcessId(at, &owner);
-    if (owner == process) return true;
-  }
-  return false;
+// Start-up tells of an earlier crash before it shows its window.
+bool ShowsItsWindow(DWORD process) {
+  const HWND window = FindWindowW(nullptr, L"Launcher - Kelvarin");
+  DWORD owner = 0;
+  GetWindowThreadProcessId(window, &owner);
+  return owner == process && IsWindowVisible(window);
 }
 
 // The finished program, made to run what lies at no address.
@@ -108,7 +106,7 @@ TEST(WindowsCrashOfTheProgram, LeavesItsReportAmongThePlayersOwnData) {
       CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
   const unique_process process(started.hProcess);
   const unique_thread thread(started.hThread);
-  for (int i = 0; i < 3000 && !HasWindow(started.dwProcessId); ++i) Sleep(10);
+  for (int i = 0; i < 3000 && !ShowsItsWindow(started.dwProcessId); ++i) Sleep(10);
   const unique_thread crash(CreateRemoteThread(process.get(), nullptr, 0, nullptr, nullptr, 0, nullptr));
   const DWORD waited = WaitForSingleObject(process.get(), 60'000);
   TerminateProcess(process.get(), 1);
