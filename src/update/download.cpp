@@ -190,7 +190,7 @@ void Download::CountOne(const web::TransferReport& report) {
 Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
   web::DownloadState& state = with_.state;
   line = 10;
-  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
+  state.TargetPath = with_.services.folders.FetchDir + platform::kSeparator + base::Replaced(name, "/", "");
   const auto expected = ExpectedOf(remoteFolder + name);
   if (!expected) return {DownloadResult::Stopped, kNotSigned};
   const MirrorRound::Result result =

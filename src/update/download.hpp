@@ -67,7 +67,7 @@ class Download {
   // Makes use of a file that came whole; why it is of none, in a few words.
   using Use = std::function<std::string(const std::string& file)>;
 
-  // One named file into AppPath, from whichever mirror gives a good one; with `unpack` its archive is
+  // One named file into FetchDir, from whichever mirror gives a good one; with `unpack` its archive is
   // unpacked over the game and deleted. Without, `use` judges it, and nothing is told to the player when no
   // mirror has a good one.
   Fetched DescargarArchivo(const std::string& name, bool unpack, const Use& use = {});

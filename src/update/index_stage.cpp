@@ -69,7 +69,7 @@ bool IndexStage::Fetch() {
   complaint_.reset();
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, [this](const std::string& packed) { return Take(packed); });
-  platform::TryRemoveFile(services_.folders.AppPath + platform::kSeparator + kIndexName);
+  platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;
   if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
@@ -103,9 +103,10 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() const {
+  if (!services_.flags.FolderWritable || !index_.ReadWholly()) return;
   bool namesAny = false;
   for (std::size_t i = 0; i < index_.Count() && !namesAny; ++i) namesAny = !index_[i].inBin.empty();
-  if (!index_.ReadWholly() || !namesAny || !IsFolderItself(services_.folders.BinDir)) return;
+  if (!namesAny || !IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
@@ -128,7 +129,7 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.inBin, "KVNG"));
 }
 
-void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
+bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders), trust_.RecordSeal());
   proved.Load();
   const auto nameOf = [this](std::size_t i) {
@@ -136,6 +137,8 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     return Wanted(record) ? record.inBin : std::string_view{};
   };
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
+  const bool writable = services_.flags.FolderWritable;
+  bool left = false;
   Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
                             services_.lifetime);
   for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
@@ -143,9 +146,15 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
     if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
     const IndexRecord record = index_[i];
-    if (Wanted(record) && !proof.Has(record.digest) && !ended()) FetchAgain(i);
+    if (!Wanted(record) || proof.Has(record.digest) || ended()) continue;
+    if (writable) {
+      FetchAgain(i);
+    } else {
+      left = true;
+    }
   }
-  if (!ended()) Remember(verification, proved);
+  if (writable && !ended()) Remember(verification, proved);
+  return left;
 }
 
 void IndexStage::FetchAgain(std::size_t i) {

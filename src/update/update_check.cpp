@@ -79,6 +79,7 @@ RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   with_.instance.Release();
   with_.trust.BeginRun();
   if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
+    if (!FolderWritable()) return Unwritable();
     return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
   }
   if (const Ended ended = IndexLoop(line, hostInDoubt)) return *ended;
@@ -109,8 +110,9 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
+  const bool left = with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
   if (!MayGoOn()) return Interrupted();
+  if (left) return Unwritable();
   return std::nullopt;
 }
 
@@ -192,7 +194,7 @@ Attempt UpdateCheck::AttemptList(PatchCounts& remote, PatchCounts& local, int& l
   };
   line = 50;
   const UpdateList list(with_.services.host.profiles,
-                        with_.services.folders.AppPath + platform::NativePath("\\Update.ini"), answer.text);
+                        with_.services.folders.FetchDir + platform::NativePath("\\Update.ini"), answer.text);
   Show("Buscando actualizaciones...");
   line = 60;
   listError_ = nullptr;
@@ -221,6 +223,12 @@ void UpdateCheck::PlanPatches(const PatchCounts& remote, const PatchCounts& loca
 }
 
 UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const PatchCounts& local) {
+  if (!FolderWritable()) {
+    for (std::size_t i = 0; i < kCategories.size(); ++i) {
+      if (local[i] < remote[i]) return Unwritable();
+    }
+    return std::nullopt;
+  }
   PlanPatches(remote, local);
   for (std::size_t i = 0; i < kCategories.size(); ++i) {
     if (local[i] >= remote[i]) {
@@ -263,12 +271,27 @@ UpdateCheck::Ended UpdateCheck::Record(std::size_t category, int number) {
   return StoppedAndTold("No se pudo anotar lo instalado.");
 }
 
+// The run has come to something that must be written.
+RunOutcome UpdateCheck::Unwritable() {
+  const std::string why = "No se puede escribir en la carpeta del juego: " + with_.services.folders.AppPath;
+  if (with_.services.flags.UpdatesOnly) return Stopped(why + ".");
+  const bool playable = with_.launch.Installed();
+  const bool restarts = with_.rights.Make(playable ? "se abrirá el juego tal como está" : "no podrás jugar");
+  if (restarts || !MayGoOn()) return Interrupted();
+  if (!playable) return Stopped(why + ".");
+  with_.services.recorder.Note(why);
+  with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
+  return {End::GameStarted, {}, {}};
+}
+
 RunOutcome UpdateCheck::Complete(int& line) {
   line = 140;
-  with_.installation.DescomprimirArchivos(
-      [this](const std::string& packed) { return with_.index.DigestOf(packed); });
-  line = 150;
-  RemoveLooseBitmaps();
+  if (FolderWritable()) {
+    with_.installation.DescomprimirArchivos(
+        [this](const std::string& packed) { return with_.index.DigestOf(packed); });
+    line = 150;
+    RemoveLooseBitmaps();
+  }
   if (!MayGoOn()) return Interrupted();
   line = 160;
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);

@@ -13,6 +13,7 @@
 #include "update/index_stage.hpp"
 #include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
+#include "update/rights_offer.hpp"
 #include "update/run_mode.hpp"
 #include "update/trust.hpp"
 #include "update/update_list.hpp"
@@ -40,6 +41,7 @@ class UpdateCheck {
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
+    RightsOffer& rights;
     InstalledGame& installed;
   };
 
@@ -67,6 +69,8 @@ class UpdateCheck {
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
+  RunOutcome Unwritable();
+  bool FolderWritable() const { return with_.services.flags.FolderWritable; }
   RunOutcome Interrupted() const;
   void RemoveLooseBitmaps();
   void RemoveScratch();
