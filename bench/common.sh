@@ -7,9 +7,11 @@
 package=${BENCH_PACKAGE:-$PWD/build/bench/package} # the demo's game, for all parts
 game=$demo/Kelvarin
 times=$demo/times # one file for each program, a line for each round
+client=scripts/demo/native-client
 server=$demo/nginx
-port=18090
-link_port=18091 # the same files through a link of limited speed
+free_port() { perl -MIO::Socket::INET -e 'print IO::Socket::INET->new(LocalAddr => "127.0.0.1", Listen => 1)->sockport'; }
+port=$(free_port)
+link_port=$(free_port) # the same files through a link of limited speed
 
 # A game of the size of the demo's, where the package cannot be had: 1,436 files and 127 MB, sizes spread as those of
 # pictures, sounds and maps are, three quarters of the bytes incompressible. The same bytes each time.
@@ -74,6 +76,23 @@ write_index() { # write_index LIST
     print pack("V", length $index), compress($index, 1)' <"$1" >"$publication/NewAct2/Info.kvn"
 }
 
+# $lists/game in PARTS patches, the whole as the game's Bin too, so that every file is both patched and proved.
+publish_parts() { # publish_parts PARTS
+  local i
+  parts=$1
+  rm -rf "$demo/patches" "$publication" "$lists"/game.*
+  mkdir -p "$demo/patches"
+  cut_list game "$parts"
+  "$publisher" init "$publication" >"$demo/publisher.log"
+  for ((i = 1; i <= parts; ++i)); do lay_out "game.$i" "$demo/patches/$i/Bin"; done
+  cp "$client" "$demo/patches/1/Bin/KVN-DX8.exe"
+  mkdir -p "$publication/OldAct/Extras"
+  seq "$parts" | (cd "$demo/patches" && xargs -P "$(nproc)" -I {} sh -c "cd {} && zip -qr '$publication/OldAct/Extras/Extras{}.zip' .")
+  sed -i "s/^Extras=.*/Extras=$parts/" "$publication/OldAct/Update.ini"
+  { cat "$lists/game"; md5sum <"$client" | sed "s/-$/KVN-DX8.exe/"; } >"$demo/list"
+  write_index "$demo/list"
+}
+
 # Serves the publication: at full speed, and through a link of LINK_MB megabytes a second (bench/link).
 link=
 start_nginx() { # start_nginx LINK_MB
@@ -96,6 +115,7 @@ http {
         listen 127.0.0.1:$port;
         root $publication;
         location /update/kvn2011/ { alias $publication/; }
+        location /web/ { root $publication; }
     }
 }
 NGINX
@@ -107,7 +127,11 @@ NGINX
 stop_servers() {
   [ -z "$link" ] || kill "$link" 2>/dev/null || true
   [ ! -s "$server/pid" ] || kill "$(cat "$server/pid")" 2>/dev/null || true
-  stop_mirrors
+  link=
+}
+end_part() { # its files are large
+  stop_servers
+  rm -rf "$demo"
 }
 
 make_fresh_folder() { # make_fresh_folder PORT
@@ -126,7 +150,7 @@ launch() {
   local player
   exec {player}<>"$demo/player"
   echo frmMain.cmdIniciar >&"$player"
-  /usr/bin/time -f %M -o "$demo/memory.txt" "$game/launcher" <"$demo/player" 2>"$demo/launcher.log" |
+  timeout 300 /usr/bin/time -f %M -o "$demo/memory.txt" "$game/launcher" <"$demo/player" 2>"$demo/launcher.log" |
     perl -MTime::HiRes=time,usleep -e '
       fcntl STDIN, 1031, 1 << 20; # F_SETPIPE_SZ: all that is printed meanwhile has room
       my (@blocks, $block);
