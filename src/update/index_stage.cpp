@@ -13,6 +13,7 @@
 #include "startup/procedure.hpp"
 #include "update/packed_file.hpp"
 #include "update/verification.hpp"
+#include "util/parallel.hpp"
 
 namespace update {
 namespace {
@@ -21,6 +22,7 @@ constexpr const char* kIndexName = "Info.kvn";
 constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 64 << 20;  // bytes; a game of half a million files has a smaller one
 constexpr std::size_t kFilesPerRound = 16;        // between two looks at the player's events
+constexpr std::size_t kFilesAtOnce = 512;         // judged by one thread
 
 // A link may lead to a folder that holds more than the game.
 bool IsFolderItself(const std::string& path) {
@@ -112,15 +114,27 @@ void IndexStage::RemoveForeignFiles() const {
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
-    const FoldedNames named(index_);
+    std::optional<FoldedNames> named;
+    std::vector<platform::FoundFile> found;
+    util::ForEachParallel(2, [&](std::size_t half) {
+      if (half == 0) {
+        found = platform::ListTree(services_.folders.BinDir);
+      } else {
+        named.emplace(index_);
+      }
+    });
     const std::string record = Folded(kRecordName);
-    for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
-      if (stop.stop_requested()) return;
-      if (base::Contains(file.path, "$")) continue;
-      const std::string folded = Folded(base::WithSlashes(file.path));
-      if (folded == record || named.Contain(folded)) continue;
-      platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
-    }
+    const std::size_t pieces = (found.size() + kFilesAtOnce - 1) / kFilesAtOnce;
+    util::ForEachParallel(pieces, [&](std::size_t piece) {
+      const std::size_t end = std::min(found.size(), (piece + 1) * kFilesAtOnce);
+      for (std::size_t i = piece * kFilesAtOnce; i < end && !stop.stop_requested(); ++i) {
+        const std::string& path = found[i].path;
+        if (base::Contains(path, "$")) continue;
+        const std::string folded = Folded(base::WithSlashes(path));
+        if (folded == record || named->Contain(folded)) continue;
+        platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + path);
+      }
+    });
   });
 }
 
