@@ -207,6 +207,17 @@ TEST_F(AheadTest, StaysWithinItsLimitsAndInOrder) {
   EXPECT_TRUE(platform::IsFile(folder / "a"));
 }
 
+TEST_F(AheadTest, WhatAKilledLauncherLeftIsNoHindrance) {
+  server.Otherwise([](const SeenRequest&) { return support::Text("new"); });
+  folder.Put("game/RECURSOS/INIT/UPDATE/ahead/1", "old");
+  ahead.Want(Requests({"/a"}), {});
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "a"; }));
+  const auto item = ahead.Claim(server.Url("/a"));
+  ASSERT_TRUE(item);
+  EXPECT_TRUE(item->Wait(folder / "a", {}).kept);
+  EXPECT_EQ(folder.Get("a"), "new");
+}
+
 TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
   const struct {
     Answer second;

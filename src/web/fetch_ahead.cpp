@@ -39,6 +39,7 @@ FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_toke
 }
 
 void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
+  if (threads_.empty()) platform::RemoveTree(folder_);  // what a launcher that was killed has left
   if (!next.empty()) platform::MakeFolders(folder_);
   {
     const std::lock_guard lock(mutex_);
