@@ -12,32 +12,6 @@ namespace {
 
 constexpr int kMostRedirects = 10;
 
-unique_internet OpenHandle(DWORD proxy) {
-  return unique_internet(
-      WinHttpOpen(kUserAgent, proxy, WINHTTP_NO_PROXY_NAME, WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
-}
-
-WinHttpSession OpenSession(WinHttpAge age) {
-  WinHttpSession session;
-  if (age == WinHttpAge::OfSystem) session.handle = OpenHandle(WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY);
-  if (!session.handle) {
-    session.handle = OpenHandle(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY);
-    session.proxies = std::make_unique<PlayerProxy>();
-    DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
-    session.hasTls12 =
-        WinHttpSetOption(session.handle.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
-  }
-  // A host whose newer kind of address is dead is reached by its other one without delay; the option is a
-  // young one.
-  BOOL fallBack = TRUE;
-  WinHttpSetOption(session.handle.get(), WINHTTP_OPTION_IPV6_FAST_FALLBACK, &fallBack, sizeof fallBack);
-  constexpr DWORD kNotices = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
-                             WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES |
-                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE;
-  WinHttpSetStatusCallback(session.handle.get(), WinHttpExchange::OnStatus, kNotices, 0);
-  return session;
-}
-
 // Where a redirect leads, seen from the address that gave it; empty when the answer is none.
 std::string RedirectOf(const HttpHead& head, const std::string& url) {
   const bool redirects = head.status == 301 || head.status == 302 || head.status == 303 ||
@@ -53,7 +27,7 @@ std::string RedirectOf(const HttpHead& head, const std::string& url) {
 
 class WinHttpClient : public HttpClient {
  public:
-  explicit WinHttpClient(WinHttpAge age) : session_(OpenSession(age)) {}
+  explicit WinHttpClient(WinHttpAge age) : session_(age) {}
 
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     TransferLimits limits(request, std::move(stop));
@@ -81,6 +55,43 @@ class WinHttpClient : public HttpClient {
 };
 
 }  // namespace
+
+WinHttpSession::WinHttpSession(WinHttpAge age) {
+  if (age == WinHttpAge::OfSystem) direct_ = Open(WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY, {});
+  if (direct_) return;
+  proxies_ = std::make_unique<PlayerProxy>();
+  direct_ = Open(WINHTTP_ACCESS_TYPE_DEFAULT_PROXY, {});
+}
+
+// A proxy belongs to a session: not every WinHTTP obeys one that is set for a single request.
+HINTERNET WinHttpSession::Through(const Proxy& proxy) {
+  if (proxy.name.empty()) return direct_.get();
+  const std::lock_guard lock(mutex_);
+  unique_internet& session = through_[proxy.name + L"\n" + proxy.bypass];
+  if (!session) session = Open(WINHTTP_ACCESS_TYPE_NAMED_PROXY, proxy);
+  return session.get();
+}
+
+unique_internet WinHttpSession::Open(DWORD access, const Proxy& proxy) {
+  const auto textOrNone = [](const std::wstring& text) { return text.empty() ? nullptr : text.c_str(); };
+  unique_internet session(
+      WinHttpOpen(kUserAgent, access, textOrNone(proxy.name), textOrNone(proxy.bypass), WINHTTP_FLAG_ASYNC));
+  if (!session) return session;
+  if (proxies_) {
+    DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
+    hasTls12_ =
+        WinHttpSetOption(session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
+  }
+  // A host whose newer kind of address is dead is reached by its other one without delay; the option is a
+  // young one.
+  BOOL fallBack = TRUE;
+  WinHttpSetOption(session.get(), WINHTTP_OPTION_IPV6_FAST_FALLBACK, &fallBack, sizeof fallBack);
+  constexpr DWORD kNotices = WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_SEND_REQUEST |
+                             WINHTTP_CALLBACK_FLAG_RECEIVE_RESPONSE | WINHTTP_CALLBACK_FLAG_HANDLES |
+                             WINHTTP_CALLBACK_FLAG_SECURE_FAILURE;
+  WinHttpSetStatusCallback(session.get(), WinHttpExchange::OnStatus, kNotices, 0);
+  return session;
+}
 
 std::unique_ptr<HttpClient> MakeHttpClient(WinHttpAge age) { return std::make_unique<WinHttpClient>(age); }
 

@@ -65,14 +65,6 @@ std::wstring SiteOf(const std::wstring& url) {
 
 }  // namespace
 
-void Proxy::SetFor(HINTERNET request) const {
-  if (name.empty()) return;
-  std::wstring proxy = name, exceptions = bypass;
-  WINHTTP_PROXY_INFO info{WINHTTP_ACCESS_TYPE_NAMED_PROXY, proxy.data(),
-                          exceptions.empty() ? nullptr : exceptions.data()};
-  WinHttpSetOption(request, WINHTTP_OPTION_PROXY, &info, sizeof info);
-}
-
 // One question, answered at once or by a thread that nobody has to wait for.
 struct PlayerProxy::Lookup {
   unique_event done{CreateEventW(nullptr, TRUE, FALSE, nullptr)};

@@ -13,10 +13,9 @@
 
 namespace platform {
 
-// The way to one host: through a proxy (in the form of WinHTTP's options), or directly when it has no name.
+// The way to one host: through a proxy (as WinHttpOpen takes it), or directly when it has no name.
 struct Proxy {
   std::wstring name, bypass;
-  void SetFor(HINTERNET request) const;
 };
 
 // Finds the proxy that the player's own settings name, by a script too, where WinHTTP does not look itself.

@@ -148,7 +148,7 @@ void CALLBACK WinHttpExchange::OnStatus(HINTERNET, DWORD_PTR context, DWORD stat
   }
 }
 
-bool WinHttpExchange::Open(const std::string& url) {
+bool WinHttpExchange::Open(const std::string& url, const Proxy& proxy) {
   const std::wstring address = Wide(url);
   URL_COMPONENTS parts{};
   parts.dwStructSize = sizeof parts;
@@ -158,7 +158,7 @@ bool WinHttpExchange::Open(const std::string& url) {
   const std::wstring host(parts.lpszHostName, parts.dwHostNameLength);
   const std::wstring target = std::wstring(parts.lpszUrlPath, parts.dwUrlPathLength)
                                   .append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
-  server_.reset(WinHttpConnect(session_.handle.get(), host.c_str(), parts.nPort, 0));
+  server_.reset(WinHttpConnect(session_.Through(proxy), host.c_str(), parts.nPort, 0));
   if (!server_) return false;
   const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
                       (parts.nScheme == INTERNET_SCHEME_HTTPS ? WINHTTP_FLAG_SECURE : 0);
@@ -168,7 +168,7 @@ bool WinHttpExchange::Open(const std::string& url) {
   return static_cast<bool>(exchange_);
 }
 
-void WinHttpExchange::SetOptions(const Proxy& proxy) {
+void WinHttpExchange::SetOptions() {
   const HINTERNET handle = exchange_.get();
   auto context = reinterpret_cast<DWORD_PTR>(mailbox_.get());
   if (WinHttpSetOption(handle, WINHTTP_OPTION_CONTEXT_VALUE, &context, sizeof context)) {
@@ -178,7 +178,6 @@ void WinHttpExchange::SetOptions(const Proxy& proxy) {
   WinHttpSetOption(handle, WINHTTP_OPTION_REDIRECT_POLICY, &never, sizeof never);
   DWORD disabled = WINHTTP_DISABLE_COOKIES;
   WinHttpSetOption(handle, WINHTTP_OPTION_DISABLE_FEATURE, &disabled, sizeof disabled);
-  proxy.SetFor(handle);
   // One address of a host may use up less than half of the caller's limit, so that a second one is tried
   // when the first is dead. The other limits only end what the caller has given up waiting for.
   const int limit = static_cast<int>(std::min<std::uint32_t>(request_.connectLimitMs, MAXLONG / 2));
@@ -212,7 +211,7 @@ HttpOutcome WinHttpExchange::Outcome(HttpError error, int before) const {
   if (error == HttpError::None || systemError_ == ERROR_SUCCESS) return outcome;
   outcome.systemError = systemError_;
   outcome.systemText = SystemErrorText(systemError_, GetModuleHandleW(L"winhttp.dll"));
-  if (error == HttpError::Insecure && !session_.hasTls12) outcome.systemText.insert(0, "TLS 1.2: ");
+  if (error == HttpError::Insecure && !session_.HasTls12()) outcome.systemText.insert(0, "TLS 1.2: ");
   return outcome;
 }
 
@@ -240,11 +239,12 @@ HttpError WinHttpExchange::Finish(BOOL started, DWORD& value) {
 
 HttpError WinHttpExchange::Prepare(const std::string& url) {
   Proxy proxy;
-  const HttpError error = session_.proxies ? session_.proxies->Find(url, limits_, proxy) : HttpError::None;
+  const HttpError error =
+      session_.Proxies() ? session_.Proxies()->Find(url, limits_, proxy) : HttpError::None;
   if (error != HttpError::None) return error;
   limits_.BeginHop();
-  if (!Open(url)) return HttpError::BadUrl;
-  SetOptions(proxy);
+  if (!Open(url, proxy)) return HttpError::BadUrl;
+  SetOptions();
   return AddHeaders();
 }
 

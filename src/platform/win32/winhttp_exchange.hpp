@@ -29,8 +29,8 @@ class WinHttpExchange {
 
  private:
   HttpError Prepare(const std::string& url);
-  bool Open(const std::string& url);
-  void SetOptions(const Proxy& proxy);
+  bool Open(const std::string& url, const Proxy& proxy);
+  void SetOptions();
   HttpError AddHeaders();
   HttpError Ask();
   bool LogOnToProxy();
