@@ -182,13 +182,14 @@ stopwatch() { # stopwatch COMMAND...
 }
 
 # Runs each program in turn, round by round, and keeps what it prints; a first round, which is not counted, warms
-# everything up.
+# everything up, unless $warming is 0.
+warming=1
 measure() { # measure ROUNDS PROGRAM...
   local program i rounds=$1
   shift
   rm -rf "$times"
   mkdir -p "$times"
-  for ((i = 0; i <= rounds; ++i)); do
+  for ((i = 1 - warming; i <= rounds; ++i)); do
     for program in "$@"; do
       if [ "$i" = 0 ]; then $program >/dev/null; else $program >>"$times/$program"; fi
     done
