@@ -26,15 +26,16 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       frmMain_(host_.events.Timers()),
       inet_(services_),
       transfers_(services_, frmMain_, state_, hosts_),
-      selection_(services_, frmMain_, inet_, transfers_, hosts_),
-      servers_(services_, frmMain_, inet_, transfers_, hosts_, selection_),
-      news_(services_, frmMain_, inet_, transfers_, hosts_, selection_, servers_),
+      selection_(services_, frmMain_, inet_, transfers_, hosts_, scripts_),
+      servers_(services_, frmMain_, inet_, transfers_, hosts_, selection_, scripts_),
+      news_(services_, frmMain_, inet_, transfers_, hosts_, selection_, servers_, scripts_),
       gameIni_(host_.profiles, folders_, recorder_),
       sounds_(host_.profiles, folders_),
       mode_(services_, frmMain_,
             {[this](bool on) { mainForm_.btnIniciar.EnableButton(on); },
              [this](bool on) { mainForm_.btnConfig.EnableButton(on); },
-             [this](bool hostInDoubt) { return check_.tmrUpdates_Timer(hostInDoubt); }}),
+             [this](bool hostInDoubt) { return check_.tmrUpdates_Timer(hostInDoubt); },
+             [this] { OfferInstalledGame(); }}),
       unzip_(services_),
       compression_(services_),
       counters_(services_),
@@ -48,14 +49,16 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       libraries_(services_, frmMain_,
                  [this](const std::string& inBin) { return index_.PublishedDigest(inBin); }),
       launch_(services_, libraries_, [this] { CloseLauncher(); }),
+      installed_(services_, launch_),
       check_({services_, mode_, instance_, frmMain_, state_, hosts_, inet_, selection_, mirrors_, trust_,
-              counters_, download_, index_, installation_, launch_}),
+              counters_, download_, index_, installation_, launch_, installed_}),
       repair_(services_, counters_, [this] { mode_.RepairConfirmed(); }),
       settingsServices_{services_, screen_, gameIni_, sounds_},
       options_(settingsServices_),
       notify_(services_, screen_),
       mainForm_(services_, hosts_, screen_, frmMain_, WindowActions()),
       closeBoxes_(lifetime_.Token(), [this] { host_.dialogs.CloseAll(); }) {
+  selection_.ringSilent = [this] { mode_.RingSilent(); };
   inet_.StateChanged += [this](int state) { chunked_.Inet1_StateChanged(state); };
   frmMain_.tmrUpdates.Tick += [this] { mode_.tmrUpdates_Timer(); };
   frmMain_.NewsTimer.Tick += [this] { news_.Timer_Timer(); };
@@ -102,6 +105,11 @@ void Launcher::CloseLauncher() {
   } catch (const base::RuntimeError&) {  // the settings store is not worth keeping the program open for
   }
   lifetime_.End(0);
+}
+
+// Who would rather wait need not wait for the end of the pause as well.
+void Launcher::OfferInstalledGame() {
+  if (!installed_.Offer("Ningún servidor de actualizaciones responde.")) selection_.Hurry();
 }
 
 int Launcher::RunEvents() {

@@ -59,6 +59,7 @@ class Launcher {
   void CopyManifest();
   void ShowMainWindow();
   void EraseCache();
+  void OfferInstalledGame();
   bool IsProcessNameRunning(const std::string& imageName);
   ui::frmMain::Actions WindowActions();
 
@@ -79,6 +80,7 @@ class Launcher {
   web::Hosts hosts_;
   web::Inet1 inet_;
   web::smodXmlHttp transfers_;
+  web::ScriptBudget scripts_;
   modGeneral::HostSelection selection_;
   modGeneral::ServerList servers_;
   web::NewsQuery news_;
@@ -98,6 +100,7 @@ class Launcher {
   update::IndexStage index_;
   update::LibraryCheck libraries_;
   update::GameLaunch launch_;
+  update::InstalledGame installed_;
   update::UpdateCheck check_;
   update::Repair repair_;
 

@@ -36,8 +36,9 @@ struct DownloadTest : testing::Test, support::TestServices {
   web::Hosts hosts;
   web::Inet1 inet{services};
   web::smodXmlHttp transfers{services, window, state, hosts};
-  modGeneral::HostSelection selection{services, window, inet, transfers, hosts, {500, 500, 500}};
-  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}}};
+  web::ScriptBudget scripts;
+  modGeneral::HostSelection selection{services, window, inet, transfers, hosts, scripts, {500, 500, 500}};
+  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}, {}}};
   update::MirrorRound mirrors{services, mode, hosts, selection};
   update::Trust trust{services, hosts, mirrors};
   update::smodUnzip unzip{services};
@@ -50,7 +51,8 @@ struct DownloadTest : testing::Test, support::TestServices {
 TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
   const std::string packed = MakePacked("contenido");
   server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text(packed));
-  const update::IndexRecord record{support::Md5Of("contenido"), "\\Bin\\Sub\\a #.dll", "Sub/a #.dll", ""};
+  const update::IndexRecord record{*util::Md5Digest::FromHex(support::Md5Of("contenido")), true,
+                                   "Sub/a #.dll"};
   EXPECT_TRUE(download.DownloadClient(3, 9, record));
   const std::string target = folders.ResourcesUpdateDir + platform::NativePath("/Sub/a #.dll");
   EXPECT_EQ(window.lblName.Caption.Get(), "Descargando actualizaciones: 3/9 - Sub");

@@ -64,9 +64,9 @@ struct World : support::TestServices {
   RunMode mode{services,
                window,
                {[this](bool on) { play = on; }, [this](bool on) { settings = on; },
-                [this](bool hostInDoubt) { return Run(hostInDoubt); }}};
+                [this](bool hostInDoubt) { return Run(hostInDoubt); }, [this] { ++offers; }}};
   bool play = false, settings = false, wentOn = false;
-  int runs = 0, depth = 0, deepest = 0;
+  int offers = 0, runs = 0, depth = 0, deepest = 0;
   std::vector<bool> doubts;
   RunOutcome outcome{End::Stopped, "Falló: el disco.", "disco"};
   std::function<void()> during;

@@ -4,6 +4,7 @@
 #include "support/web_world.hpp"
 #include "web/answer_cache.hpp"
 #include "web/body_text.hpp"
+#include "web/http_date.hpp"
 
 namespace {
 
@@ -279,6 +280,64 @@ TEST_F(TransferTest, FreshAnswersAreUsedAgain) {
   server.On("/news", support::Page(500, "oh"));
   world.host.clock.Step(100'000'000);
   EXPECT_EQ(ask(false), "oh");
+}
+
+// Four questions, 20 seconds apart, to a server that says nothing of how long its answer holds.
+TEST_F(TransferTest, AFileThatNobodyCalledFreshIsSparedForHalfAMinuteAtMost) {
+  const std::string sent = "Sat, 21 Nov 2026 10:00:00 GMT", old = "Fri, 20 Nov 2026 10:00:00 GMT",
+                    recent = "Sat, 21 Nov 2026 09:58:20 GMT", soon = "Sat, 21 Nov 2026 10:00:50 GMT";
+  const struct {
+    const char* name;
+    support::Headers headers;
+    std::size_t asked;
+    int conditional;
+  } cases[] = {
+      {"a script", {}, 4, 0},
+      {"a tag alone", {{"ETag", "\"v1\""}}, 2, 1},
+      {"changed yesterday", {{"Date", sent}, {"Last-Modified", old}}, 2, 1},
+      {"changed 100 seconds ago", {{"Date", sent}, {"Last-Modified", recent}}, 4, 3},
+      {"no telling how long ago", {{"Last-Modified", old}}, 4, 3},
+      {"changed in the future", {{"Date", old}, {"Last-Modified", sent}}, 4, 3},
+      {"no date", {{"Date", sent}, {"Last-Modified", "yesterday"}}, 4, 0},
+      {"expires in 50 seconds", {{"Date", sent}, {"Expires", soon}}, 2, 0},
+      {"expired", {{"Date", sent}, {"Last-Modified", old}, {"Expires", "0"}}, 4, 3},
+      {"told otherwise", {{"Cache-Control", "no-cache"}, {"Date", sent}, {"Last-Modified", old}}, 4, 3},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    web::AnswerCache cache;
+    const int dated = !test.headers.empty() && test.headers[0].first == "Date";
+    server.Forget();
+    server.On("/file", [&](const support::SeenRequest& request) {
+      const bool conditional =
+          !request.Header("if-none-match").empty() || !request.Header("if-modified-since").empty();
+      return conditional
+                 ? Answer{.status = 304, .headers = {test.headers.begin(), test.headers.begin() + dated}}
+                 : support::Text("noticia", test.headers);
+    });
+    for (int i = 0; i < 4; ++i) {
+      EXPECT_EQ(world.transfers.GetHttpText(server.Url("/file"), {.cache = &cache}).text, "noticia");
+      world.host.clock.Step(20'000);
+    }
+    const auto seen = server.Seen();
+    EXPECT_EQ(seen.size(), test.asked);
+    EXPECT_EQ(std::count_if(seen.begin(), seen.end(),
+                            [](const auto& request) {
+                              return !request.Header("if-none-match").empty() ||
+                                     !request.Header("if-modified-since").empty();
+                            }),
+              test.conditional);
+  }
+}
+
+TEST(HttpDate, OnlyTheFormOfTodayIsRead) {
+  EXPECT_EQ(web::FromHttpDate("Sun, 06 Nov 1994 08:49:37 GMT"), 784111777);
+  EXPECT_EQ(web::FromHttpDate("Thu, 29 Feb 2024 23:59:60 GMT"), 1709251200);
+  for (const char* bad :
+       {"", "Sunday, 06-Nov-94 08:49:37 GMT", "Sun Nov  6 08:49:37 1994", "Sun, 06 Nov 1994 08:49:37 EST",
+        "Sun, 31 Feb 2024 08:49:37 GMT", "Sun, 06 Nov 1994 24:49:37 GMT", "Sun, -6 Nov 1994 08:49:37 GMT"}) {
+    EXPECT_EQ(web::FromHttpDate(bad), std::nullopt) << bad;
+  }
 }
 
 TEST_F(TransferTest, TheControlDeliversInChunks) {

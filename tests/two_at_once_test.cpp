@@ -113,6 +113,63 @@ TEST(TwoAtOnce, ARepairConfirmedDuringStartUpRunsAfterIt) {
   EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("OldAct/Mapas/Mapas1.zip")), 1u);
 }
 
+// No mirror answers while the launcher starts: the player may look at the options, play what is there, or
+// wait.
+TEST(TwoAtOnce, PlayWhileNoMirrorAnswersAsksOnceAndStartsWhatIsInstalled) {
+  const struct {
+    DialogAnswer answer;
+    bool installed, starts;
+  } cases[] = {
+      {DialogAnswer::Yes, true, true}, {DialogAnswer::No, true, false}, {DialogAnswer::Yes, false, false}};
+  for (const auto& test : cases) {
+    LauncherRun run;
+    PublishGame(run);
+    const std::string probe = run.mirror.PathOf("Online.txt");
+    if (test.installed) run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el de antes");
+    run.mirror.server.On(probe, support::Text("0"));
+    Once play(
+        run,
+        [&] { return run.mirror.server.Count(probe) > 0 && !run.Launched().MainWindow().cmdIniciar.Idle; },
+        [&] {
+          run.machine.dialogs.shown.clear();
+          run.machine.dialogs.answers = {test.answer};
+          run.Play();
+          EXPECT_EQ(run.machine.dialogs.shown.size(), 1u);
+          run.mirror.server.On(probe, support::Text("1"));
+        });
+    run.Start();
+    EXPECT_TRUE(play.done);
+    EXPECT_EQ(run.Launched().Life().Ending(), test.starts);
+    const auto& started = run.machine.processes.started;
+    EXPECT_EQ(!started.empty() && started.back().program.ends_with("KVN-DX8.exe"), test.starts);
+    if (test.starts) continue;
+    EXPECT_EQ(run.Launched().Mode(), Mode::Idle) << "the walk went on, and a mirror answered";
+    run.Play();
+    run.UntilEnded();
+    EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+  }
+}
+
+TEST(Failures, WhoCannotUpdateMayStillPlay) {
+  LauncherRun run;
+  PublishGame(run);
+  run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el de antes");
+  run.Start();
+  run.mirror.server.On(run.mirror.PathOf("Online.txt"), support::Text("0"));
+  run.mirror.server.On(run.mirror.PathOf("OldAct/Update.ini"), support::CutShort("[INIT]", 3));
+  run.Play();
+  run.UntilStopped();
+  EXPECT_EQ(run.machine.processes.started.size(), 1u) << "no was the answer";
+  run.machine.dialogs.answers = {DialogAnswer::Yes};
+  run.Play();
+  run.UntilEnded();
+  EXPECT_EQ(run.machine.processes.started.size(), 2u);
+  EXPECT_TRUE(
+      run.Shown("Ningún servidor de actualizaciones responde. ¿Deseas iniciar el juego instalado sin "
+                "actualizarlo?"));
+  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el de antes");
+}
+
 TEST(Failures, ARunThatFailedSaysWhyAndLetsThePlayerGoOn) {
   LauncherRun run;
   PublishGame(run);

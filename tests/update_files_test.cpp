@@ -7,7 +7,6 @@
 #include "support/test_services.hpp"
 #include "update/counter_store.hpp"
 #include "update/digest_record.hpp"
-#include "update/index_file.hpp"
 #include "update/modCompression.hpp"
 #include "update/packed_file.hpp"
 #include "update/patch_installation.hpp"
@@ -16,8 +15,6 @@
 
 namespace {
 
-using support::IndexItem;
-using support::MakeIndex;
 using support::MakePacked;
 
 std::string Noise(std::size_t size) {
@@ -108,55 +105,6 @@ TEST(PackedFile, TellsThePlayerWhatFailed) {
   EXPECT_EQ(with.host.dialogs.shown[0].text, "Error al descomprimir " + small + ". El archivo pesaba 0 kb.");
   EXPECT_EQ(with.host.dialogs.shown[1].text,
             "Error: Error 321 (Invalid file format) in procedure Decompress_Data of Módulo modCompression");
-}
-
-TEST(IndexFile, ReadsRecordsAndJudgesTheirNames) {
-  const support::TempFolder folder;
-  const std::string digest(32, 'A');
-  folder.Put("i", MakeIndex({{digest, "\\Bin\\a.dll"},
-                             {digest, "\\bin\\Sub\\\xF1.d\r\nat"},
-                             {"NOT FOUND" + std::string(23, ' '), "\\Bin\\b"},
-                             {digest, "\\Bin\\..\\launcher.exe"},
-                             {digest, "\\RECURSOS\\x"},
-                             {digest, "Bin\\x"},
-                             {digest, "\\Bin\\NUL.txt"},
-                             {digest, "\\Bin\\a:stream"},
-                             {digest, "\\Bin\\x. "},
-                             {digest, "\\Bin\\"},
-                             {digest, ""}}));
-  update::IndexFile index;
-  index.Read(folder / "i");
-  ASSERT_EQ(index.Records().size(), 11u);
-  EXPECT_TRUE(index.ReadWholly());
-  EXPECT_EQ(index.Records()[0].inBin, "a.dll");
-  EXPECT_EQ(index.Records()[0].digest, std::string(32, 'a'));
-  EXPECT_EQ(index.Records()[1].inBin, "Sub/ñ.dat");
-  EXPECT_FALSE(index.Records()[2].HasDigest());
-  for (std::size_t i = 3; i < 11; ++i) EXPECT_NE(index.Records()[i].refusal, "") << index.Records()[i].path;
-}
-
-TEST(IndexFile, RaisesWhenItIsCutOrLies) {
-  const support::TempFolder folder;
-  const std::string good =
-      MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}, {std::string(32, 'b'), "\\Bin\\b"}});
-  const struct {
-    const char* what;
-    std::string bytes;
-    std::size_t read;
-  } cases[] = {
-      {"empty", "", 0},
-      {"cut in a record", good.substr(0, good.size() - 1), 1},
-      {"count too large", MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}}, 0x7FFFFFFF), 0},
-      {"negative count", MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}}, 0xFFFFFFFF), 0},
-      {"page", "<!DOCTYPE html><html><body>no hay nada que ver por este lado</body></html>", 0},
-  };
-  for (const auto& entry : cases) {
-    folder.Put("i", entry.bytes);
-    update::IndexFile index;
-    EXPECT_THROW(index.Read(folder / "i"), base::RuntimeError) << entry.what;
-    EXPECT_EQ(index.Records().size(), entry.read) << entry.what;
-    EXPECT_FALSE(index.ReadWholly());
-  }
 }
 
 TEST(PatchInstallation, TakesTheSuffixOutEverywhereButNeverClimbs) {

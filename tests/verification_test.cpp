@@ -18,9 +18,9 @@ struct VerificationTest : testing::Test, support::TestServices {
     return folders.BinDir + platform::kSeparator + platform::NativePath(name);
   }
   std::unique_ptr<Verification> Start(const std::vector<std::string>& names) {
-    return std::make_unique<Verification>(folders.BinDir,
-                                          std::vector<std::string_view>(names.begin(), names.end()), record,
-                                          *host.events, lifetime);
+    const auto nameOf = [&names](std::size_t i) { return std::string_view(names[i]); };
+    return std::make_unique<Verification>(folders.BinDir, names.size(), nameOf, record, *host.events,
+                                          lifetime);
   }
   // Nothing where there is none.
   static std::string Hex(const FileProof& proof) { return proof.digest ? proof.digest->Hex() : ""; }

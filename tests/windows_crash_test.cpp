@@ -28,8 +28,9 @@ void WriteToNowhere() {
 
 __attribute__((noinline)) void WritePastTheEnd() {
   volatile char text[16];
-  volatile char* volatile at = text;
-  for (int i = 0; i < 64; ++i) *at++ = 'x';
+  volatile char* volatile start = text;
+  volatile char* const at = start;
+  for (int i = 0; i < 64; ++i) at[i] = 'x';
 }
 
 struct Disaster {

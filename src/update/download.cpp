@@ -72,7 +72,7 @@ Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& rec
   }
   Attempt attempt;
   startup::RunBlocking(with_.services, [&](std::stop_token stop) {
-    if (PackedFileHolds(local, record.digest, stop) || stop.stop_requested()) return;
+    if (PackedFileHolds(local, record.digest.Hex(), stop) || stop.stop_requested()) return;
     attempt = {Attempt::Kind::BadContent, kOtherContent, kOtherContent};
     attempt.digest = util::clsHashing().MD5File(local, stop);
   });
@@ -95,11 +95,11 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         const std::string local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
         line = 40;
-        const auto expected = ExpectedOf(remoteFolder + "Bin/" + record.inBin + ".kvn");
+        const auto expected = ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn");
         if (!expected) return;
         const std::string place = std::to_string(index) + "/" + std::to_string(count);
         end = with_.mirrors
-                  .Fetch(record.path,
+                  .Fetch(record.Path(),
                          [&] {
                            frmMain.lblEstado.Caption =
                                "Progreso de actualización: " + place;  // while the file is on its way
@@ -107,8 +107,8 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
                          })
                   .end;
         line = 50;
-        frmMain.lblName.Caption =
-            "Descargando actualizaciones: " + place + " - " + std::string(base::Field(record.path, 3, '\\'));
+        frmMain.lblName.Caption = "Descargando actualizaciones: " + place + " - " +
+                                  std::string(base::Field(record.Path(), 3, '\\'));
         frmMain.lblDirectorio.Caption = state.TargetPath;
         state.Finished = false;
       },

@@ -8,8 +8,15 @@ namespace update {
 namespace {
 
 constexpr const char* kLibrarySet = "0.4.1";
+constexpr const char *kClient = "KVN-DX8", *kStaffClient = "KVN-DX8G";
 
 }  // namespace
+
+std::string GameLaunch::PathOf(const std::string& client) const {
+  return services_.folders.BinDir + platform::kSeparator + client + ".exe";
+}
+
+bool GameLaunch::Installed() const { return platform::IsFile(PathOf(kClient)); }
 
 void GameLaunch::EjecutarKelvar(const std::string& parameter) {
   startup::Guarded(
@@ -38,11 +45,11 @@ void GameLaunch::Launch(const std::string& parameter, int& line) {
   line = 30;
   services_.host.settings.Set(keys::kOpen, keys::kF, keys::kA,
                               std::to_string(services_.host.clock.SystemUptime()));
-  const std::string suffix = answer == DialogAnswer::Yes ? "-DX8G" : "-DX8";
-  const std::string client = services_.folders.BinDir + platform::NativePath("\\KVN") + suffix + ".exe";
+  const std::string name = answer == DialogAnswer::Yes ? kStaffClient : kClient;
+  const std::string client = PathOf(name);
   line = 40;
   if (!platform::IsFile(client)) {
-    services_.host.dialogs.Show("No se encuentra KVN" + suffix + ".exe");
+    services_.host.dialogs.Show("No se encuentra " + name + ".exe");
     return;
   }
   platform::StartRequest request;

@@ -18,8 +18,11 @@ class GameLaunch {
   // closes the launcher in every case.
   void EjecutarKelvar(const std::string& parameter);
 
+  bool Installed() const;  // whether there is a client for players
+
  private:
   void Launch(const std::string& parameter, int& line);
+  std::string PathOf(const std::string& client) const;
 
   const startup::Services& services_;
   LibraryCheck& libraries_;

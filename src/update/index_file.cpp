@@ -14,7 +14,7 @@ namespace update {
 namespace {
 
 constexpr std::size_t kDigestSize = 32, kLengthSize = 2;
-constexpr std::string_view kBinFolder = "BIN/";
+constexpr std::string_view kBinFolder = "Bin/", kNoDigest = "not found";
 
 // Small reads out of a large buffer.
 class Reader {
@@ -58,37 +58,57 @@ class Reader {
   std::size_t at_ = 0, filled_ = 0;
 };
 
-IndexRecord MakeRecord(const std::string& digest, const std::string& rawPath) {
-  IndexRecord record;
-  record.digest = base::Lower(digest);
-  record.path = platform::FromAnsi(base::Replaced(base::Replaced(rawPath, "\r", ""), "\n", ""));
-  record.refusal = base::WhyUnsafe(record.path);
-  if (!record.refusal.empty()) return record;
-  const std::string relative = base::WithSlashes(record.path);
-  if (record.path.front() != '\\' || !base::Upper(relative).starts_with(kBinFolder)) {
-    record.refusal = "it is not inside Bin";
-    return record;
-  }
-  record.inBin = relative.substr(kBinFolder.size());
-  return record;
+// Why a path that may be used as a name is no path of a file in Bin.
+bool IsInBin(std::string_view path, std::string_view relative) {
+  return path.front() == '\\' && base::EqualIgnoringCase(relative.substr(0, kBinFolder.size()), kBinFolder) &&
+         relative.size() > kBinFolder.size();
 }
 
 }  // namespace
 
-bool IndexRecord::HasDigest() const { return !base::Contains(digest, "not found"); }
+std::string IndexRecord::Path() const {
+  return "\\" + base::Replaced("Bin/" + std::string(inBin), "/", "\\");
+}
+
+IndexRecord IndexFile::operator[](std::size_t record) const {
+  const Entry& entry = entries_[record];
+  return {entry.digest, entry.hasDigest, std::string_view(names_).substr(entry.nameAt, entry.nameSize)};
+}
+
+std::string IndexFile::NameInBin(std::string_view rawPath) {
+  const std::string path = platform::FromAnsi(base::Replaced(base::Replaced(rawPath, "\r", ""), "\n", ""));
+  std::string why = base::WhyUnsafe(path);
+  if (why.empty()) {
+    const std::string relative = base::WithSlashes(path);
+    if (IsInBin(path, relative)) return relative.substr(kBinFolder.size());
+    why = "it is not inside Bin";
+  }
+  if (++refused_ <= kKeptRefusals) refusals_.push_back({entries_.size(), path, why});
+  return {};
+}
+
+void IndexFile::Add(std::string_view digest, std::string_view rawPath) {
+  const std::string name = NameInBin(rawPath), lower = base::Lower(digest);
+  entries_.push_back({util::Md5Digest::FromHex(lower).value_or(util::Md5Digest{}),
+                      static_cast<std::uint32_t>(names_.size()), static_cast<std::uint16_t>(name.size()),
+                      !base::Contains(lower, kNoDigest)});
+  names_ += name;
+}
 
 void IndexFile::Read(const std::string& path) {
-  records_.clear();
-  whole_ = false;
+  *this = IndexFile();
   Reader reader(path);
   const auto count = static_cast<std::int32_t>(reader.TakeNumber(4));
-  if (count < 0 || static_cast<std::uint64_t>(count) > reader.Left() / (kDigestSize + kLengthSize)) {
+  if (count < 0 || static_cast<std::size_t>(count) > kMostRecords ||
+      static_cast<std::uint64_t>(count) > reader.Left() / (kDigestSize + kLengthSize)) {
     throw base::RuntimeError(base::ErrorNumber::Overflow);
   }
+  entries_.reserve(static_cast<std::size_t>(count));
+  names_.reserve(reader.Left() - static_cast<std::uint64_t>(count) * (kDigestSize + kLengthSize));
   for (std::int32_t i = 0; i < count; ++i) {
     const std::string digest = reader.Take(kDigestSize);
     const std::uint32_t length = reader.TakeNumber(kLengthSize);
-    records_.push_back(MakeRecord(digest, reader.Take(length)));
+    Add(digest, reader.Take(length));
   }
   whole_ = true;
 }

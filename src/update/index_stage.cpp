@@ -1,7 +1,9 @@
 #include "update/index_stage.hpp"
 
 #include <algorithm>
-#include <unordered_set>
+#include <functional>
+#include <utility>
+#include <vector>
 
 #include "base/relative_name.hpp"
 #include "base/runtime_error.hpp"
@@ -17,9 +19,8 @@ namespace {
 
 constexpr const char* kIndexName = "Info.kvn";
 constexpr const char* kPackedEnding = ".kvn";
-constexpr std::int32_t kLargestIndex = 256 << 20;  // bytes; a game of a million files has a smaller one
-constexpr std::size_t kNotedRefusals = 10;
-constexpr std::size_t kFilesPerRound = 16;  // between two looks at the player's events
+constexpr std::int32_t kLargestIndex = 64 << 20;  // bytes; a game of half a million files has a smaller one
+constexpr std::size_t kFilesPerRound = 16;        // between two looks at the player's events
 
 // A link may lead to a folder that holds more than the game.
 bool IsFolderItself(const std::string& path) {
@@ -31,6 +32,30 @@ bool IsFolderItself(const std::string& path) {
 }
 
 std::string Folded(std::string_view name) { return base::UpperLatin(base::Replaced(name, " ", "")); }
+
+// The names of an index as Folded has them, found by their hashes so that none is kept.
+class FoldedNames {
+ public:
+  explicit FoldedNames(const IndexFile& index) : index_(index) {
+    hashes_.reserve(index.Count());
+    for (std::size_t i = 0; i < index.Count(); ++i)
+      hashes_.emplace_back(std::hash<std::string>()(Folded(index[i].inBin)), i);
+    std::sort(hashes_.begin(), hashes_.end());
+  }
+
+  bool Contain(const std::string& folded) const {
+    const std::size_t hash = std::hash<std::string>()(folded);
+    for (auto at = std::lower_bound(hashes_.begin(), hashes_.end(), std::pair{hash, std::size_t{0}});
+         at != hashes_.end() && at->first == hash; ++at) {
+      if (Folded(index_[at->second].inBin) == folded) return true;
+    }
+    return false;
+  }
+
+ private:
+  const IndexFile& index_;
+  std::vector<std::pair<std::size_t, std::size_t>> hashes_;  // with the record that has it
+};
 
 }  // namespace
 
@@ -70,71 +95,63 @@ std::string IndexStage::Take(const std::string& packed) {
 }
 
 void IndexStage::NoteRefusals() const {
-  std::size_t count = 0;
-  for (const IndexRecord& record : index_.Records()) {
-    if (record.refusal.empty()) continue;
-    if (++count <= kNotedRefusals)
-      services_.recorder.Note("Info.kvn: \"" + record.path + "\": " + record.refusal);
-  }
-  if (count > kNotedRefusals)
-    services_.recorder.Note("Info.kvn: " + std::to_string(count) + " entradas rechazadas en total");
+  for (const IndexFile::Refusal& refusal : index_.Refusals())
+    services_.recorder.Note("Info.kvn: \"" + refusal.path + "\": " + refusal.why);
+  if (index_.RefusedCount() > index_.Refusals().size())
+    services_.recorder.Note("Info.kvn: " + std::to_string(index_.RefusedCount()) +
+                            " entradas rechazadas en total");
 }
 
 void IndexStage::RemoveForeignFiles() const {
-  const std::vector<IndexRecord>& records = index_.Records();
-  const bool namesAny = std::any_of(records.begin(), records.end(),
-                                    [](const IndexRecord& record) { return record.refusal.empty(); });
+  const bool namesAny = index_.Count() > index_.RefusedCount();
   if (!index_.ReadWholly() || !namesAny || !IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
-    std::unordered_set<std::string> named{Folded(kRecordName)};
-    for (const IndexRecord& record : index_.Records()) named.insert(Folded(record.inBin));
+    const FoldedNames named(index_);
+    const std::string record = Folded(kRecordName);
     for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
       if (stop.stop_requested()) return;
       if (base::Contains(file.path, "$")) continue;
-      if (named.contains(Folded(base::WithSlashes(file.path)))) continue;
+      const std::string folded = Folded(base::WithSlashes(file.path));
+      if (folded == record || named.Contain(folded)) continue;
       platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
     }
   });
 }
 
 bool IndexStage::Wanted(const IndexRecord& record) const {
-  return record.refusal.empty() && record.HasDigest() &&
-         (services_.flags.StaffClient || !base::Contains(record.path, "KVNG"));
+  return !record.inBin.empty() && record.hasDigest &&
+         (services_.flags.StaffClient || !base::Contains(record.inBin, "KVNG"));
 }
 
 void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders), trust_.RecordSeal());
   proved.Load();
-  const std::vector<IndexRecord>& records = index_.Records();
-  std::vector<std::string_view> names(records.size());
-  for (std::size_t i = 0; i < records.size(); ++i) {
-    if (Wanted(records[i])) names[i] = records[i].inBin;
-  }
-  std::vector<FileProof> proofs(records.size());
+  const auto nameOf = [this](std::size_t i) {
+    const IndexRecord record = index_[i];
+    return Wanted(record) ? record.inBin : std::string_view{};
+  };
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
-  {
-    Verification verification(services_.folders.BinDir, std::move(names), proved, services_.host.events,
-                              services_.lifetime);
-    for (std::size_t i = 0; i < records.size() && !ended(); ++i) {
-      proofs[i] = verification.Take(i);
-      frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
-      if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
-      if (Wanted(records[i]) && !proofs[i].Has(records[i].digest) && !ended()) FetchAgain(i);
-    }
+  Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
+                            services_.lifetime);
+  for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
+    const FileProof proof = verification.Take(i);
+    frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
+    if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
+    const IndexRecord record = index_[i];
+    if (Wanted(record) && !proof.Has(record.digest) && !ended()) FetchAgain(i);
   }
-  if (!ended()) Remember(proofs, proved);
+  if (!ended()) Remember(verification, proved);
 }
 
 void IndexStage::FetchAgain(std::size_t i) {
-  const IndexRecord& record = index_.Records()[i];
-  const auto number = static_cast<std::int32_t>(i + 1),
-             count = static_cast<std::int32_t>(index_.Records().size());
+  const IndexRecord record = index_[i];
+  const auto number = static_cast<std::int32_t>(i + 1), count = static_cast<std::int32_t>(index_.Count());
   if (download_.DownloadClient(number, count, record))
-    fetched_[Folded(record.inBin + kPackedEnding)] = record.digest;
+    fetched_[Folded(std::string(record.inBin) + kPackedEnding)] = record.digest.Hex();
 }
 
 std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {
@@ -143,19 +160,20 @@ std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const
 }
 
 std::optional<std::string> IndexStage::PublishedDigest(std::string_view inBin) const {
-  for (const IndexRecord& record : index_.Records()) {
-    if (record.refusal.empty() && record.HasDigest() && Folded(record.inBin) == Folded(inBin))
-      return record.digest;
+  for (std::size_t i = 0; i < index_.Count(); ++i) {
+    const IndexRecord record = index_[i];
+    if (record.hasDigest && Folded(record.inBin) == Folded(inBin)) return record.digest.Hex();
   }
   return std::nullopt;
 }
 
-void IndexStage::Remember(const std::vector<FileProof>& proofs, DigestRecord& proved) {
-  for (std::size_t i = 0; i < proofs.size(); ++i) {
-    const IndexRecord& record = index_.Records()[i];
+void IndexStage::Remember(Verification& verification, DigestRecord& proved) {
+  for (std::size_t i = 0; i < index_.Count(); ++i) {
+    const IndexRecord record = index_[i];
     if (!Wanted(record)) continue;
-    if (proofs[i].stamp && proofs[i].Has(record.digest)) {
-      proved.Remember(record.inBin, *proofs[i].stamp, *proofs[i].digest);
+    const FileProof proof = verification.Take(i);
+    if (proof.stamp && proof.Has(record.digest)) {
+      proved.Remember(record.inBin, *proof.stamp, record.digest);
     } else {
       proved.Forget(record.inBin);
     }

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <vector>
 
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
@@ -46,7 +45,7 @@ class IndexStage {
  private:
   std::string Take(const std::string& packed);
   void FetchAgain(std::size_t i);
-  void Remember(const std::vector<FileProof>& proofs, DigestRecord& proved);
+  void Remember(Verification& verification, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;
 

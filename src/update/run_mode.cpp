@@ -12,6 +12,13 @@ void RunMode::Enter(Mode mode) {
   parts_.enablePlay(mode == Mode::Idle);
 }
 
+void RunMode::RingSilent() {
+  if (Now() != Mode::Starting || services_.flags.UpdatesOnly || offline_) return;
+  offline_ = true;
+  parts_.enablePlay(true);
+  parts_.enableSettings(true);
+}
+
 void RunMode::StartUpDone() {
   if (Now() != Mode::Starting) return;
   const bool runs = services_.flags.UpdatesOnly || std::exchange(repairWaits_, false);
@@ -20,6 +27,7 @@ void RunMode::StartUpDone() {
 }
 
 void RunMode::cmdIniciar_Click() {
+  if (Now() == Mode::Starting && offline_) parts_.offerInstalledGame();
   if (Now() == Mode::Idle) Enter(Mode::Updating);
 }
 

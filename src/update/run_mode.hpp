@@ -10,7 +10,7 @@ namespace update {
 
 // What the launcher is doing now.
 enum class Mode {
-  Starting,  // until start-up is done; play and settings are off
+  Starting,  // until start-up is done; play and settings are off unless no mirror answers
   Idle,      // the player looks at servers and news and may press play
   Updating,  // a run is on the stack, or the next tick of tmrUpdates begins one
   Ending,    // the program ends
@@ -39,6 +39,8 @@ class RunMode {
     // One whole run. `hostInDoubt`: the last one did not get what it asked for, so the mirror is to be
     // confirmed first.
     std::function<RunOutcome(bool hostInDoubt)> run;
+    // Asks whether to start the installed game although no mirror answers.
+    std::function<void()> offerInstalledGame;
   };
 
   RunMode(const startup::Services& services, controls::MainWindow& frmMain, Parts parts)
@@ -48,6 +50,7 @@ class RunMode {
   Mode Now() const { return services_.lifetime.Ending() ? Mode::Ending : mode_; }
 
   // What happened. An event that means nothing in the present mode changes nothing.
+  void RingSilent();  // a whole round of mirrors did not answer, and the walk goes on
   void StartUpDone();
   void cmdIniciar_Click();  // the play button
   void RepairConfirmed();   // nothing that was installed or proved counts any longer
@@ -77,6 +80,7 @@ class RunMode {
   bool startOver_ = false;    // a repair was confirmed while the run on the stack was under way
   bool repairWaits_ = false;  // a repair was confirmed during start-up
   bool hostInDoubt_ = false;
+  bool offline_ = false;  // start-up waits for a mirror, and the player may do without
 };
 
 }  // namespace update

@@ -53,6 +53,11 @@ RunOutcome UpdateCheck::Interrupted() const {
   return {with_.services.lifetime.Ending() ? End::ProgramEnds : End::TryAgain, {}, {}};
 }
 
+// Who cannot update may still play.
+RunOutcome UpdateCheck::OfferGame(const RunOutcome& stopped) {
+  return with_.installed.Offer(stopped.status) ? RunOutcome{End::GameStarted, {}, {}} : stopped;
+}
+
 RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   line = 10;
   working_.clear();
@@ -101,7 +106,7 @@ UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
   with_.frmMain.lblEstado.Caption = "Buscando host...";
   const bool confirmed = !hostInDoubt || with_.selection.ConfirmHost();
   if (!MayGoOn()) return Interrupted();
-  if (!confirmed) return Stopped("Ningún servidor de actualizaciones responde.");
+  if (!confirmed) return OfferGame(Stopped("Ningún servidor de actualizaciones responde."));
   if (const Ended ended = AcceptPublication()) return ended;
   with_.download.remoteFolder = "OldAct/";
   if (with_.inet.StillExecuting()) return RunOutcome{End::TryAgain, {}, {}};
@@ -124,19 +129,8 @@ UpdateCheck::Ended UpdateCheck::AcceptPublication() {
     case Trust::Answer::Refused:
       break;
   }
-  return OfferGame(why);
-}
-
-// Nothing can be updated, but what is installed can be played.
-RunOutcome UpdateCheck::OfferGame(const std::string& why) {
-  with_.frmMain.lblEstado.Caption = why;
-  if (with_.services.flags.UpdatesOnly) return Stopped(why);
-  const auto answer = with_.services.host.dialogs.Show(
-      why + "\r\n¿Deseas iniciar el juego instalado sin actualizarlo?", platform::DialogButtons::YesNo);
-  if (!MayGoOn()) return Interrupted();
-  if (answer != platform::DialogAnswer::Yes) return Stopped(why);
   with_.services.recorder.Note(why);
-  return StartGame();
+  return OfferGame(StoppedAndTold(why));
 }
 
 // Mirrors count on being asked for the list; where a publication is signed, it can say nothing new.
@@ -166,7 +160,8 @@ UpdateCheck::Ended UpdateCheck::FetchList(PatchCounts& remote, PatchCounts& loca
   }
   if (listError_) std::rethrow_exception(listError_);
   if (result.last.kind == Attempt::Kind::BadContent) return StoppedAndTold(kUnreadableList);
-  return StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + ".");
+  return OfferGame(
+      StoppedAndTold("No se pudo obtener la lista de actualizaciones: " + result.last.reason + "."));
 }
 
 // A list that cannot be read is as bad as one that did not come.
@@ -249,10 +244,6 @@ RunOutcome UpdateCheck::Complete(int& line) {
   RemoveLooseBitmaps();
   if (!MayGoOn()) return Interrupted();
   line = 160;
-  return StartGame();
-}
-
-RunOutcome UpdateCheck::StartGame() {
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
   return {End::GameStarted, {}, {}};
 }

@@ -11,6 +11,7 @@
 #include "update/download.hpp"
 #include "update/game_launch.hpp"
 #include "update/index_stage.hpp"
+#include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
 #include "update/run_mode.hpp"
 #include "update/trust.hpp"
@@ -39,6 +40,7 @@ class UpdateCheck {
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
+    InstalledGame& installed;
   };
 
   explicit UpdateCheck(const Collaborators& with) : with_(with) {}
@@ -56,7 +58,6 @@ class UpdateCheck {
   bool MayGoOn() const { return with_.mode.MayGoOn() && !with_.trust.Outdated(); }
   Ended PatchStage(int& line, bool hostInDoubt);
   Ended AcceptPublication();
-  RunOutcome OfferGame(const std::string& why);
   Ended FetchCounts(PatchCounts& remote, PatchCounts& local, int& line);
   Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
   Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
@@ -64,8 +65,8 @@ class UpdateCheck {
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
-  RunOutcome StartGame();
   RunOutcome Interrupted() const;
+  RunOutcome OfferGame(const RunOutcome& stopped);
   void RemoveLooseBitmaps();
   void RemoveScratch();
   void Show(const char* status);

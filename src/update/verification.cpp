@@ -17,7 +17,8 @@ using Clock = std::chrono::steady_clock;
 constexpr unsigned kMostWorkers = 8;
 constexpr std::size_t kMostLanes = 16;
 constexpr std::size_t kMostClaimed = 64;
-constexpr std::size_t kClaimsLeft = 4;  // of each worker at the present pace, so that all end together
+constexpr std::size_t kMostAtOnce = 256;  // proofs handed on together
+constexpr std::size_t kClaimsLeft = 4;    // of each worker at the present pace, so that all end together
 constexpr auto kPublishEvery = std::chrono::milliseconds(1);
 constexpr std::uint32_t kWaitMs = 100;
 
@@ -125,18 +126,18 @@ class Verification::Worker : public util::Md5Messages {
   Clock::time_point published_ = Clock::now();
 };
 
-Verification::Verification(std::string folder, std::vector<std::string_view> names,
-                           const DigestRecord& record, platform::EventLoop& events,
-                           const startup::Lifetime& lifetime)
+Verification::Verification(std::string folder, std::size_t count, NameOf nameOf, const DigestRecord& record,
+                           platform::EventLoop& events, const startup::Lifetime& lifetime)
     : folder_(std::move(folder)),
-      names_(std::move(names)),
+      nameOf_(std::move(nameOf)),
       record_(record),
       events_(events),
       lifetime_(lifetime),
-      proofs_(names_.size()) {
+      proofs_(count),
+      known_(count) {
   PlanLooks();
   // A few long files are better shared out than digested all by the first worker.
-  const std::size_t share = (names_.size() + WorkerCount() - 1) / WorkerCount();
+  const std::size_t share = (unproved_.size() + toLookAt_.size() + WorkerCount() - 1) / WorkerCount();
   const std::size_t lanes = std::clamp<std::size_t>(share, 1, std::min(util::Md5LaneCount(), kMostLanes));
   for (std::size_t i = 0; i < WorkerCount(); ++i)
     workers_.emplace_back([this, lanes](std::stop_token stop) { Worker(*this, std::move(stop)).Run(lanes); });
@@ -150,30 +151,31 @@ Verification::~Verification() {
 // first appear.
 void Verification::PlanLooks() {
   Indices& files = record_.Empty() ? unproved_ : toLookAt_;
-  for (std::uint32_t i = 0; i < names_.size(); ++i) {
-    if (names_[i].empty()) {
-      proofs_[i].emplace();
+  files.reserve(proofs_.size());
+  for (std::uint32_t i = 0; i < proofs_.size(); ++i) {
+    if (nameOf_(i).empty()) {
+      Keep(i, {});
     } else {
       files.push_back(i);
     }
   }
   std::unordered_map<std::string_view, std::size_t> ranks;
-  for (const std::uint32_t i : toLookAt_) ranks.try_emplace(Parts(names_[i]).first, ranks.size());
-  const auto rank = [&](std::uint32_t i) { return ranks.find(Parts(names_[i]).first)->second; };
+  for (const std::uint32_t i : toLookAt_) ranks.try_emplace(Parts(nameOf_(i)).first, ranks.size());
+  const auto rank = [&](std::uint32_t i) { return ranks.find(Parts(nameOf_(i)).first)->second; };
   const auto before = [&](std::uint32_t a, std::uint32_t b) { return rank(a) < rank(b); };
   if (!std::is_sorted(toLookAt_.begin(), toLookAt_.end(), before))
     std::stable_sort(toLookAt_.begin(), toLookAt_.end(), before);
 }
 
 std::string Verification::PathOf(std::uint32_t index) const {
-  return folder_ + platform::kSeparator + platform::NativePath(names_[index]);
+  return folder_ + platform::kSeparator + platform::NativePath(nameOf_(index));
 }
 
 Verification::Indices Verification::ClaimFolder() {
   const auto first = toLookAt_.begin() + static_cast<std::ptrdiff_t>(looked_);
-  const std::string_view folder = Parts(names_[*first]).first;
-  const auto last =
-      std::find_if(first, toLookAt_.end(), [&](std::uint32_t i) { return Parts(names_[i]).first != folder; });
+  const std::string_view folder = Parts(nameOf_(*first)).first;
+  const auto last = std::find_if(first, toLookAt_.end(),
+                                 [&](std::uint32_t i) { return Parts(nameOf_(i)).first != folder; });
   looked_ += static_cast<std::size_t>(last - first);
   return Indices(first, last);
 }
@@ -188,14 +190,15 @@ Verification::Indices Verification::ClaimUnproved() {
 
 Verification::Indices Verification::LookUp(const Indices& files) {
   std::vector<std::string_view> names;
-  for (const std::uint32_t i : files) names.push_back(Parts(names_[i]).second);
+  for (const std::uint32_t i : files) names.push_back(Parts(nameOf_(i)).second);
   const std::string path = PathOf(files.front());
   const auto stamps = platform::StampsOf(platform::FolderOf(path), names);
   Indices others;
   Proofs proofs;
   for (std::size_t at = 0; at < files.size(); ++at) {
+    if (proofs.size() == kMostAtOnce) Publish(proofs);
     const std::optional<platform::FileStamp>& stamp = stamps[at];
-    auto known = stamp ? record_.Find(names_[files[at]], *stamp) : std::nullopt;
+    auto known = stamp ? record_.Find(nameOf_(files[at]), *stamp) : std::nullopt;
     if (stamp && !known) {
       others.push_back(files[at]);
     } else {
@@ -228,13 +231,26 @@ Verification::Indices Verification::Claim() {
   }
 }
 
+void Verification::Keep(std::size_t index, const FileProof& proof) {
+  proofs_[index] = {proof.digest.value_or(util::Md5Digest{}), proof.stamp.value_or(platform::FileStamp{})};
+  known_[index] = static_cast<std::uint8_t>(kProved | (proof.digest ? kDigest : 0) |
+                                            (proof.recorded ? kRecorded : 0) | (proof.stamp ? kStamp : 0));
+}
+
+FileProof Verification::KeptProof(std::size_t index) const {
+  const auto& [digest, stamp] = proofs_[index];
+  const auto is = [known = known_[index]](Known what) { return (known & what) != 0; };
+  return {is(kDigest) ? std::optional(digest) : std::nullopt, is(kRecorded),
+          is(kStamp) ? std::optional(stamp) : std::nullopt};
+}
+
 void Verification::Publish(Proofs& proofs) {
   bool wake = false;
   {
     const std::lock_guard lock(mutex_);
     for (auto& [index, proof] : proofs) {
       wake = wake || index == awaited_;
-      proofs_[index] = std::move(proof);
+      Keep(index, proof);
     }
   }
   proofs.clear();
@@ -246,7 +262,7 @@ FileProof Verification::Take(std::size_t index) {
     {
       const std::lock_guard lock(mutex_);
       awaited_ = index;
-      if (proofs_[index]) return *proofs_[index];
+      if (known_[index]) return KeptProof(index);
     }
     if (lifetime_.Ending()) return {};
     events_.WaitEvents(kWaitMs);

@@ -3,6 +3,7 @@
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -25,8 +26,7 @@ struct FileProof {
   bool recorded = false;                     // the record vouched for it; nothing was read
   std::optional<platform::FileStamp> stamp;  // of the bytes digested; none when they changed meanwhile
 
-  // Whether the file has this digest, 32 characters in lower case.
-  bool Has(std::string_view hex) const { return digest && digest == util::Md5Digest::FromHex(hex); }
+  bool Has(const util::Md5Digest& wanted) const { return digest == wanted; }
 };
 
 // Digests of many files, computed on worker threads ahead of the interface thread, which takes them in order.
@@ -34,13 +34,18 @@ struct FileProof {
 // others are read, several side by side on each thread.
 class Verification {
  public:
-  // `names`: of files below `folder` as the record has them; those that are empty are passed over. What is
-  // passed in by reference, and what the names stand on, is touched by nobody while this lives.
-  Verification(std::string folder, std::vector<std::string_view> names, const DigestRecord& record,
+  // Of a file below `folder` as the record has it; empty when the file is to be passed over. Asked on several
+  // threads at once.
+  using NameOf = std::function<std::string_view(std::size_t index)>;
+
+  // What is passed in by reference, and what the names stand on, is touched by nobody until the last proof
+  // was taken or this is gone.
+  Verification(std::string folder, std::size_t count, NameOf nameOf, const DigestRecord& record,
                platform::EventLoop& events, const startup::Lifetime& lifetime);
   ~Verification();  // stops the workers promptly
 
-  // The proof of a file, events being handled until it is there; an empty one when the program ends.
+  // The proof of a file, events being handled until it is there; an empty one when the program ends. May be
+  // asked for again.
   FileProof Take(std::size_t index);
 
  private:
@@ -48,7 +53,16 @@ class Verification {
   using Indices = std::vector<std::uint32_t>;
   using Proofs = std::vector<std::pair<std::uint32_t, FileProof>>;
 
+  // A proof in half the room; what is known of it stands elsewhere.
+  struct Kept {
+    util::Md5Digest digest;
+    platform::FileStamp stamp;
+  };
+  enum Known : std::uint8_t { kProved = 1, kDigest = 2, kRecorded = 4, kStamp = 8 };
+
   void PlanLooks();
+  void Keep(std::size_t index, const FileProof& proof);
+  FileProof KeptProof(std::size_t index) const;
   Indices ClaimFolder();  // files of one folder; both are to be called with the mutex locked
   Indices ClaimUnproved();
   Indices LookUp(const Indices& files);  // publishes what the record vouches for; the others
@@ -57,7 +71,7 @@ class Verification {
   std::string PathOf(std::uint32_t index) const;
 
   const std::string folder_;
-  const std::vector<std::string_view> names_;
+  const NameOf nameOf_;
   const DigestRecord& record_;
   platform::EventLoop& events_;
   const startup::Lifetime& lifetime_;
@@ -69,7 +83,8 @@ class Verification {
   Indices unproved_;         // to be read
   std::size_t claimed_ = 0;
   std::size_t awaited_ = 0;
-  std::vector<std::optional<FileProof>> proofs_;
+  std::vector<Kept> proofs_;
+  std::vector<std::uint8_t> known_;    // of each of them
   std::vector<std::jthread> workers_;  // last: joined before what they use goes away
 };
 

@@ -4,15 +4,17 @@
 #include <charconv>
 
 #include "base/text.hpp"
+#include "web/http_date.hpp"
 
 namespace web {
 namespace {
 
 constexpr std::size_t kMostAnswers = 16;
 constexpr std::size_t kLongestText = 256 * 1024;
-constexpr std::size_t kLongestTag = 256;
+constexpr std::size_t kLongestHeader = 256;
 // A slip of the operator must not silence the news for a year.
 constexpr std::uint64_t kLongestSeconds = 24 * 3600;
+constexpr std::uint64_t kLongestGuess = 30;  // seconds that a server which says nothing may be spared
 
 struct Directives {
   bool store = true;
@@ -26,10 +28,29 @@ std::uint64_t Seconds(std::string_view digits) {
   return end == digits.data() ? 0 : std::min(value, kLongestSeconds);
 }
 
+// How long an answer may be taken for fresh about which its server says nothing (RFC 9111, 4.2.2): a tenth of
+// its age when it was sent, or the most there is when only its tag shows that it is a file.
+std::uint64_t GuessedSeconds(const platform::HttpHead& head) {
+  const auto changed = FromHttpDate(head.Header("last-modified")), sent = FromHttpDate(head.Header("date"));
+  if (!changed) return head.Header("etag").empty() ? 0 : kLongestGuess;
+  if (!sent || *sent < *changed) return 0;
+  return std::min<std::uint64_t>(static_cast<std::uint64_t>(*sent - *changed) / 10, kLongestGuess);
+}
+
+// Of an answer without Cache-Control; an Expires that is no date means "expired" (RFC 9111, 5.3).
+std::uint64_t SecondsWithoutControl(const platform::HttpHead& head) {
+  const std::string expires = head.Header("expires");
+  if (expires.empty()) return GuessedSeconds(head);
+  const auto ends = FromHttpDate(expires), sent = FromHttpDate(head.Header("date"));
+  if (!ends || !sent || *ends <= *sent) return 0;
+  return std::min(static_cast<std::uint64_t>(*ends - *sent), kLongestSeconds);
+}
+
 Directives DirectivesOf(const platform::HttpHead& head) {
   Directives directives;
   bool mustAsk = false;
   const std::string control = base::Lower(head.Header("cache-control"));
+  if (control.empty()) directives.seconds = SecondsWithoutControl(head);
   for (const std::string_view piece : base::Split(control, ',')) {
     const std::string_view directive = base::Trim(piece);
     if (directive == "no-store") directives.store = false;
@@ -42,6 +63,29 @@ Directives DirectivesOf(const platform::HttpHead& head) {
   return directives;
 }
 
+std::uint64_t FreshUntil(const platform::HttpHead& head, std::uint64_t now) {
+  const std::uint64_t seconds = DirectivesOf(head).seconds;
+  return seconds == 0 ? 0 : now + seconds * 1000;
+}
+
+// What a 304 does not repeat holds as it was said before.
+platform::HttpHead Remembered(const platform::HttpHead& head, const platform::HttpHead& before) {
+  platform::HttpHead kept;
+  for (const char* name : {"cache-control", "age", "date", "expires", "etag", "last-modified"}) {
+    std::string value = head.Header(name);
+    if (value.empty()) value = before.Header(name);
+    if (value.size() <= kLongestHeader) kept.headers.emplace_back(name, std::move(value));
+  }
+  return kept;
+}
+
+AnswerCache::Headers ConditionsOf(const platform::HttpHead& head) {
+  if (const std::string tag = head.Header("etag"); !tag.empty()) return {{"If-None-Match", tag}};
+  const std::string changed = head.Header("last-modified");
+  if (FromHttpDate(changed)) return {{"If-Modified-Since", changed}};
+  return {};
+}
+
 }  // namespace
 
 std::optional<std::string> AnswerCache::Fresh(const std::string& url, std::uint64_t now) const {
@@ -52,23 +96,21 @@ std::optional<std::string> AnswerCache::Fresh(const std::string& url, std::uint6
 
 AnswerCache::Headers AnswerCache::Conditions(const std::string& url) const {
   const auto found = kept_.find(url);
-  if (found == kept_.end() || found->second.tag.empty()) return {};
-  return {{"If-None-Match", found->second.tag}};
+  return found == kept_.end() ? Headers{} : ConditionsOf(found->second.head);
 }
 
 std::string AnswerCache::Take(const std::string& url, const platform::HttpHead& head, std::string text,
                               std::uint64_t now) {
-  const Directives directives = DirectivesOf(head);
-  const std::uint64_t freshUntil = directives.seconds == 0 ? 0 : now + directives.seconds * 1000;
   const auto found = kept_.find(url);
   if (head.status == 304 && found != kept_.end()) {
-    found->second.freshUntil = freshUntil;
-    return found->second.text;
+    Kept& kept = found->second;
+    kept.head = Remembered(head, kept.head);
+    kept.freshUntil = FreshUntil(kept.head, now);
+    return kept.text;
   }
-  Kept answer{text, head.Header("etag"), freshUntil};
-  if (answer.tag.size() > kLongestTag) answer.tag.clear();
-  const bool reusable = !answer.tag.empty() || freshUntil != 0;
-  if (head.status == 200 && directives.store && reusable && text.size() <= kLongestText) {
+  Kept answer{text, Remembered(head, {}), FreshUntil(head, now)};
+  const bool reusable = answer.freshUntil != 0 || !ConditionsOf(answer.head).empty();
+  if (head.status == 200 && DirectivesOf(head).store && reusable && text.size() <= kLongestText) {
     Keep(url, std::move(answer));
   } else {
     Forget(url);

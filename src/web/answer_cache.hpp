@@ -11,9 +11,10 @@
 
 namespace web {
 
-// Answers that their server declared reusable (RFC 9111: "Cache-Control: max-age", "ETag"). A query that is
-// repeated every two seconds by every open launcher is served from here as long as the server says so, and
-// costs it a 304 afterwards. In memory only; times are milliseconds of platform::Clock.
+// Answers that their server declared reusable (RFC 9111: "Cache-Control: max-age", "Expires", "ETag",
+// "Last-Modified"), or says nothing about although they are files. A query that is repeated every two seconds
+// by every open launcher is served from here as long as that holds, and costs it a 304 afterwards. In memory
+// only; times are milliseconds of platform::Clock.
 class AnswerCache {
  public:
   using Headers = std::vector<std::pair<std::string, std::string>>;
@@ -33,7 +34,7 @@ class AnswerCache {
  private:
   struct Kept {
     std::string text;
-    std::string tag;               // empty: cannot be revalidated
+    platform::HttpHead head;       // what it says of the answer's age and of how to ask for it again
     std::uint64_t freshUntil = 0;  // 0: must be revalidated
   };
 

@@ -2,7 +2,6 @@
 
 #include "base/numeric.hpp"
 #include "base/text.hpp"
-#include "web/attempts.hpp"
 #include "web/host_selection.hpp"
 
 namespace modGeneral {
@@ -35,20 +34,18 @@ bool HostSelection::TakeAddress(const std::string& body) {
   return true;
 }
 
-// Only a dotted address ends the attempts early; an address of the other kind is taken from the answer that
-// is there when they are used up.
+// A whole answer ends the attempts, whatever stands in it.
 std::string HostSelection::ClientAddressQuery() {
   if (ServerDate.empty() || PublicAddress.empty()) {
-    web::Attempts attempts(services_.lifetime, ServerDate.empty() ? 0 : 1);
+    web::Attempts attempts(services_, budget_, ServerDate.empty() ? 0 : 1);
     const std::string url = AddressQueryUrl();
-    std::string body;
-    bool first = true;
-    while (attempts.Next()) {
-      body = (first ? transfers_.GetHttpText(url) : inet_.OpenURL(url)).text;
-      first = false;
-      if (web::IsDottedAddress(base::Field(body, 2, '-'))) break;
+    web::TextAnswer answer;
+    answer.report.outcome.error = platform::HttpError::Cancelled;
+    for (bool first = true; !answer.report.Arrived() && attempts.Next(); first = false) {
+      const web::TextOptions options{.wholeLimitMs = attempts.LimitMs()};
+      answer = first ? transfers_.GetHttpText(url, options) : inet_.OpenURL(url, options);
     }
-    if (!TakeAddress(body)) return {};
+    if (!TakeAddress(answer.text)) return {};
   }
   return ServerDate + "-" + PublicAddress;
 }

@@ -35,12 +35,14 @@ auto WordsOf(const char* procedure) {
 
 HostSelection::HostSelection(const startup::Services& services, controls::MainWindow& frmMain,
                              web::Inet1& inet, web::smodXmlHttp& transfers, web::Hosts& hosts,
+                             web::ScriptBudget& budget,
                              const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs)
     : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       transfers_(transfers),
       hosts_(hosts),
+      budget_(budget),
       probeLimitsMs_(probeLimitsMs) {}
 
 void HostSelection::RestoreHosts() {
@@ -105,6 +107,7 @@ void HostSelection::ComenzarActualizacion(const std::function<bool()>& mayGoOn) 
       if (!goOn()) return;
       SwitchURL();
       if (round.left > 0) continue;
+      if (ringSilent) ringSilent();
       PauseBetweenRounds(goOn);
       round.left = BeginRound().left + 1;
     }

@@ -11,6 +11,7 @@
 #include "web/Inet1.hpp"
 #include "web/answer_cache.hpp"
 #include "web/download_state.hpp"
+#include "web/script_budget.hpp"
 #include "web/smodXmlHttp.hpp"
 
 namespace modGeneral {
@@ -32,7 +33,7 @@ struct Round {
 class HostSelection {
  public:
   HostSelection(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
-                web::smodXmlHttp& transfers, web::Hosts& hosts,
+                web::smodXmlHttp& transfers, web::Hosts& hosts, web::ScriptBudget& budget,
                 const std::array<std::uint32_t, kProbeAttempts>& probeLimitsMs = kProbeLimitsMs);
 
   // Fills the hosts from the settings store.
@@ -40,6 +41,10 @@ class HostSelection {
 
   // Advances to the next usable mirror of the ring; without any the hosts stay as they are.
   void SwitchURL();
+
+  // Called when a whole round of ComenzarActualizacion had no answer, before the pause that follows it. May
+  // be empty.
+  std::function<void()> ringSilent;
 
   // Walks the ring until a mirror answers its probe, then persists it. Rounds without an answer follow each
   // other more and more slowly (1, 2, 4 ... 30 s and a random share), Hurry begins the next one at once.
@@ -78,6 +83,7 @@ class HostSelection {
   web::Inet1& inet_;
   web::smodXmlHttp& transfers_;
   web::Hosts& hosts_;
+  web::ScriptBudget& budget_;
   std::array<std::uint32_t, kProbeAttempts> probeLimitsMs_;
   web::AnswerCache cache_;  // of good probes
   std::size_t place_ = 0;   // in the ring, of the mirror chosen last

@@ -16,7 +16,7 @@ class NewsQuery {
 
   NewsQuery(const startup::Services& services, controls::MainWindow& frmMain, Inet1& inet,
             smodXmlHttp& transfers, const Hosts& hosts, modGeneral::HostSelection& selection,
-            modGeneral::ServerList& servers);
+            modGeneral::ServerList& servers, ScriptBudget& budget);
 
   void Timer_Timer();
 
@@ -28,6 +28,7 @@ class NewsQuery {
 
  private:
   TextAnswer Ask(const std::function<bool()>& goOn);
+  void PauseAfter(const TextAnswer& answer);
   void TakeNews(const std::string& answer);
 
   const startup::Services& services_;
@@ -37,9 +38,12 @@ class NewsQuery {
   const Hosts& hosts_;
   modGeneral::HostSelection& selection_;
   modGeneral::ServerList& servers_;
+  ScriptBudget& budget_;
   AnswerCache cache_;
   std::string lastTitle_;
-  std::string refused_;  // the last answer that could not be read, which was told
+  std::string refused_;        // the last answer that could not be read, which was told
+  std::uint32_t pauseMs_ = 0;  // of the last failure
+  std::uint64_t askFrom_ = 0;  // in milliseconds of the clock
   std::int16_t ticks_ = 0;
   bool shown_ = false;
 };

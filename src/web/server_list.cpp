@@ -5,7 +5,6 @@
 #include "base/numeric.hpp"
 #include "base/text.hpp"
 #include "startup/procedure.hpp"
-#include "web/attempts.hpp"
 
 namespace modGeneral {
 namespace {
@@ -13,6 +12,10 @@ namespace {
 // No more records of an answer are kept: three are shown, and an answer of nothing but separators would fill
 // the memory.
 constexpr std::size_t kMostServers = 256;
+
+// An answer that no header keeps fresh is not asked for at each tick, which is a third of what an open
+// launcher costs its mirror.
+constexpr std::uint64_t kShortestAgeMs = 30'000;
 
 constexpr const char* kOnline = "ONLINE";
 constexpr controls::Colour kRed = 255;
@@ -59,33 +62,24 @@ auto WordsOf(const char* procedure) {
 }  // namespace
 
 ServerList::ServerList(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
-                       web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection)
+                       web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection,
+                       web::ScriptBudget& budget)
     : services_(services),
       frmMain_(frmMain),
       inet_(inet),
       transfers_(transfers),
       hosts_(hosts),
-      selection_(selection) {}
+      selection_(selection),
+      budget_(budget) {}
 
 std::string ServerList::GetServersList() {
   std::string answer;
   const auto body = [&](int& line) {
     line = 10;
-    answer = Ask();
+    answer = Ask().text;
     if (answer.empty() || answer == refused_) return;
-    line = 20;
-    refused_ =
-        answer;  // until it is known to be good; the news timer brings the same answer every two seconds
-    Parse(answer);
-    refused_.clear();
-    line = 30;
-    SetCaptions(servers_.empty() ? "Servidor Web no Disponible." : "");
+    Take(answer, line);
     if (servers_.empty()) return;
-    line = 40;
-    for (std::size_t i = 0; i < servers_.size(); ++i) {
-      // The second record is kept whatever its state.
-      if (IsOnline(servers_[i]) || i == 1) serverListText_ += RecordOf(servers_[i]);
-    }
     line = 50;
     if (listParsed_) {
       OrderLblServerList();
@@ -97,17 +91,52 @@ std::string ServerList::GetServersList() {
   return answer;
 }
 
+void ServerList::Take(const std::string& answer, int& line) {
+  line = 20;
+  refused_ = answer;  // until it is known to be good; the news timer brings the same answer every two seconds
+  Parse(answer);
+  refused_.clear();
+  line = 30;
+  SetCaptions(servers_.empty() ? "Servidor Web no Disponible." : "");
+  line = 40;
+  serverListText_.clear();
+  for (std::size_t i = 0; i < servers_.size(); ++i) {
+    // The second record is kept whatever its state.
+    if (IsOnline(servers_[i]) || i == 1) serverListText_ += RecordOf(servers_[i]);
+  }
+}
+
+// An answer that is no list changes nothing once there is one: what the player sees was true a minute ago.
+void ServerList::KeepFresh() {
+  const auto body = [&](int& line) {
+    line = 10;
+    const std::uint64_t now = services_.host.clock.Milliseconds();
+    if (askedAt_ && now - *askedAt_ < kShortestAgeMs) return;
+    if (serverListText_.empty()) return void(GetServersList());
+    const web::TextAnswer answer = Ask();
+    const bool list = answer.report.Arrived() && answer.head.status < 300 && base::Contains(answer.text, "|");
+    if (!list || answer.text == shown_ || answer.text == refused_) return;
+    Take(answer.text, line);
+    line = 50;
+    shown_ = answer.text;
+    OrderLblServerList();
+  };
+  startup::Guarded(services_.recorder, body, WordsOf("GetServersList"));
+}
+
 // The two ways of fetching take turns.
-std::string ServerList::Ask() {
+web::TextAnswer ServerList::Ask() {
   const bool secondHost = services_.deployment.IsSecondHost(hosts_.WebBaseURL);
   const std::string url =
       hosts_.WebBaseURL + "../../web/include/info.php" + (secondHost ? "" : "?op=complete");
-  const web::TextOptions options{.cache = &cache_};
-  web::Attempts attempts(services_.lifetime);
-  std::string answer;
-  for (bool viaInet = secondHost; answer.empty() && attempts.Next(); viaInet = !viaInet) {
-    answer = (viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options)).text;
+  web::Attempts attempts(services_, budget_);
+  web::TextAnswer answer;
+  answer.report.outcome.error = platform::HttpError::Cancelled;
+  for (bool viaInet = secondHost; !answer.report.Arrived() && attempts.Next(); viaInet = !viaInet) {
+    const web::TextOptions options{.wholeLimitMs = attempts.LimitMs(), .cache = &cache_};
+    answer = viaInet ? inet_.OpenURL(url, options) : transfers_.GetHttpText(url, options);
   }
+  askedAt_ = services_.host.clock.Milliseconds();
   return answer;
 }
 

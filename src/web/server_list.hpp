@@ -24,10 +24,13 @@ struct Server {
 class ServerList {
  public:
   ServerList(const startup::Services& services, controls::MainWindow& frmMain, web::Inet1& inet,
-             web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection);
+             web::smodXmlHttp& transfers, const web::Hosts& hosts, HostSelection& selection,
+             web::ScriptBudget& budget);
 
-  // Asks, parses, shows; adds the servers that are up to Text. The raw answer, empty when nothing arrived.
+  // Asks, parses, shows; Text then holds the servers that are up. The raw answer, empty when nothing arrived.
   std::string GetServersList();
+  // Asks, at most twice a minute and not while the last answer is fresh, and shows what changed.
+  void KeepFresh();
   void OrderLblServerList();
   // Replaces the servers; an answer without any "|" leaves them and chooses the host anew. Raises 6
   // (Overflow) for a number that its field cannot hold, the servers being left as well.
@@ -37,7 +40,8 @@ class ServerList {
   const std::vector<Server>& Servers() const { return servers_; }
 
  private:
-  std::string Ask();
+  web::TextAnswer Ask();
+  void Take(const std::string& answer, int& line);
   void SetCaptions(const char* caption);
 
   const startup::Services& services_;
@@ -46,11 +50,14 @@ class ServerList {
   web::smodXmlHttp& transfers_;
   const web::Hosts& hosts_;
   HostSelection& selection_;
+  web::ScriptBudget& budget_;
   web::AnswerCache cache_;
   std::vector<Server> servers_;
   bool listParsed_ = false;
   std::string serverListText_;
-  std::string refused_;  // the last answer that could not be parsed, which was told
+  std::string refused_;                   // the last answer that could not be parsed, which was told
+  std::string shown_;                     // the last answer that KeepFresh showed
+  std::optional<std::uint64_t> askedAt_;  // in milliseconds of the clock
 };
 
 }  // namespace modGeneral

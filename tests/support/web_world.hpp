@@ -54,9 +54,10 @@ struct WebWorld : TestServices {
   web::Hosts hosts;
   web::smodXmlHttp transfers{services, frmMain, state, hosts};
   web::Inet1 inet{services};
-  modGeneral::HostSelection selection{services, frmMain, inet, transfers, hosts, {500, 500, 500}};
-  modGeneral::ServerList servers{services, frmMain, inet, transfers, hosts, selection};
-  web::NewsQuery news{services, frmMain, inet, transfers, hosts, selection, servers};
+  web::ScriptBudget scripts{std::chrono::milliseconds(700)};
+  modGeneral::HostSelection selection{services, frmMain, inet, transfers, hosts, scripts, {500, 500, 500}};
+  modGeneral::ServerList servers{services, frmMain, inet, transfers, hosts, selection, scripts};
+  web::NewsQuery news{services, frmMain, inet, transfers, hosts, selection, servers, scripts};
 };
 
 }  // namespace support

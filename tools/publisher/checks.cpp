@@ -110,26 +110,30 @@ void Examination::CheckPatches() {
 void Examination::CheckIndex() {
   update::IndexFile index;
   Examine(names::kIndex, [&](const std::string& path) { index = ReadIndex(path); });
+  const std::string called = files_.Called(names::kIndex);
+  for (const update::IndexFile::Refusal& refusal : index.Refusals())
+    findings_.Problem(called + ": launchers refuse \"" + refusal.path + "\": " + refusal.why);
+  if (index.RefusedCount() > index.Refusals().size())
+    findings_.Problem(called + ": launchers refuse " + std::to_string(index.RefusedCount()) +
+                      " records in all");
   std::set<std::string> seen;
   std::uint64_t total = 0;
-  for (const update::IndexRecord& record : index.Records()) {
-    if (!seen.insert(base::UpperLatin(record.path)).second) {
-      findings_.Problem(files_.Called(names::kIndex) + ": it names \"" + record.path + "\" twice");
-    }
-    total += files_.SizeOf(names::Packed(record.inBin));
+  for (std::size_t i = 0; i < index.Count(); ++i) {
+    const update::IndexRecord record = index[i];
+    if (record.inBin.empty()) continue;
+    if (!seen.insert(base::UpperLatin(record.inBin)).second)
+      findings_.Problem(called + ": it names \"" + record.Path() + "\" twice");
+    total += files_.SizeOf(names::Packed(std::string(record.inBin)));
   }
   Progress progress(console_, "checking Bin", total);
-  ForEachParallel(index.Records().size(), [&](std::size_t i) { CheckRecord(index.Records()[i], progress); });
+  ForEachParallel(index.Count(), [&](std::size_t i) { CheckRecord(index[i], progress); });
 }
 
 void Examination::CheckRecord(const update::IndexRecord& record, Progress& progress) {
-  if (!record.refusal.empty()) {
-    return findings_.Problem(files_.Called(names::kIndex) + ": launchers refuse \"" + record.path +
-                             "\": " + record.refusal);
-  }
-  if (!record.HasDigest()) return;
-  Examine(names::Packed(record.inBin), [&](const std::string& packed) {
-    if (ContentOfPacked(packed).digest != record.digest) throw Failure("it is not the file of the index");
+  if (record.inBin.empty() || !record.hasDigest) return;
+  Examine(names::Packed(std::string(record.inBin)), [&](const std::string& packed) {
+    if (ContentOfPacked(packed).digest != record.digest.Hex())
+      throw Failure("it is not the file of the index");
     progress.Add(SizeOf(packed));
   });
 }

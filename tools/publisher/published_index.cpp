@@ -24,8 +24,10 @@ std::map<std::string, std::string> PublishedDigests(const Layout& layout) {
   std::map<std::string, std::string> digests;
   if (!platform::IsFile(layout.Index())) return digests;
   const update::IndexFile index = ReadIndex(layout.Index());
-  for (const update::IndexRecord& record : index.Records()) {
-    if (record.refusal.empty()) digests[record.inBin] = record.HasDigest() ? record.digest : "";
+  for (std::size_t i = 0; i < index.Count(); ++i) {
+    const update::IndexRecord record = index[i];
+    if (!record.inBin.empty())
+      digests[std::string(record.inBin)] = record.hasDigest ? record.digest.Hex() : "";
   }
   return digests;
 }
