@@ -38,7 +38,7 @@ target_compile_options(demo_client PRIVATE -Wall -Wextra -Werror)
 target_compile_definitions(demo_client PRIVATE UNICODE _UNICODE)
 target_link_options(demo_client PRIVATE -municode -s)
 
-# What bench/start-up measures with.
+# What bench/start measures with.
 add_executable(empty_window WIN32 ${CMAKE_SOURCE_DIR}/bench/empty_window/main.cpp)
 add_executable(window_probe ${CMAKE_SOURCE_DIR}/bench/window_probe/main.cpp)
 foreach(program empty_window window_probe)

@@ -2,7 +2,9 @@
 #include "base/runtime_error.hpp"
 #include "base/text.hpp"
 #include "launcher.hpp"
+#include "platform/crash_reports.hpp"
 #include "platform/files.hpp"
+#include "platform/user_folders.hpp"
 #include "startup/launcher_settings.hpp"
 #include "startup/procedure.hpp"
 
@@ -30,9 +32,11 @@ void Launcher::Main() {
 
 void Launcher::StartUp(int& line) {
   line = 10;
-  PrepareFolders();
+  ProbeFolder();
+  if (flags_.FolderWritable) PrepareFolders();
   ReportDeployment();
   if (lifetime_.Ending()) return;
+  TellOfCrash();
   line = 30;
   EndStaleClient();
   line = 60;
@@ -40,12 +44,7 @@ void Launcher::StartUp(int& line) {
   line = 70;
   sounds_.Load();
   line = 80;
-  AttemptAndNote("Kelvarin.exe.manifest", [this] { CopyManifest(); });
-  line = 90;
-  AttemptAndNote("RECURSOS\\INIT\\UPDATE", [this] {
-    const std::string scratch = folders_.InitDir + platform::NativePath("\\UPDATE");
-    if (!platform::IsFolder(scratch)) platform::MakeFolder(scratch);
-  });
+  if (flags_.FolderWritable) PrepareScratch();
   line = 100;
   ShowMainWindow();
   if (lifetime_.Ending() || !mainForm_.Loaded()) return;
@@ -67,6 +66,27 @@ void Launcher::AttemptAndNote(const char* what, const std::function<void()>& ste
   }
 }
 
+// A complete game needs nothing written: without the right to, only what would be written has to be left out.
+void Launcher::ProbeFolder() {
+  flags_.FolderWritable = platform::CanWriteTo(folders_.AppPath);
+  if (flags_.FolderWritable) return;
+  recorder_.Note("Sin permiso para escribir en " + folders_.AppPath);
+  const std::string own = platform::LocalDataFolder();
+  if (own.empty()) return;
+  AttemptAndNote(own.c_str(), [&] {
+    platform::MakeFolders(own);
+    folders_.FetchDir = own;
+  });
+}
+
+void Launcher::PrepareScratch() {
+  AttemptAndNote("Kelvarin.exe.manifest", [this] { CopyManifest(); });
+  AttemptAndNote("RECURSOS\\INIT\\UPDATE", [this] {
+    const std::string scratch = folders_.InitDir + platform::NativePath("\\UPDATE");
+    if (!platform::IsFolder(scratch)) platform::MakeFolder(scratch);
+  });
+}
+
 // A folder that holds only the program can be installed into.
 void Launcher::PrepareFolders() {
   for (const std::string& folder :
@@ -79,6 +99,16 @@ void Launcher::ReportDeployment() {
   for (const std::string& problem : startup::ProblemsOf(deployment_)) recorder_.LogError(problem);
   // Without a mirror the search for one would last for ever, and nobody is there to end it.
   if (flags_.UpdatesOnly && !deployment_.AnyUsable()) lifetime_.End(1);
+}
+
+// Where nobody reads it, the next start with a window tells.
+void Launcher::TellOfCrash() {
+  if (flags_.UpdatesOnly) return;
+  const std::string report = platform::TakeCrashReport(platform::CrashFolder());
+  if (report.empty()) return;
+  host_.dialogs.Show(
+      "El launcher se cerró por un error la última vez. Reporta esto mediante el soporte WEB en " +
+      deployment_.support + " y adjunta este archivo:\r\n" + report);
 }
 
 bool Launcher::IsProcessNameRunning(const std::string& imageName) {
@@ -111,6 +141,7 @@ void Launcher::EndStaleClient() {
 void Launcher::MeetOtherInstances() {
   const bool another = instance_.HeldByAnother();
   if (another) {
+    screen_.LetOthersComeToFront();
     host_.settings.Set(keys::kApplication, keys::kConfig, keys::kShow, "1");
     if (flags_.IsLauncherExe) host_.dialogs.Show("Se encontró otra instancia del launcher abierta.");
   }

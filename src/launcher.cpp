@@ -49,15 +49,18 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
       libraries_(services_, frmMain_,
                  [this](const std::string& inBin) { return index_.PublishedDigest(inBin); }),
       launch_(services_, libraries_, [this] { CloseLauncher(); }),
+      rights_(services_, instance_, start.executable, start.commandLine, [this] { HandOver(); }),
       installed_(services_, launch_),
       check_({services_, mode_, instance_, frmMain_, state_, hosts_, inet_, selection_, mirrors_, trust_,
-              counters_, download_, index_, installation_, launch_, installed_}),
-      repair_(services_, counters_, [this] { mode_.RepairConfirmed(); }),
+              counters_, download_, index_, installation_, launch_, rights_, installed_}),
+      repair_(services_, counters_, rights_, [this] { mode_.RepairConfirmed(); }),
       settingsServices_{services_, screen_, gameIni_, sounds_},
       options_(settingsServices_),
       notify_(services_, screen_),
       mainForm_(services_, hosts_, screen_, frmMain_, WindowActions()),
+      network_([this] { selection_.NetworkChanged(); }),
       closeBoxes_(lifetime_.Token(), [this] { host_.dialogs.CloseAll(); }) {
+  screen_.resumed = [this] { selection_.NetworkChanged(); };
   selection_.ringSilent = [this] { mode_.RingSilent(); };
   inet_.StateChanged += [this](int state) { chunked_.Inet1_StateChanged(state); };
   frmMain_.tmrUpdates.Tick += [this] { mode_.tmrUpdates_Timer(); };
@@ -70,7 +73,10 @@ Launcher::Launcher(const platform::Host& host, ui::Screen& screen, const Start& 
   };
 }
 
-Launcher::~Launcher() { lifetime_.End(0); }
+Launcher::~Launcher() {
+  screen_.resumed = nullptr;
+  lifetime_.End(0);
+}
 
 ui::frmMain::Actions Launcher::WindowActions() {
   ui::frmMain::Actions actions;
@@ -82,7 +88,7 @@ ui::frmMain::Actions Launcher::WindowActions() {
   actions.GetServersList = [this] { servers_.GetServersList(); };
   actions.Iniciar = [this] { mode_.cmdIniciar_Click(); };
   actions.ReiniciarUpdates = [this] { repair_.cmdReiniciarUpdates_Click(); };
-  actions.ShowOptions = [this] { options_.Show(frmMain_); };
+  actions.ShowOptions = [this] { ShowOptions(); };
   actions.UnloadOptions = [this] { options_.Unload(); };
   actions.ClearNotify = [this] { news_.showMessage = nullptr; };
   actions.CloseLauncher = [this] { CloseLauncher(); };
@@ -90,6 +96,18 @@ ui::frmMain::Actions Launcher::WindowActions() {
     return transfers_.DownloadFile(url, file);
   };
   return actions;
+}
+
+// Without the right to write, every change would end in an error.
+void Launcher::ShowOptions() {
+  const bool asks = !flags_.FolderWritable && !options_.Window.Visible;
+  if (asks && rights_.Make("los cambios no se guardan")) return;
+  options_.Show(frmMain_);
+}
+
+void Launcher::HandOver() {
+  handedOver_ = true;
+  CloseLauncher();
 }
 
 void Launcher::CloseLauncher() {
@@ -100,11 +118,15 @@ void Launcher::CloseLauncher() {
   notify_.window.Visible = false;
   frmMain_.Visible = false;
   mainForm_.Tray().FSys_Unload();
+  if (!handedOver_) ForgetShowRequest();
+  lifetime_.End(0);
+}
+
+void Launcher::ForgetShowRequest() {
   try {
     host_.settings.Set(startup::keys::kApplication, startup::keys::kConfig, startup::keys::kShow, "0");
   } catch (const base::RuntimeError&) {  // the settings store is not worth keeping the program open for
   }
-  lifetime_.End(0);
 }
 
 // Who would rather wait need not wait for the end of the pause as well.

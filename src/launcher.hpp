@@ -5,6 +5,7 @@
 #include <string>
 
 #include "controls/main_window.hpp"
+#include "platform/network_watch.hpp"
 #include "settings/modGameIni.hpp"
 #include "settings/sound_table.hpp"
 #include "startup/instance_lock.hpp"
@@ -16,6 +17,7 @@
 #include "ui/screen.hpp"
 #include "update/chunked_transfer.hpp"
 #include "update/repair.hpp"
+#include "update/rights_offer.hpp"
 #include "update/run_mode.hpp"
 #include "update/update_check.hpp"
 #include "web/news_query.hpp"
@@ -52,8 +54,11 @@ class Launcher {
  private:
   void StartUp(int& line);
   void AttemptAndNote(const char* what, const std::function<void()>& step);
+  void ProbeFolder();
   void PrepareFolders();
+  void PrepareScratch();
   void ReportDeployment();
+  void TellOfCrash();
   void EndStaleClient();
   void MeetOtherInstances();
   void CopyManifest();
@@ -62,6 +67,9 @@ class Launcher {
   void OfferInstalledGame();
   bool IsProcessNameRunning(const std::string& imageName);
   ui::frmMain::Actions WindowActions();
+  void ShowOptions();
+  void HandOver();
+  void ForgetShowRequest();
 
   startup::Folders folders_;
   std::string executableBaseName_;
@@ -88,6 +96,8 @@ class Launcher {
   settings::modGameIni gameIni_;
   settings::SoundTable sounds_;
 
+  bool handedOver_ = false;  // another launcher, started by this one, goes on
+
   update::RunMode mode_;
   update::smodUnzip unzip_;
   update::modCompression compression_;
@@ -100,6 +110,7 @@ class Launcher {
   update::IndexStage index_;
   update::LibraryCheck libraries_;
   update::GameLaunch launch_;
+  update::RightsOffer rights_;
   update::InstalledGame installed_;
   update::UpdateCheck check_;
   update::Repair repair_;
@@ -108,6 +119,7 @@ class Launcher {
   ui::frmOpciones options_;
   ui::frmNotify notify_;
   ui::frmMain mainForm_;
+  platform::NetworkWatch network_;
   // A box that waits for an answer does not keep the program from ending.
   std::stop_callback<std::function<void()>> closeBoxes_;
 };

@@ -1,8 +1,14 @@
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <optional>
+#include <thread>
+
 #include "base/runtime_error.hpp"
 #include "controls/main_window.hpp"
 #include "platform/files.hpp"
+#include "startup/blocking.hpp"
 #include "startup/launcher_settings.hpp"
 #include "support/recording_screen.hpp"
 #include "support/test_services.hpp"
@@ -229,6 +235,31 @@ TEST_F(MainWindowTest, EveryWayOfUnloadingEndsTheProgram) {
     EXPECT_EQ(other.Visible.Get(), mode != UnloadMode::ControlMenu);
     EXPECT_TRUE(life.Ending());
   }
+}
+
+// The process may be gone as soon as the window has answered, whatever waits below it on the stack.
+TEST_F(MainWindowTest, TheEndOfTheSessionWaitsForTheWorkUnderWay) {
+  enum class Outcome { UnderWay, Finished, BrokenOff };
+  main.Form_Load(true);
+  std::atomic<Outcome> outcome = Outcome::UnderWay;
+  std::optional<Outcome> answered;
+  std::atomic<bool> begun = false;
+  host.clock.stepOnRead = 5;
+  const auto timer = host.events->Timers().Start(5, [&] {
+    if (!begun || answered) return;
+    window.QueryUnload(controls::UnloadMode::SystemShutdown);
+    answered = outcome;
+  });
+  startup::RunBlocking(services, [&](std::stop_token stop) {
+    begun = true;
+    for (int i = 0; i < 10 && !stop.stop_requested(); ++i) {
+      std::this_thread::sleep_for(std::chrono::milliseconds(20));
+    }
+    outcome = stop.stop_requested() ? Outcome::BrokenOff : Outcome::Finished;
+  });
+  host.events->Timers().Stop(timer);
+  EXPECT_EQ(answered, Outcome::Finished);
+  EXPECT_TRUE(lifetime.Ending());
 }
 
 TEST_F(MainWindowTest, ShowRequestBringsTheWindowBackAndIsAnswered) {

@@ -237,6 +237,7 @@ TEST(Serve, TellsWhereAndEndsCleanlyWhenAsked) {
   for (const int signal : {SIGTERM, SIGINT}) {
     int ends[2];
     ASSERT_EQ(pipe(ends), 0);
+    std::fflush(stdout);  // or the child would say it once more
     const pid_t child = fork();
     if (child == 0) {
       dup2(ends[1], STDOUT_FILENO);

@@ -169,10 +169,12 @@ TEST(RunMode, AnOutcomeDecidesWhatFollows) {
   EXPECT_EQ(world.window.lblEstado.Caption.Get() + world.window.restingStatus,
             "Falló: el disco.Falló: el disco.");
   EXPECT_EQ(world.window.ProgressBar1.Value.Get(), 0);
+  EXPECT_TRUE(world.window.ProgressBar1.Failed);
   EXPECT_EQ(world.window.lblVelocity.Caption.Get(), "");
   EXPECT_NE(platform::ReadWhole(world.folders.ParentDir + "Errores.log", 10'000).find("disco -lleno-"),
             std::string::npos);
   world.mode.cmdIniciar_Click();
+  EXPECT_FALSE(world.window.ProgressBar1.Failed) << "a new run has not failed yet";
   world.mode.tmrUpdates_Timer();
   EXPECT_EQ(world.doubts, (std::vector<bool>{false, true, true}))
       << "after a failure the mirror is confirmed first";

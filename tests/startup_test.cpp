@@ -1,6 +1,7 @@
 // Start-up, the error recorder and the deployment file.
 #include <gtest/gtest.h>
 
+#include "platform/crash_reports.hpp"
 #include "platform/files.hpp"
 #include "startup/error_recorder.hpp"
 #include "startup/launcher_settings.hpp"
@@ -169,6 +170,7 @@ TEST(Main, MeetsOtherInstances) {
     run.Start();
     EXPECT_EQ(shown, entry.shown);
     EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), entry.show);
+    EXPECT_EQ(run.screen.Count("Let others come to front"), entry.locked ? 1 : 0);
     EXPECT_TRUE(run.Launched().MainWindow().Visible);  // neither message ends the start-up
   }
 }
@@ -226,6 +228,23 @@ TEST(Main, ReportsAMirrorThatCannotBeUsedAndPassesItOver) {
             "Error: Deployment.ini: MIRRORS/1 no es una dirección http o https completa terminada en \"/\"; "
             "no se usará.");
   EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kLastUrl, keys::kUrl), run.mirror.Url());
+}
+
+TEST(Main, TellsOnceOfACrashWhereSomebodyReadsIt) {
+  LauncherRun run;
+  run.mirror.Publish();
+  const std::string report =
+      platform::CrashFolder() + platform::NativePath("\\crash-20991231-235959-999.txt");
+  platform::MakeFolders(platform::CrashFolder());
+  platform::WriteWhole(report, "launcher");
+  std::vector<std::string> told;
+  run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) {
+    if (dialog.text.ends_with(report)) told.push_back(dialog.text);
+  };
+  for (const char* commandLine : {"/UPDATES", "", ""}) run.Start(commandLine);
+  platform::RemoveTree(platform::CrashFolder());
+  ASSERT_EQ(told.size(), 1u);
+  EXPECT_NE(told[0].find("http://soporte.example/"), std::string::npos) << told[0];
 }
 
 TEST(Main, ClosingWritesThatNothingIsPending) {

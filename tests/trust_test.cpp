@@ -20,7 +20,7 @@ constexpr std::int64_t kDay = 24 * 3600;
 std::string Path(const std::string& piece) { return GameMirror::kBase + piece; }
 
 std::string Question(const std::string& why) {
-  return why + " ¿Deseas iniciar el juego instalado sin actualizarlo?";
+  return why + "\r\n¿Deseas iniciar el juego instalado sin actualizarlo?";
 }
 
 // What the game must look like when all went well.

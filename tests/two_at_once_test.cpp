@@ -2,6 +2,7 @@
 // lost.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <list>
 
 #include "platform/encoding.hpp"
@@ -165,7 +166,7 @@ TEST(Failures, WhoCannotUpdateMayStillPlay) {
   run.UntilEnded();
   EXPECT_EQ(run.machine.processes.started.size(), 2u);
   EXPECT_TRUE(
-      run.Shown("Ningún servidor de actualizaciones responde. ¿Deseas iniciar el juego instalado sin "
+      run.Shown("Ningún servidor de actualizaciones responde.\r\n¿Deseas iniciar el juego instalado sin "
                 "actualizarlo?"));
   EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el de antes");
 }
@@ -307,6 +308,39 @@ TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
   run.UntilEnded();
   EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
   EXPECT_TRUE(run.machine.dialogs.shown.empty());
+}
+
+// The machine slept, or its network is another one, while a run goes on: for a while no mirror can be
+// reached, and the run waits for one instead of giving up or starting a game with holes.
+TEST(Ring, ARunOutlivesAChangeOfNetwork) {
+  for (const char* piece : {"OldAct/Mapas/Mapas2.zip", "NewAct2/Bin/sub/a.dll.kvn"}) {
+    SCOPED_TRACE(piece);
+    LauncherRun run;
+    PublishGame(run);
+    support::FaultyServer unreliable("127.0.0.12");
+    const std::string base = support::GameMirror::kBase;
+    std::atomic<bool> gone = false;
+    std::atomic<int> refused = 0;
+    unreliable.Otherwise([&](const support::SeenRequest& request) {
+      if (request.target == base + piece && refused == 0) gone = true;
+      if (!gone) return run.mirror.server.AnswerFor(request);
+      if (++refused == 8) gone = false;
+      return support::CutShort("x", 0, Answer::Cut::Reset);
+    });
+    support::Deploy(run.folder, run.game, {unreliable.Url(base)}, run.mirror.server.Url(""));
+    run.Start();
+    const Once wake(
+        run, [&] { return refused > 0; },
+        [&] {
+          run.screen.resumed();
+          run.machine.clock.stepOnRead = 0;  // the minute is the launcher's from here on
+        });
+    run.Play();
+    run.UntilEnded();
+    EXPECT_TRUE(wake.done);
+    EXPECT_TRUE(run.GameFiles() == run.mirror.Expected()) << run.Status() << "\n" << Log(run);
+    EXPECT_TRUE(run.machine.dialogs.shown.empty());
+  }
 }
 
 }  // namespace

@@ -172,4 +172,12 @@ TEST(PatchFailure, SaysHowMuchIsMissing) {
   EXPECT_EQ(update::DiskFullFailure(5, 3 * kMega).Description(), "disco lleno: faltan 1 MB");
 }
 
+TEST(PatchFailure, NamesTheFileAndWhoHoldsItOrWhatIsWrong) {
+  const base::RuntimeError denied(base::ErrorNumber::PermissionDenied);
+  EXPECT_EQ(update::TargetFailure("Bin/a.dll", denied, "Antivirus, Juego").Description(),
+            "no se pudo reemplazar Bin/a.dll: lo usa Antivirus, Juego");
+  EXPECT_EQ(update::TargetFailure("Bin/a.dll", denied, "").Description(),
+            "no se pudo reemplazar Bin/a.dll: está en uso o falta el permiso");
+}
+
 }  // namespace

@@ -7,6 +7,8 @@
 
 #include "platform/crash_reports.hpp"
 #include "platform/files.hpp"
+#include "platform/win32/handles.hpp"
+#include "platform/win32/wide.hpp"
 #include "support/temp_folder.hpp"
 
 namespace platform {
@@ -80,6 +82,43 @@ INSTANTIATE_TEST_SUITE_P(
                     Disaster{"smashed", WritePastTheEnd, static_cast<int>(STATUS_STACK_BUFFER_OVERRUN)},
                     Disaster{"abort", [] { std::abort(); }, kUncaught}),
     [](const auto& info) { return std::string(info.param.name); });
+
+// Start-up tells of an earlier crash before it shows its window.
+bool ShowsItsWindow(DWORD process) {
+  const HWND window = FindWindowW(nullptr, L"Launcher - Kelvarin");
+  DWORD owner = 0;
+  GetWindowThreadProcessId(window, &owner);
+  return owner == process && IsWindowVisible(window);
+}
+
+// The finished program, made to run what lies at no address.
+TEST(WindowsCrashOfTheProgram, LeavesItsReportAmongThePlayersOwnData) {
+  const support::TempFolder folder;
+  folder.Put("game/Deployment.ini", "[MIRRORS]\r\n1=http://127.0.0.1:1/\r\n");
+  folder.Put("Errores.log", "the last line\r\n");
+  const std::string program = folder / "game/launcher.exe";
+  CloneFile(FolderOf(ExecutablePath()) + "\\launcher.exe", program);
+  std::wstring line = Wide("\"" + program + "\"");
+  STARTUPINFOW start{};
+  start.cb = sizeof start;
+  PROCESS_INFORMATION started;
+  ASSERT_TRUE(
+      CreateProcessW(nullptr, line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start, &started));
+  const unique_process process(started.hProcess);
+  const unique_thread thread(started.hThread);
+  for (int i = 0; i < 3000 && !ShowsItsWindow(started.dwProcessId); ++i) Sleep(10);
+  const unique_thread crash(CreateRemoteThread(process.get(), nullptr, 0, nullptr, nullptr, 0, nullptr));
+  const DWORD waited = WaitForSingleObject(process.get(), 60'000);
+  TerminateProcess(process.get(), 1);
+  EXPECT_EQ(waited, WAIT_OBJECT_0);
+  DWORD status = 0;
+  GetExitCodeProcess(process.get(), &status);
+  EXPECT_EQ(status, static_cast<DWORD>(EXCEPTION_ACCESS_VIOLATION));
+  const std::string report = TakeCrashReport(CrashFolder());
+  ASSERT_FALSE(report.empty());
+  EXPECT_NE(ReadWhole(report, 1 << 20).find("\nthe last line\r\n"), std::string::npos);
+  RemoveTree(CrashFolder());
+}
 
 }  // namespace
 }  // namespace platform

@@ -169,6 +169,36 @@ TEST_F(WindowsLauncherTest, StartedWithTheSystemItWaitsBesideTheClock) {
   EXPECT_GT(support::TakePicture(handle).Colours(), 100u) << "restored without its content";
 }
 
+// Whatever the system does once it has its answer: the worker has ended, the game is as before the patch or
+// as after it, and the next start does the rest.
+TEST_F(WindowsLauncherTest, TheEndOfTheSessionLeavesNothingHalfDone) {
+  const std::string large(24u << 20, 'x');
+  const std::string target = std::string(kGame) + "/RECURSOS/GRAFICOS/1.dat";
+  mirror.AddPatch("Graficos", {{.name = "RECURSOS/GRAFICOS/1.dat", .bytes = large}});
+  mirror.AddBinFile("KVN-DX8.exe", "el cliente");
+  Start(machine.dialogs);
+  const std::string unzip = folder / (std::string(kGame) + "/RECURSOS/INIT/UPDATE/Unzip");
+  bool ended = false;
+  const auto timer = events.Timers().Start(3, [&] {
+    if (ended || !platform::IsFolder(unzip)) return;
+    ended = true;
+    EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
+    SendMessageW(handle, WM_ENDSESSION, TRUE, 0);
+    EXPECT_FALSE(platform::IsFolder(unzip)) << "the worker goes on";
+    const std::string now = folder.Get(target);
+    EXPECT_TRUE(now.empty() || now == large) << now.size();
+  });
+  launcher->MainWindow().cmdIniciar.Click();
+  EXPECT_TRUE(Until([&] { return launcher->Life().Ending(); }));
+  events.Timers().Stop(timer);
+  EXPECT_TRUE(ended);
+  launcher.reset();
+  Start(machine.dialogs);
+  launcher->MainWindow().cmdIniciar.Click();
+  EXPECT_TRUE(Until([&] { return launcher->Life().Ending(); }));
+  EXPECT_EQ(folder.Get(target), large);
+}
+
 TEST_F(WindowsLauncherTest, OpenMessageBoxDoesNotKeepTheProgramFromEnding) {
   Start(dialogs);
   const struct {

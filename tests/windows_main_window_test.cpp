@@ -180,6 +180,15 @@ TEST_F(WindowsMainWindowTest, EndOfSessionIsAllowedAndEndsTheProgram) {
   EXPECT_TRUE(lifetime.Ending());
 }
 
+TEST_F(WindowsMainWindowTest, AMachineThatWokeIsToldAndOneThatFallsAsleepIsNot) {
+  int woke = 0;
+  screen.resumed = [&woke] { ++woke; };
+  SendMessageW(handle, WM_POWERBROADCAST, PBT_APMSUSPEND, 0);
+  EXPECT_EQ(woke, 0);
+  SendMessageW(handle, WM_POWERBROADCAST, PBT_APMRESUMEAUTOMATIC, 0);
+  EXPECT_EQ(woke, 1);
+}
+
 TEST_F(WindowsMainWindowTest, ScreenReadersFindTexts) {
   window.lblName.Caption = std::string("Gráficos12.zip");
   EXPECT_TRUE(FindWindowExW(handle, nullptr, L"STATIC", L"Gráficos12.zip"));

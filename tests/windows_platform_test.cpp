@@ -6,7 +6,6 @@
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "platform/keep_awake.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/handles.hpp"
@@ -229,20 +228,6 @@ TEST(WindowsProcesses, AnElevatedOneGetsItsArgumentsAndFolder) {
 TEST(WindowsFiles, AFolderThatTheSystemKeepsCannotBeWritten) {
   if (!IsFolder("Z:\\proc")) GTEST_SKIP() << "made for a machine that runs Wine";
   EXPECT_FALSE(CanWriteTo("Z:\\proc"));
-}
-
-TEST(WindowsKeepAwake, LastsUntilTheOutermostEnds) {
-  const auto keepsAwake = [] {  // asking ends it, so it is told the same again
-    const EXECUTION_STATE state = SetThreadExecutionState(ES_CONTINUOUS);
-    SetThreadExecutionState(state);
-    return (state & ES_CONTINUOUS) && (state & ES_SYSTEM_REQUIRED);
-  };
-  {
-    const KeepAwake outer;
-    { const KeepAwake inner; }
-    EXPECT_TRUE(keepsAwake());
-  }
-  EXPECT_FALSE(keepsAwake());
 }
 
 TEST(WindowsShell, OnlyWebAddressesAreOpenedAsPages) {

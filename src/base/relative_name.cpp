@@ -9,12 +9,14 @@ namespace base {
 namespace {
 
 constexpr std::size_t kLongestName = 240;
+constexpr std::size_t kLongestDevice = 7;  // CONERR$
 
 bool IsDeviceName(std::string_view part) {
   static constexpr std::array<std::string_view, 8> kPlain = {"CON",    "PRN",     "AUX",    "NUL",
                                                              "CONIN$", "CONOUT$", "CLOCK$", "CONERR$"};
   std::string_view stem = part.substr(0, part.find('.'));
   stem = Trim(stem);
+  if (stem.size() > kLongestDevice) return false;
   const std::string upper = Upper(stem);
   if (std::find(kPlain.begin(), kPlain.end(), upper) != kPlain.end()) return true;
   if (!upper.starts_with("COM") && !upper.starts_with("LPT")) return false;
@@ -48,7 +50,7 @@ std::string WhyUnsafe(std::string_view name) {
     const auto code = static_cast<unsigned char>(c);
     if (code < 32 || code == 127) return "it holds a control character";
     if (c == ':') return "it names a drive or stream";
-    if (std::string_view("<>\"|?*").find(c) != std::string_view::npos)
+    if (c == '<' || c == '>' || c == '"' || c == '|' || c == '?' || c == '*')
       return "it holds a forbidden character";
   }
   bool any = false;

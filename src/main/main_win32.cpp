@@ -4,12 +4,15 @@
 
 #include "launcher.hpp"
 #include "main/install_win32.hpp"
+#include "platform/crash_reports.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/event_loop_win32.hpp"
 #include "platform/win32/harden.hpp"
 #include "platform/win32/moved_aside.hpp"
 #include "platform/win32/wide.hpp"
+#include "startup/error_recorder.hpp"
+#include "startup/folders.hpp"
 #include "ui/win32/win32_dialogs.hpp"
 #include "ui/win32/win32_screen.hpp"
 
@@ -18,6 +21,10 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   platform::RemoveMovedAside(platform::ExecutablePath());  // what an update of this program left behind
   const std::string arguments = platform::Narrow(PathGetArgsW(GetCommandLineW()));
   if (const auto status = install::RunIfAsked(arguments)) return *status;
+  if (const std::string folder = platform::CrashFolder(); !folder.empty()) {
+    const startup::Folders folders(platform::FolderOf(platform::ExecutablePath()));
+    platform::ReportCrashesTo(folder, startup::LogFile(folders));
+  }
   const auto clock = platform::MakeClock();
   platform::Win32EventLoop events(*clock);
   ui::win32::Win32Dialogs dialogs;

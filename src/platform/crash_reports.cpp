@@ -5,6 +5,7 @@
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
+#include "platform/user_folders.hpp"
 
 namespace platform {
 namespace {
@@ -31,6 +32,11 @@ std::vector<std::string> ReportsIn(const std::string& folder) {
 }
 
 }  // namespace
+
+std::string CrashFolder() {
+  const std::string own = LocalDataFolder();
+  return own.empty() ? own : own + NativePath("\\Fallos");
+}
 
 std::string TakeCrashReport(const std::string& folder) {
   try {

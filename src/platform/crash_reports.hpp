@@ -8,6 +8,9 @@ namespace platform {
 
 inline constexpr int kMostCrashReports = 3;
 
+// Where this user's reports lie; empty when the system names no folder for them.
+std::string CrashFolder();
+
 // From now on a crash of this process leaves its report in `folder`, together with the end of the text file
 // `log`, which may be missing. Reports beyond the newest ones are removed. On Linux, whose systems keep core
 // dumps themselves, only that.

@@ -111,6 +111,8 @@ class NewFile {
   enum class Kind { Data, Program };  // a program may be run, where the system wants to be told
 
   explicit NewFile(const std::string& path, Kind kind = Kind::Data);  // 58 when the name is taken
+  // A file that is there already, what is written being put behind its end.
+  static NewFile Continuing(const std::string& path);
   ~NewFile();
   NewFile(NewFile&&) noexcept;
 
@@ -118,6 +120,7 @@ class NewFile {
 
  private:
   struct Handle;
+  explicit NewFile(std::unique_ptr<Handle> handle);
   std::unique_ptr<Handle> handle_;
 };
 

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "base/numeric.hpp"
+#include "platform/files.hpp"
 #include "startup/procedure.hpp"
 
 namespace settings {
@@ -150,7 +151,7 @@ void modGameIni::LoadGameConfig() {
         line += kLineStep;
         if (config_.Version == kGameConfigVersion) return;
         LoadDefaultGameConfig();
-        SaveGameConfig(config_);
+        if (platform::CanWriteTo(platform::FolderOf(file_))) SaveGameConfig(config_);
       },
       Words("LoadGameConfig"));
 }

@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cstdint>
 #include <exception>
+#include <optional>
 #include <thread>
 
 namespace startup {
@@ -20,12 +21,14 @@ void RunBlocking(const Services& services, const std::function<void(std::stop_to
                  const std::function<void()>& onRound, std::stop_token stop) {
   std::atomic<bool> ended = false;
   std::exception_ptr failure;
+  std::optional<Lifetime::Work> underWay(std::in_place, services.lifetime);
   std::jthread worker([&](std::stop_token token) {
     try {
       work(token);
     } catch (...) {
       failure = std::current_exception();
     }
+    underWay.reset();
     ended.store(true, std::memory_order_release);
     services.host.events.Wake();
   });

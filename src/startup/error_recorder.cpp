@@ -5,6 +5,7 @@
 #include "base/text.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
+#include "platform/user_folders.hpp"
 
 namespace startup {
 namespace {
@@ -23,6 +24,14 @@ void Attempt(Step step) {
 }
 
 }  // namespace
+
+std::string LogFile(const Folders& folders) {
+  const std::string usual = folders.AppPath + platform::NativePath("\\..\\Errores.log");
+  const std::string own = platform::LocalDataFolder();
+  if (own.empty() || platform::CanWriteTo(folders.ParentDir)) return usual;
+  Attempt([&] { platform::MakeFolders(own); });
+  return own + platform::NativePath("\\Errores.log");
+}
 
 void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
   showing_ = true;
@@ -52,15 +61,15 @@ void ErrorRecorder::Note(const std::string& text) {
 }
 
 void ErrorRecorder::WriteLine(const std::string& text) {
-  const std::string log = folders_.AppPath + platform::NativePath("\\..\\Errores.log");
+  if (log_.empty()) log_ = LogFile(folders_);
   Attempt([&] {
-    const auto stamp = platform::StampOf(log);
-    if (stamp && stamp->size > kLargestLog) platform::RemoveFile(log);
+    const auto stamp = platform::StampOf(log_);
+    if (stamp && stamp->size > kLargestLog) platform::RemoveFile(log_);
   });
   Attempt([&] {
     const std::string plain = base::Replaced(base::Replaced(text, "{", "-"), "}", "-");
     const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + plain;
-    platform::AppendTo(log, platform::ToAnsi(line) + platform::kLineEnd);
+    platform::AppendTo(log_, platform::ToAnsi(line) + platform::kLineEnd);
   });
 }
 

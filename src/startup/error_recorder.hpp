@@ -9,8 +9,12 @@
 
 namespace startup {
 
-// The one place where failures become known: shown to the player and appended to Errores.log in the folder
-// above the launcher. Never fails itself.
+// Errores.log in the folder above the launcher, or among the user's own data where that folder cannot be
+// written (full path).
+std::string LogFile(const Folders& folders);
+
+// The one place where failures become known: shown to the player and appended to the log file. Never fails
+// itself.
 class ErrorRecorder {
  public:
   ErrorRecorder(platform::Host& host, const Folders& folders, Lifetime& lifetime)
@@ -29,6 +33,7 @@ class ErrorRecorder {
   platform::Host& host_;
   const Folders& folders_;
   Lifetime& lifetime_;
+  std::string log_;  // its path, once something was written
   std::string LastErrorText;
   std::int32_t RepeatCount = 0;
   std::string lastNote_;

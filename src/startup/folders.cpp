@@ -12,7 +12,8 @@ Folders::Folders(const std::string& appPath)
       GraphicsDir(appPath + platform::NativePath("\\RECURSOS\\GRAFICOS\\")),
       ResourcesDir(appPath + platform::NativePath("\\RECURSOS")),
       ResourcesUpdateDir(appPath + platform::NativePath("\\RECURSOS\\UPDATE")),
-      ParentDir(appPath + platform::NativePath("\\..\\")) {}
+      ParentDir(appPath + platform::NativePath("\\..\\")),
+      FetchDir(appPath) {}
 
 std::string Folders::Scratch(const std::string& name) const {
   return InitDir + platform::NativePath("\\UPDATE\\") + name;

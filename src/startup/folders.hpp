@@ -18,6 +18,9 @@ struct Folders {
   std::string ResourcesDir;        // no trailing separator
   std::string ResourcesUpdateDir;  // no trailing separator
   std::string ParentDir;           // trailing separator
+  // Where lists and archives lie while they are used: AppPath, or a folder of the user's own when that one
+  // cannot be written. No trailing separator.
+  std::string FetchDir;
 
   std::string Scratch(const std::string& name) const;  // a file in the scratch folder below InitDir
 };

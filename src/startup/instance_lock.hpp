@@ -19,6 +19,7 @@ class InstanceLock {
     if (!lock_) lock_ = processes_.TakeLock(name_);
     return lock_->AlreadyExisted();
   }
+  bool Taken() const { return lock_ != nullptr; }
   void Release() { lock_.reset(); }
 
  private:

@@ -1,6 +1,7 @@
 #include "ui/frmMain.hpp"
 
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include "base/numeric.hpp"
@@ -14,6 +15,9 @@ namespace {
 
 using controls::MouseButton;
 using controls::WindowState;
+
+// Together less than the five seconds after which Windows ends a program that does not answer.
+constexpr std::chrono::milliseconds kToFinish{3'000}, kToBreakOff{1'000};
 
 constexpr const char* kPlayText = "¡Iniciar la aventura de Kelvarin!";
 constexpr const char* kRepairText =
@@ -129,7 +133,7 @@ void frmMain::SetUp(int& line, bool showWindow) {
   if (services_.lifetime.Ending()) return;
   line = 120;
   const std::string updates = services_.folders.ResourcesUpdateDir + platform::kSeparator;
-  if (!platform::IsFolder(updates)) platform::MakeFolder(updates);
+  if (services_.flags.FolderWritable && !platform::IsFolder(updates)) platform::MakeFolder(updates);
   services_.host.events.DoEvents();
   line = 130;
   if (actions_.ServerListEmpty()) actions_.GetServersList();
@@ -192,12 +196,22 @@ void frmMain::Form_KeyDown(int keyCode) {
   services_.lifetime.End(0);
 }
 
+// The session goes on ending, and the process with it, as soon as the system has its answer, while a run
+// that is under way still waits below on the stack. So what its worker does is finished here, or broken off
+// in good order when it takes too long.
+void frmMain::FinishWork() {
+  services_.lifetime.AwaitWork(kToFinish);
+  services_.lifetime.End(0);
+  services_.lifetime.AwaitWork(kToBreakOff);
+}
+
 void frmMain::Form_QueryUnload(controls::UnloadMode mode) {
   actions_.UnloadOptions();
   actions_.ClearNotify();
   bool cancel = false;  // the program ends whatever the companion answers
   FSys_.MeQueryUnload(window_, cancel, mode);
   FSys_.FSys_Unload();
+  if (mode == controls::UnloadMode::SystemShutdown) FinishWork();
   services_.lifetime.End(0);
 }
 

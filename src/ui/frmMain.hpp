@@ -67,6 +67,7 @@ class frmMain {
   void Explain(const char* text);  // what the pointer is over, in the status line
   void Form_MouseMove(controls::MouseButton button);
   void Form_KeyDown(int keyCode);
+  void FinishWork();
   void Form_QueryUnload(controls::UnloadMode mode);
   void tmrShow_Timer();
 

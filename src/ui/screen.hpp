@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "controls/control.hpp"
@@ -45,6 +46,8 @@ class Screen {
   // Another instance of the program that runs already may bring its window to the front: for a start that
   // asks it to. The player's last act was this start, so the right to do it is ours to give.
   virtual void LetOthersComeToFront() {}
+
+  std::function<void()> resumed;  // called, when it is set, after the machine has slept
 
   // The notification-area icon of the program (its own icon resource "AAA"). Its mouse messages arrive as
   // TrayMessage, by their published window-message numbers.

@@ -13,7 +13,8 @@ namespace update {
 namespace {
 
 constexpr std::uint32_t kWatchdogMs = 10'000;
-constexpr std::uint32_t kRoundMs = 10;  // a wait loop's pause, so that it costs no processor
+constexpr std::uint32_t kRoundMs = 10;   // a wait loop's pause, so that it costs no processor
+constexpr const char* kParts = "parts";  // below the scratch folder
 constexpr int kMostTimeouts = 5;
 constexpr int kMostSilentRetries = 3;
 constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Deseas reintentar la descarga?";
@@ -136,10 +137,60 @@ std::string Download::UrlOf(const std::string& name) const {
   return with_.hosts.CurrentUpdateURL + remoteFolder + name;
 }
 
+web::FileRequest Download::RequestFor(const std::string& name, const web::Expected& expected) const {
+  web::FileRequest request{.url = UrlOf(name), .path = {}, .expected = expected};
+  request.part =
+      with_.services.folders.Scratch(kParts) + platform::kSeparator + base::Replaced(name, "/", "");
+  return request;
+}
+
+void Download::FetchFollowing() {
+  std::vector<web::FileRequest> next;
+  for (const std::string& name : following) {
+    const auto expected = with_.trust.ExpectedOf(remoteFolder + name);
+    if (!expected) break;
+    next.push_back(RequestFor(name, *expected));
+  }
+  with_.transfers.FetchNext(std::move(next), {});
+}
+
+void Download::ForgetFollowing() {
+  following.clear();
+  with_.transfers.ForgetNext();
+}
+
+void Download::ForgetInterrupted() { platform::RemoveTree(with_.services.folders.Scratch(kParts)); }
+
+void Download::BeginWhole(const std::vector<std::string>& archives) {
+  web::WholeUpdate whole{.number = archives.empty() ? 0 : 1,
+                         .count = static_cast<int>(archives.size()),
+                         .startedAt = with_.services.host.clock.Milliseconds()};
+  bool known = true;
+  for (const std::string& name : archives) {
+    const auto expected = with_.trust.ExpectedOf(remoteFolder + name);
+    known = known && expected && expected->size;
+    if (known) whole.total += *expected->size;
+  }
+  if (!known) whole.total = 0;
+  with_.transfers.whole = whole;
+}
+
+void Download::EndWhole() {
+  with_.transfers.whole = {};
+  with_.frmMain.ProgressBar1.Whole = -1;
+}
+
+void Download::CountOne(const web::TransferReport& report) {
+  web::WholeUpdate& whole = with_.transfers.whole;
+  if (whole.number == 0) return;
+  whole.bytes += report.bytes;
+  if (whole.number++ == whole.count) whole.number = 0;
+}
+
 Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
   web::DownloadState& state = with_.state;
   line = 10;
-  state.TargetPath = with_.services.folders.AppPath + platform::kSeparator + base::Replaced(name, "/", "");
+  state.TargetPath = with_.services.folders.FetchDir + platform::kSeparator + base::Replaced(name, "/", "");
   const auto expected = ExpectedOf(remoteFolder + name);
   if (!expected) return {DownloadResult::Stopped, kNotSigned};
   const MirrorRound::Result result =
@@ -185,8 +236,10 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
   frmMain.lblEstado.Caption = "Actualizando juego, por favor aguarde unos minutos.";
   state.Finished = false;
   line = 40;
-  const std::string url = UrlOf(name);
-  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, state.TargetPath, expected);
+  const web::FileRequest request = RequestFor(name, expected);
+  const std::string& url = request.url;
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(
+      url, state.TargetPath, request.expected, unpack ? request.part : std::string{});
   state.WatchdogStart = with_.services.host.clock.SystemUptime();
   if (!report.Arrived()) return NotGood(report, url);
   line = 60;
@@ -196,9 +249,12 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
     // A page, which every mirror words in its own way.
     if (attempt.kind == Attempt::Kind::NotArrived) attempt.kind = Attempt::Kind::BadContent;
   } else if (unpack || use) {
+    if (unpack) FetchFollowing();
     attempt = UseArchive(unpack, use);
+    attempt.cut = report.resumed;  // its beginning may be at fault: once more from the first byte
   }
   if (unpack || attempt.kind != Attempt::Kind::Good) RemoveTarget();
+  if (unpack && attempt.kind == Attempt::Kind::Good) CountOne(report);
   return attempt;
 }
 

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
@@ -47,6 +48,17 @@ class Download {
   // The folder of the mirror from which the current stage downloads: "OldAct/" or "NewAct2/".
   std::string remoteFolder;
 
+  // The archives that DescargarArchivo will be asked for after the present one, in their order: they are
+  // fetched while that one is unpacked.
+  std::vector<std::string> following;
+  void ForgetFollowing();    // what was fetched and not asked for goes; what was interrupted stays
+  void ForgetInterrupted();  // nothing that was interrupted is of use any longer
+
+  // The player is told how far these archives together are, from the first one on that DescargarArchivo is
+  // asked for until EndWhole.
+  void BeginWhole(const std::vector<std::string>& archives);
+  void EndWhole();
+
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
   // there is no file then.
@@ -55,7 +67,7 @@ class Download {
   // Makes use of a file that came whole; why it is of none, in a few words.
   using Use = std::function<std::string(const std::string& file)>;
 
-  // One named file into AppPath, from whichever mirror gives a good one; with `unpack` its archive is
+  // One named file into FetchDir, from whichever mirror gives a good one; with `unpack` its archive is
   // unpacked over the game and deleted. Without, `use` judges it, and nothing is told to the player when no
   // mirror has a good one.
   Fetched DescargarArchivo(const std::string& name, bool unpack, const Use& use = {});
@@ -71,12 +83,16 @@ class Download {
   Attempt NotGood(const web::TransferReport& report, const std::string& url);
   Attempt UseArchive(bool unpack, const Use& use);
   std::string UrlOf(const std::string& name) const;
+  web::FileRequest RequestFor(const std::string& name, const web::Expected& expected) const;
+  void FetchFollowing();
   Attempt AttemptPacked(const std::string& local, const IndexRecord& record, const web::Expected& expected);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;
   void RemoveTarget();
   void Pause();  // one round of a wait loop
+
+  void CountOne(const web::TransferReport& report);
 
   Collaborators with_;
   int TimeoutCount = 0;

@@ -14,6 +14,7 @@ constexpr const char* kWaiting = "Otro launcher está actualizando esta carpeta,
 
 bool FolderHold::Take(const startup::Services& services, controls::MainWindow& frmMain,
                       const std::function<bool()>& mayGoOn) {
+  if (!services.flags.FolderWritable) return true;
   const std::string file = services.folders.Scratch(kName);
   for (bool told = false;; told = true) {
     try {

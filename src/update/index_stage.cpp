@@ -13,6 +13,7 @@
 #include "startup/procedure.hpp"
 #include "update/packed_file.hpp"
 #include "update/verification.hpp"
+#include "util/parallel.hpp"
 
 namespace update {
 namespace {
@@ -21,6 +22,7 @@ constexpr const char* kIndexName = "Info.kvn";
 constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 64 << 20;  // bytes; a game of half a million files has a smaller one
 constexpr std::size_t kFilesPerRound = 16;        // between two looks at the player's events
+constexpr std::size_t kFilesAtOnce = 512;         // judged by one thread
 
 // A link may lead to a folder that holds more than the game.
 bool IsFolderItself(const std::string& path) {
@@ -69,7 +71,7 @@ bool IndexStage::Fetch() {
   complaint_.reset();
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, [this](const std::string& packed) { return Take(packed); });
-  platform::TryRemoveFile(services_.folders.AppPath + platform::kSeparator + kIndexName);
+  platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;
   if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
@@ -104,21 +106,34 @@ void IndexStage::NoteRefusals() const {
 
 void IndexStage::RemoveForeignFiles() const {
   const bool namesAny = index_.Count() > index_.RefusedCount();
-  if (!index_.ReadWholly() || !namesAny || !IsFolderItself(services_.folders.BinDir)) return;
+  if (!services_.flags.FolderWritable || !index_.ReadWholly() || !namesAny) return;
+  if (!IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
-    const FoldedNames named(index_);
+    std::optional<FoldedNames> named;
+    std::vector<platform::FoundFile> found;
+    util::ForEachParallel(2, [&](std::size_t half) {
+      if (half == 0) {
+        found = platform::ListTree(services_.folders.BinDir);
+      } else {
+        named.emplace(index_);
+      }
+    });
     const std::string record = Folded(kRecordName);
-    for (const platform::FoundFile& file : platform::ListTree(services_.folders.BinDir)) {
-      if (stop.stop_requested()) return;
-      if (base::Contains(file.path, "$")) continue;
-      const std::string folded = Folded(base::WithSlashes(file.path));
-      if (folded == record || named.Contain(folded)) continue;
-      platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + file.path);
-    }
+    const std::size_t pieces = (found.size() + kFilesAtOnce - 1) / kFilesAtOnce;
+    util::ForEachParallel(pieces, [&](std::size_t piece) {
+      const std::size_t end = std::min(found.size(), (piece + 1) * kFilesAtOnce);
+      for (std::size_t i = piece * kFilesAtOnce; i < end && !stop.stop_requested(); ++i) {
+        const std::string& path = found[i].path;
+        if (base::Contains(path, "$")) continue;
+        const std::string folded = Folded(base::WithSlashes(path));
+        if (folded == record || named->Contain(folded)) continue;
+        platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + path);
+      }
+    });
   });
 }
 
@@ -127,7 +142,7 @@ bool IndexStage::Wanted(const IndexRecord& record) const {
          (services_.flags.StaffClient || !base::Contains(record.inBin, "KVNG"));
 }
 
-void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
+bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   DigestRecord proved(RecordFile(services_.folders), trust_.RecordSeal());
   proved.Load();
   const auto nameOf = [this](std::size_t i) {
@@ -135,6 +150,8 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     return Wanted(record) ? record.inBin : std::string_view{};
   };
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
+  const bool writable = services_.flags.FolderWritable;
+  bool left = false;
   Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
                             services_.lifetime);
   for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
@@ -142,9 +159,15 @@ void IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
     if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
     const IndexRecord record = index_[i];
-    if (Wanted(record) && !proof.Has(record.digest) && !ended()) FetchAgain(i);
+    if (!Wanted(record) || proof.Has(record.digest) || ended()) continue;
+    if (writable) {
+      FetchAgain(i);
+    } else {
+      left = true;
+    }
   }
-  if (!ended()) Remember(verification, proved);
+  if (writable && !ended()) Remember(verification, proved);
+  return left;
 }
 
 void IndexStage::FetchAgain(std::size_t i) {
@@ -162,7 +185,8 @@ std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const
 std::optional<std::string> IndexStage::PublishedDigest(std::string_view inBin) const {
   for (std::size_t i = 0; i < index_.Count(); ++i) {
     const IndexRecord record = index_[i];
-    if (record.hasDigest && Folded(record.inBin) == Folded(inBin)) return record.digest.Hex();
+    if (!record.inBin.empty() && record.hasDigest && Folded(record.inBin) == Folded(inBin))
+      return record.digest.Hex();
   }
   return std::nullopt;
 }

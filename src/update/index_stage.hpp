@@ -32,8 +32,8 @@ class IndexStage {
   void RemoveForeignFiles() const;
 
   // Compares each file with the index and fetches the others into the update folder. Ends early, and records
-  // nothing, once `abandoned` says so.
-  void VerifyAndFetch(const std::function<bool()>& abandoned);
+  // nothing, once `abandoned` says so. True when something is left as it was, since nothing can be written.
+  bool VerifyAndFetch(const std::function<bool()>& abandoned);
 
   // The digest that the content of a packed file must have, by its path below the update folder; none for a
   // file that this run did not fetch.

@@ -6,10 +6,10 @@ bool InstalledGame::Offer(const std::string& why) {
   platform::Dialogs& dialogs = services_.host.dialogs;
   if (services_.flags.UpdatesOnly) return false;
   if (!launch_.Installed()) {
-    dialogs.Show(why + " El juego todavía no está instalado.");
+    dialogs.Show(why + "\r\nEl juego todavía no está instalado.");
     return false;
   }
-  const auto answer = dialogs.Show(why + " ¿Deseas iniciar el juego instalado sin actualizarlo?",
+  const auto answer = dialogs.Show(why + "\r\n¿Deseas iniciar el juego instalado sin actualizarlo?",
                                    platform::DialogButtons::YesNo);
   if (answer != platform::DialogAnswer::Yes) return false;
   launch_.EjecutarKelvar(services_.deployment.parameter);

@@ -26,7 +26,11 @@ MirrorRound::Result MirrorRound::Fetch(const std::string& piece, const std::func
     if (hopeless) return result;
     triedAgain = again;
     if (again) continue;
-    if (!selection_.NextInRound(round)) return mode_.MayGoOn() ? result : Result{End::Interrupted};
+    if (selection_.NextInRound(round)) continue;
+    const bool returned = selection_.AwaitReturn([this] { return mode_.MayGoOn(); });
+    if (!mode_.MayGoOn()) return {End::Interrupted};
+    if (!returned) return result;
+    round = selection_.BeginRound();
   }
 }
 

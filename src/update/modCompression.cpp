@@ -58,9 +58,11 @@ modCompression::Complaint modCompression::ComplaintAbout(const std::string& sour
   const auto is = [&](ErrorNumber number) { return failure.number == static_cast<int>(number); };
   // Which of the two numbers a file in use gives depends on how it is held.
   if (is(ErrorNumber::PathFileAccessError) || is(ErrorNumber::PermissionDenied)) {
+    const std::string holder = platform::HolderOf(destination);
     return {failure.Opening() + " al descomprimir el update " + source +
             "\r\nEl archivo está en ejecución o siendo usado por el sistema, si el problema persiste, "
-            "reinicie el sistema operativo por completo y vuelva a intentarlo."};
+            "reinicie el sistema operativo por completo y vuelva a intentarlo." +
+            (holder.empty() ? holder : "\r\nLo usa: " + holder + ".")};
   }
   // What is wrong with the packed data itself is reported by its own procedure.
   if (is(ErrorNumber::InvalidFileFormat)) {

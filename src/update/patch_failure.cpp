@@ -27,8 +27,10 @@ std::string InWords(const base::RuntimeError& cause) {
 
 }  // namespace
 
-PatchFailure TargetFailure(const std::string& name, const base::RuntimeError& cause) {
-  return {static_cast<ErrorNumber>(cause.Number()), "no se pudo reemplazar " + name + ": " + InWords(cause)};
+PatchFailure TargetFailure(const std::string& name, const base::RuntimeError& cause,
+                           const std::string& holder) {
+  return {static_cast<ErrorNumber>(cause.Number()),
+          "no se pudo reemplazar " + name + ": " + (holder.empty() ? InWords(cause) : "lo usa " + holder)};
 }
 
 PatchFailure DiskFullFailure(std::uint64_t needed, std::uint64_t free) {

@@ -13,8 +13,10 @@ class PatchFailure : public base::RuntimeError {
   using RuntimeError::RuntimeError;
 };
 
-// `name`: of a file or folder of the game, relative to its folder.
-PatchFailure TargetFailure(const std::string& name, const base::RuntimeError& cause);
+// `name`: of a file or folder of the game, relative to its folder; `holder`: the programs that have it open,
+// empty when there are none or nobody knows.
+PatchFailure TargetFailure(const std::string& name, const base::RuntimeError& cause,
+                           const std::string& holder);
 
 // "disco lleno: faltan N MB" for `needed` bytes where only `free` are left; at least 1 MB.
 PatchFailure DiskFullFailure(std::uint64_t needed, std::uint64_t free);

@@ -90,7 +90,10 @@ void UndoMoves(const std::string& staging, const std::string& game, const PatchM
     try {
       PutBack(staging, number, InGame(game, moves.files[number]));
     } catch (const base::RuntimeError& error) {
-      if (!failure) failure = std::make_exception_ptr(TargetFailure(moves.files[number], error));
+      if (failure) continue;
+      const std::string& name = moves.files[number];
+      const std::string holder = platform::HolderOf(InGame(game, name));
+      failure = std::make_exception_ptr(TargetFailure(name, error, holder));
     }
   }
   if (failure) std::rethrow_exception(failure);

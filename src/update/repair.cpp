@@ -16,6 +16,11 @@ void Repair::cmdReiniciarUpdates_Click() {
             "tardar varios minutos.",
             platform::DialogButtons::RiskyYesNo, "¡ATENCIÓN! Lea con cuidado.");
         if (answer != platform::DialogAnswer::Yes) return;
+        line = 20;
+        if (!services_.flags.FolderWritable) {
+          rights_.Make("no se repara nada");
+          return;
+        }
         line = 30;
         DigestRecord(RecordFile(services_.folders)).Clear();
         for (const char* category : kCategories) {

@@ -4,6 +4,7 @@
 
 #include "startup/services.hpp"
 #include "update/counter_store.hpp"
+#include "update/rights_offer.hpp"
 
 namespace update {
 
@@ -12,14 +13,16 @@ namespace update {
 class Repair {
  public:
   // `confirmed` is called when everything is forgotten.
-  Repair(const startup::Services& services, CounterStore& counters, std::function<void()> confirmed)
-      : services_(services), counters_(counters), confirmed_(std::move(confirmed)) {}
+  Repair(const startup::Services& services, CounterStore& counters, RightsOffer& rights,
+         std::function<void()> confirmed)
+      : services_(services), counters_(counters), rights_(rights), confirmed_(std::move(confirmed)) {}
 
   void cmdReiniciarUpdates_Click();
 
  private:
   const startup::Services& services_;
   CounterStore& counters_;
+  RightsOffer& rights_;
   std::function<void()> confirmed_;
 };
 

@@ -7,7 +7,11 @@ namespace update {
 void RunMode::Enter(Mode mode) {
   mode_ = mode;
   ++changes_;
-  frmMain_.tmrUpdates.Set(mode == Mode::Updating);
+  const bool runs = mode == Mode::Updating;
+  if (!runs) awake_.reset();
+  if (runs && !awake_) awake_.emplace();
+  if (runs) frmMain_.ProgressBar1.Failed = false;
+  frmMain_.tmrUpdates.Set(runs);
   frmMain_.NewsTimer.Set(mode == Mode::Idle);
   parts_.enablePlay(mode == Mode::Idle);
 }
@@ -76,6 +80,7 @@ void RunMode::RunEnded(const RunOutcome& outcome) {
       frmMain_.lblEstado.Caption = outcome.status;
       frmMain_.lblVelocity.Caption = std::string{};
       frmMain_.ProgressBar1.Value = 0;
+      frmMain_.ProgressBar1.Failed = true;
       if (services_.flags.UpdatesOnly) return services_.lifetime.End(1);
       Enter(Mode::Idle);
       return;
@@ -87,6 +92,7 @@ void RunMode::RunEnded(const RunOutcome& outcome) {
 
 void RunMode::ProgramEnds() {
   ++changes_;
+  awake_.reset();
   frmMain_.tmrUpdates.Set(false);
   frmMain_.NewsTimer.Set(false);
 }

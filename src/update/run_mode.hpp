@@ -1,9 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "controls/main_window.hpp"
+#include "platform/keep_awake.hpp"
 #include "startup/services.hpp"
 
 namespace update {
@@ -74,6 +76,7 @@ class RunMode {
   const startup::Services& services_;
   controls::MainWindow& frmMain_;
   Parts parts_;
+  std::optional<platform::KeepAwake> awake_;  // while a run goes on
   Mode mode_ = Mode::Starting;
   unsigned changes_ = 0;      // of the mode
   bool onStack_ = false;      // a run

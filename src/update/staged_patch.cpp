@@ -51,11 +51,11 @@ void StagedPatch::AddFile(const std::string& name) {
 }
 
 void StagedPatch::MoveAll() {
-  const auto named = [](const std::string& name, auto action) {
+  const auto named = [this](const std::string& name, auto action) {
     try {
       action();
     } catch (const base::RuntimeError& error) {
-      throw TargetFailure(name, error);
+      throw TargetFailure(name, error, platform::HolderOf(InGame(game_, name)));
     }
   };
   for (const std::string& name : moves_.folders)

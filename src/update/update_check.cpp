@@ -1,5 +1,7 @@
 #include "update/update_check.hpp"
 
+#include <algorithm>
+
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
@@ -14,10 +16,16 @@ using End = RunOutcome::End;
 
 constexpr std::uint32_t kPauseMs = 50;
 constexpr int kListTimeoutSeconds = 20;
+constexpr std::size_t kMostAhead = 8;  // archives whose names are told in advance
 constexpr int kLastBitmap = 32'000;
 constexpr int kBitmapsPerRound = 1'000;  // between two looks at the player's events
 constexpr const char* kUnreadableList =
     "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin.";
+
+std::string ArchiveOf(std::size_t category, int number) {
+  const std::string name = kCategories[category];
+  return name + "/" + name + std::to_string(number) + ".zip";
+}
 
 RunOutcome Stopped(const std::string& status) { return {End::Stopped, status}; }
 // What was told to the player and logged where it happened.
@@ -55,7 +63,12 @@ RunOutcome UpdateCheck::Interrupted() const {
 
 // Who cannot update may still play.
 RunOutcome UpdateCheck::OfferGame(const RunOutcome& stopped) {
-  return with_.installed.Offer(stopped.status) ? RunOutcome{End::GameStarted, {}, {}} : stopped;
+  with_.frmMain.lblEstado.Caption = stopped.status;
+  if (with_.installed.Offer(stopped.status)) {
+    with_.services.recorder.Note(stopped.log);
+    return {End::GameStarted, {}, {}};
+  }
+  return MayGoOn() ? stopped : Interrupted();
 }
 
 RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
@@ -66,6 +79,7 @@ RunOutcome UpdateCheck::Run(int& line, bool hostInDoubt) {
   with_.instance.Release();
   with_.trust.BeginRun();
   if (const std::string why = RecoverInterruptedPatch(with_.services); !why.empty()) {
+    if (!FolderWritable()) return Unwritable();
     return Stopped("No se pudo deshacer un parche interrumpido: " + why + ".");
   }
   if (const Ended ended = IndexLoop(line, hostInDoubt)) return *ended;
@@ -96,8 +110,9 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
+  const bool left = with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
   if (!MayGoOn()) return Interrupted();
+  if (left) return Unwritable();
   return std::nullopt;
 }
 
@@ -129,8 +144,7 @@ UpdateCheck::Ended UpdateCheck::AcceptPublication() {
     case Trust::Answer::Refused:
       break;
   }
-  with_.services.recorder.Note(why);
-  return OfferGame(StoppedAndTold(why));
+  return OfferGame(Stopped(why));
 }
 
 // Mirrors count on being asked for the list; where a publication is signed, it can say nothing new.
@@ -180,7 +194,7 @@ Attempt UpdateCheck::AttemptList(PatchCounts& remote, PatchCounts& local, int& l
   };
   line = 50;
   const UpdateList list(with_.services.host.profiles,
-                        with_.services.folders.AppPath + platform::NativePath("\\Update.ini"), answer.text);
+                        with_.services.folders.FetchDir + platform::NativePath("\\Update.ini"), answer.text);
   Show("Buscando actualizaciones...");
   line = 60;
   listError_ = nullptr;
@@ -199,7 +213,23 @@ Attempt UpdateCheck::AttemptList(PatchCounts& remote, PatchCounts& local, int& l
   return {};
 }
 
+void UpdateCheck::PlanPatches(const PatchCounts& remote, const PatchCounts& local) {
+  patches_.clear();
+  installed_ = 0;
+  for (std::size_t i = 0; i < kCategories.size(); ++i) {
+    for (int number = local[i] + 1; number <= remote[i]; ++number) patches_.push_back(ArchiveOf(i, number));
+  }
+  with_.download.BeginWhole(patches_);
+}
+
 UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const PatchCounts& local) {
+  if (!FolderWritable()) {
+    for (std::size_t i = 0; i < kCategories.size(); ++i) {
+      if (local[i] < remote[i]) return Unwritable();
+    }
+    return std::nullopt;
+  }
+  PlanPatches(remote, local);
   for (std::size_t i = 0; i < kCategories.size(); ++i) {
     if (local[i] >= remote[i]) {
       // A counter ahead of the server is pulled back to it.
@@ -210,12 +240,17 @@ UpdateCheck::Ended UpdateCheck::ApplyPatches(const PatchCounts& remote, const Pa
       if (const Ended ended = ApplyPatch(i, number)) return ended;
     }
   }
+  with_.download.ForgetFollowing();
+  with_.download.ForgetInterrupted();
   return std::nullopt;
 }
 
 UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
-  const std::string name = kCategories[category];
-  working_ = name + "/" + name + std::to_string(number) + ".zip";
+  working_ = ArchiveOf(category, number);
+  ++installed_;
+  const std::size_t ahead = std::min(patches_.size() - installed_, kMostAhead);
+  const auto next = patches_.begin() + static_cast<std::ptrdiff_t>(installed_);
+  with_.download.following.assign(next, next + static_cast<std::ptrdiff_t>(ahead));
   const Fetched fetched = with_.download.DescargarArchivo(working_, true);
   if (!MayGoOn()) return Interrupted();
   switch (fetched.result) {
@@ -236,12 +271,27 @@ UpdateCheck::Ended UpdateCheck::Record(std::size_t category, int number) {
   return StoppedAndTold("No se pudo anotar lo instalado.");
 }
 
+// The run has come to something that must be written.
+RunOutcome UpdateCheck::Unwritable() {
+  const std::string why = "No se puede escribir en la carpeta del juego: " + with_.services.folders.AppPath;
+  if (with_.services.flags.UpdatesOnly) return Stopped(why + ".");
+  const bool playable = with_.launch.Installed();
+  const bool restarts = with_.rights.Make(playable ? "se abrirá el juego tal como está" : "no podrás jugar");
+  if (restarts || !MayGoOn()) return Interrupted();
+  if (!playable) return Stopped(why + ".");
+  with_.services.recorder.Note(why);
+  with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
+  return {End::GameStarted, {}, {}};
+}
+
 RunOutcome UpdateCheck::Complete(int& line) {
   line = 140;
-  with_.installation.DescomprimirArchivos(
-      [this](const std::string& packed) { return with_.index.DigestOf(packed); });
-  line = 150;
-  RemoveLooseBitmaps();
+  if (FolderWritable()) {
+    with_.installation.DescomprimirArchivos(
+        [this](const std::string& packed) { return with_.index.DigestOf(packed); });
+    line = 150;
+    RemoveLooseBitmaps();
+  }
   if (!MayGoOn()) return Interrupted();
   line = 160;
   with_.launch.EjecutarKelvar(with_.services.deployment.parameter);
@@ -260,6 +310,8 @@ void UpdateCheck::RemoveLooseBitmaps() {
 
 // The copy of the last archive, and the folders that packed files came in.
 void UpdateCheck::RemoveScratch() {
+  with_.download.ForgetFollowing();
+  with_.download.EndWhole();
   platform::TryRemoveFile(with_.services.folders.Scratch("tmp.tmp"));
   platform::RemoveEmptyFolders(with_.services.folders.ResourcesUpdateDir);
 }

@@ -13,6 +13,7 @@
 #include "update/index_stage.hpp"
 #include "update/installed_game.hpp"
 #include "update/patch_installation.hpp"
+#include "update/rights_offer.hpp"
 #include "update/run_mode.hpp"
 #include "update/trust.hpp"
 #include "update/update_list.hpp"
@@ -40,6 +41,7 @@ class UpdateCheck {
     IndexStage& index;
     PatchInstallation& installation;
     GameLaunch& launch;
+    RightsOffer& rights;
     InstalledGame& installed;
   };
 
@@ -58,22 +60,27 @@ class UpdateCheck {
   bool MayGoOn() const { return with_.mode.MayGoOn() && !with_.trust.Outdated(); }
   Ended PatchStage(int& line, bool hostInDoubt);
   Ended AcceptPublication();
+  RunOutcome OfferGame(const RunOutcome& stopped);
   Ended FetchCounts(PatchCounts& remote, PatchCounts& local, int& line);
   Ended FetchList(PatchCounts& remote, PatchCounts& local, int& line);
   Attempt AttemptList(PatchCounts& remote, PatchCounts& local, int& line);
   Ended ApplyPatches(const PatchCounts& remote, const PatchCounts& local);
+  void PlanPatches(const PatchCounts& remote, const PatchCounts& local);
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
   RunOutcome Complete(int& line);
+  RunOutcome Unwritable();
+  bool FolderWritable() const { return with_.services.flags.FolderWritable; }
   RunOutcome Interrupted() const;
-  RunOutcome OfferGame(const RunOutcome& stopped);
   void RemoveLooseBitmaps();
   void RemoveScratch();
   void Show(const char* status);
 
   Collaborators with_;
-  std::string working_;           // what the run is at, for the error report
-  std::exception_ptr listError_;  // what the last list raised when it was read
+  std::vector<std::string> patches_;  // names of those that this run installs, in their order
+  std::size_t installed_ = 0;         // of them
+  std::string working_;               // what the run is at, for the error report
+  std::exception_ptr listError_;      // what the last list raised when it was read
 };
 
 }  // namespace update

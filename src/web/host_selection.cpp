@@ -16,6 +16,7 @@ constexpr std::uint32_t kPauseMs = 100;
 constexpr std::uint32_t kPauseSlices = 10;  // the window handles its events after each
 constexpr std::uint32_t kShortestPauseMs = 1'000, kLongestPauseMs = 30'000;
 constexpr std::uint32_t kPauseSliceMs = 50;
+constexpr std::uint32_t kReturnMs = 60'000;  // in which a machine that woke has its network again
 constexpr const char* kProbeFile = "Online.txt";
 
 // A page with status 200 in place of the digit gives itself away by these words.
@@ -120,6 +121,7 @@ bool HostSelection::Answers() {
 }
 
 void HostSelection::Choose() {
+  changed_ = false;
   hosts_.CurrentUpdateURL = hosts_.WebBaseURL;
   Persist(keys::kLastUrl, hosts_.CurrentUpdateURL);
   Persist(keys::kUrlWeb, hosts_.WebBaseURL);
@@ -145,6 +147,17 @@ bool HostSelection::ConfirmHost() {
   }
   Choose();
   return true;
+}
+
+bool HostSelection::AwaitReturn(const std::function<bool()>& mayGoOn) {
+  if (!changed_.exchange(false)) return false;
+  const std::uint64_t end = services_.host.clock.Milliseconds() + kReturnMs;
+  roundPauseMs_ = 0;
+  while (mayGoOn() && services_.host.clock.Milliseconds() < end) {
+    if (ConfirmHost()) return true;
+    PauseBetweenRounds(mayGoOn);
+  }
+  return false;
 }
 
 Round HostSelection::BeginRound() const {

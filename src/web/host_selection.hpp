@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <functional>
 #include <random>
@@ -51,6 +52,12 @@ class HostSelection {
   // Returns early when the program ends or `mayGoOn`, if given, says no.
   void ComenzarActualizacion(const std::function<bool()>& mayGoOn = {});
   void Hurry() { hurry_ = true; }
+  // The machine woke or its network is another one: as Hurry, and AwaitReturn waits. May be called from any
+  // thread.
+  void NetworkChanged() { hurry_ = changed_ = true; }
+  // When NetworkChanged was called since a mirror answered last: waits up to a minute for one to answer,
+  // since the network may need a while. False when none did, and at once when it was not called.
+  bool AwaitReturn(const std::function<bool()>& mayGoOn);
 
   // As ComenzarActualizacion, but gives up, and returns false, after one whole round.
   bool ConfirmHost();
@@ -88,7 +95,7 @@ class HostSelection {
   web::AnswerCache cache_;  // of good probes
   std::size_t place_ = 0;   // in the ring, of the mirror chosen last
   std::minstd_rand random_{std::random_device{}()};
-  bool hurry_ = false;
+  std::atomic<bool> hurry_ = false, changed_ = false;
   std::uint32_t roundPauseMs_ = 0;  // before the last round; 0: none failed yet
   bool ShownConnecting = false;
   bool LastCheckOK = false;

@@ -1,25 +1,20 @@
 #include "web/smodXmlHttp.hpp"
 
-#include <algorithm>
-#include <atomic>
 #include <exception>
 #include <stop_token>
 
-#include "base/numeric.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
 #include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "web/answer_cache.hpp"
-#include "web/file_sink.hpp"
+#include "web/progress.hpp"
 #include "web/text_fetch.hpp"
 
 namespace web {
 namespace {
 
 using platform::OutputFile;
-
-constexpr std::uint32_t kStallLimitMs = 10'000;  // a mirror that gives nothing for so long is as good as none
 
 // Runs a step whose failure changes nothing for the caller.
 template <class Step>
@@ -29,63 +24,6 @@ void Attempt(Step step) {
   } catch (const std::exception&) {
   }
 }
-
-// Tells the player how far a download is and how fast it goes.
-class Progress {
- public:
-  Progress(platform::Clock& clock, controls::MainWindow& frmMain, const Received& received)
-      : clock_(clock), frmMain_(frmMain), received_(received), sampleTime_(clock.Milliseconds()) {
-    frmMain_.ProgressBar1.Value = 0;
-    frmMain_.ProgressBar1.Visible = true;
-  }
-
-  void Show() {
-    const std::uint64_t bytes = received_.bytes;
-    if (bytes == 0) return;
-    const std::uint64_t total = received_.total;
-    Sample(bytes);
-    const std::string amount = KbText(bytes) + (total == 0 ? "" : " de " + KbText(total));
-    frmMain_.lblVelocity.Caption = amount + " a " + base::NumberText(speed_) + "kb/s";
-    if (total != 0) Raise(bytes, total);
-  }
-
-  void ShowEnd() {
-    Show();
-    frmMain_.ProgressBar1.Value = frmMain_.ProgressBar1.Max.Get();
-    frmMain_.lblsize.Caption = KbText(received_.bytes);
-  }
-
- private:
-  static constexpr std::uint64_t kSampleMs = 500;
-
-  static std::string KbText(std::uint64_t bytes) { return std::to_string(base::Kilobytes(bytes)) + "kb"; }
-
-  void Sample(std::uint64_t bytes) {
-    const std::uint64_t elapsed = clock_.Milliseconds() - sampleTime_;
-    if (elapsed == 0 || (sampled_ && elapsed <= kSampleMs)) return;
-    const double kilobytesPerSecond =
-        static_cast<double>(bytes - sampleBytes_) / 1024 * 1000 / static_cast<double>(elapsed);
-    speed_ = base::RoundHalfEven(kilobytesPerSecond * 100) / 100;
-    if (elapsed <= kSampleMs) return;  // the first moments are measured from the start
-    sampled_ = true;
-    sampleTime_ += elapsed;
-    sampleBytes_ = bytes;
-  }
-
-  void Raise(std::uint64_t bytes, std::uint64_t total) {
-    const double most = std::max<double>(1, static_cast<double>(base::Kilobytes(total)));
-    frmMain_.ProgressBar1.Max = most;
-    frmMain_.ProgressBar1.Value = std::min(most, static_cast<double>(base::Kilobytes(bytes)));
-  }
-
-  platform::Clock& clock_;
-  controls::MainWindow& frmMain_;
-  const Received& received_;
-  std::uint64_t sampleTime_;
-  std::uint64_t sampleBytes_ = 0;
-  double speed_ = 0;
-  bool sampled_ = false;
-};
 
 // Whether there was no answer at all although there could have been one.
 bool Unreachable(const platform::HttpOutcome& outcome) {
@@ -115,38 +53,40 @@ void smodXmlHttp::ShowUnreachable() {
 }
 
 TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath,
-                                              const Expected& expected) {
+                                              const Expected& expected, const std::string& part) {
   state_.Finished = false;
   TransferReport report;
   // Nothing is fetched where the save would be refused.
   if (platform::IsFile(localPath)) report.own = base::RuntimeError(base::ErrorNumber::FileAlreadyExists);
   if (services_.lifetime.Ending()) report.outcome.error = platform::HttpError::Cancelled;
   if (services_.lifetime.Ending() || report.own) return report;
-  Received received;
-  bool kept = false;
-  Progress progress(services_.host.clock, frmMain_, received);
+  const std::shared_ptr<FetchAhead::Item> item = ahead_.Claim(url);
+  Received direct;
+  FetchedFile fetched;
+  Progress progress(services_.host.clock, frmMain_, item ? item->received : direct, whole);
   const auto work = [&](std::stop_token stop) {
-    FileSink sink(localPath, {.expected = expected}, received);
-    report.outcome = services_.host.http.Get(
-        {.url = url, .stallLimitMs = kStallLimitMs, .wholeLimitMs = pace_.LimitMs(expected)}, sink, stop);
-    // What is saved here is unpacked and deleted; after a power cut it is fetched again.
-    kept = report.outcome.Complete() && sink.Commit(OutputFile::Lasting::No);
-    report.otherContent = sink.OtherContent();
-    if (!kept) return;
+    const FileRequest request{.url = url,
+                              .path = localPath,
+                              .expected = expected,
+                              .part = part,
+                              .wholeLimitMs = pace_.LimitMs(expected)};
+    fetched = item ? item->Wait(localPath, stop) : FetchFile(services_.host.http, request, direct, stop);
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
-    if (report.outcome.status == 200) {
+    if (fetched.kept && fetched.report.Good())
       Attempt([&] { platform::ShareFile(localPath, services_.folders.Scratch("tmp.tmp")); });
-    }
   };
   RunTransfer(
-      work, [&] { progress.Show(); }, report);
-  report.bytes = received.bytes;
-  if (received.total != 0) report.announced = received.total;
-  state_.Finished = kept && report.Arrived();
+      work, [&] { progress.Show(); }, fetched.report);
+  state_.Finished = fetched.kept && fetched.report.Arrived();
   if (state_.Finished) progress.ShowEnd();
-  return report;
+  return fetched.report;
+}
+
+void smodXmlHttp::FetchNext(std::vector<FileRequest> next, const FetchAhead::Limits& limits) {
+  for (FileRequest& request : next) request.wholeLimitMs = pace_.LimitMs(request.expected);
+  ahead_.Want(std::move(next), limits);
 }
 
 // `work` on another thread; what it raises goes into the report.

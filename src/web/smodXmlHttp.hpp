@@ -9,7 +9,9 @@
 #include "startup/services.hpp"
 #include "web/download_state.hpp"
 #include "web/expected.hpp"
+#include "web/fetch_ahead.hpp"
 #include "web/pace.hpp"
+#include "web/progress.hpp"
 #include "web/text_fetch.hpp"
 #include "web/text_options.hpp"
 
@@ -20,7 +22,12 @@ class smodXmlHttp {
  public:
   smodXmlHttp(const startup::Services& services, controls::MainWindow& frmMain, DownloadState& state,
               const Hosts& hosts, const Pace& pace = {})
-      : services_(services), frmMain_(frmMain), state_(state), hosts_(hosts), pace_(pace) {}
+      : services_(services),
+        frmMain_(frmMain),
+        state_(state),
+        hosts_(hosts),
+        pace_(pace),
+        ahead_(services.host.http, services.folders.Scratch("ahead")) {}
 
   // The body of an answer as text (at most 16 MiB), whatever the status; when there was no answer at all,
   // lblName says so. The body of a 200 is also left in the scratch file Tmp.tmp.
@@ -30,9 +37,17 @@ class smodXmlHttp {
   // DownloadState.Finished; shows its progress in the main window. On failure Finished is false and there is
   // no file. The body of a 200 is also left in the scratch file tmp.tmp. DownloadState.CancelRequested ends
   // it. A disk without room for the announced length takes no byte of it. Where anything is expected, only
-  // what is exactly that is saved, and no page; the report says when something else came.
+  // what is exactly that is saved, and no page; the report says when something else came. `part`, a path in a
+  // folder of its own, holds what an interrupted transfer left, and the next one goes on there. A file that
+  // FetchNext began is taken over.
   TransferReport DownloadUrlToFile(const std::string& url, const std::string& localPath,
-                                   const Expected& expected = {});
+                                   const Expected& expected = {}, const std::string& part = {});
+
+  // Begins to fetch what will be asked for next, see FetchAhead; ForgetNext ends that.
+  void FetchNext(std::vector<FileRequest> next, const FetchAhead::Limits& limits);
+  void ForgetNext() { ahead_.Stop(); }
+
+  WholeUpdate whole;  // that the next downloads belong to
 
   // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
   // whole file arrived.
@@ -48,6 +63,7 @@ class smodXmlHttp {
   DownloadState& state_;
   const Hosts& hosts_;
   const Pace pace_;
+  FetchAhead ahead_;
 };
 
 // Checks on addresses that a web host answered.

@@ -16,6 +16,7 @@ struct TransferReport {
   std::uint64_t bytes = 0;                   // of the body, as they came
   std::optional<std::uint64_t> announced{};  // how many the server meant to send, where it said so
   std::optional<base::RuntimeError> own{};   // a failure of this machine (a full disk, a file in use)
+  bool resumed = false;                      // it went on where an earlier transfer was interrupted
 
   bool otherContent = false;  // what came is not the file that was expected
 

@@ -35,6 +35,7 @@ class RecordingScreen : public ui::Screen, public controls::Face {
   void BringToForeground(controls::Window& window) override { Note("Foreground", window); }
   void SetTopmost(controls::Window& window) override { Note("Topmost", window); }
   void StartDrag(controls::Window& window) override { Note("Drag", window); }
+  void LetOthersComeToFront() override { calls.push_back("Let others come to front"); }
   bool PlayerIsBusy() override { return playerIsBusy; }
   void NotifyIcon(ui::TrayAction action, const std::string& tip) override {
     calls.push_back("Icon " + std::to_string(static_cast<int>(action)) + " " + tip);

@@ -1,3 +1,4 @@
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -11,6 +12,7 @@
 #include <system_error>
 
 #include "base/runtime_error.hpp"
+#include "base/unique_handle.hpp"
 #include "platform/files.hpp"
 #include "platform/posix/system_error.hpp"
 #include "platform/posix/unique_fd.hpp"
@@ -25,6 +27,20 @@ bool StatOf(const std::string& path, struct stat& status) { return stat(path.c_s
 FileStamp StampFrom(const struct stat& status) {
   return {static_cast<std::uint64_t>(status.st_size),
           status.st_mtim.tv_sec * std::int64_t{1'000'000'000} + status.st_mtim.tv_nsec};
+}
+
+struct DirectoryTraits : base::NullIsNone<DIR*> {
+  static void Close(DIR* directory) { closedir(directory); }
+};
+using UniqueDirectory = base::UniqueHandle<DirectoryTraits>;
+
+// Not every file system tells it with the name.
+unsigned char KindOf(DIR* directory, const dirent& entry) {
+  struct stat status;
+  if (entry.d_type != DT_UNKNOWN ||
+      fstatat(dirfd(directory), entry.d_name, &status, AT_SYMLINK_NOFOLLOW) != 0)
+    return entry.d_type;
+  return IFTODT(status.st_mode);
 }
 
 }  // namespace
@@ -155,15 +171,18 @@ std::vector<FolderEntry> ListFolder(const std::string& folder) {
 
 std::vector<FoundFile> ListTree(const std::string& folder) {
   std::vector<FoundFile> found;
-  std::string base = folder;
-  while (base.size() > 1 && base.back() == '/') base.pop_back();
-  try {
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(base)) {
-      if (entry.is_symlink() || !entry.is_regular_file()) continue;  // as listed, without asking again
-      found.push_back({entry.path().native().substr(base == "/" ? 1 : base.size() + 1)});
+  std::vector<std::string> folders{""};  // relative, each with its trailing separator
+  while (!folders.empty()) {
+    const std::string relative = std::move(folders.back()), path = folder + kSeparator + relative;
+    folders.pop_back();
+    const UniqueDirectory directory(opendir(path.c_str()));
+    if (!directory) RaiseErrno(errno == ENOENT ? ENOTDIR : errno, path);
+    while (const dirent* entry = readdir(directory.get())) {
+      const std::string_view name = entry->d_name;
+      const unsigned char kind = KindOf(directory.get(), *entry);
+      if (kind == DT_REG) found.push_back({relative + entry->d_name});
+      if (kind == DT_DIR && name != "." && name != "..") folders.push_back(relative + entry->d_name + "/");
     }
-  } catch (const fs::filesystem_error& error) {
-    RaiseErrno(error.code().value() == ENOENT ? ENOTDIR : error.code().value(), folder);
   }
   std::sort(found.begin(), found.end(),
             [](const FoundFile& a, const FoundFile& b) { return a.path < b.path; });

@@ -108,6 +108,16 @@ NewFile::NewFile(const std::string& path, Kind kind) : handle_(std::make_unique<
   if (!handle_->fd) RaiseErrno(errno, path);
 }
 
+NewFile::NewFile(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
+
+NewFile NewFile::Continuing(const std::string& path) {
+  auto handle = std::make_unique<Handle>();
+  handle->path = path;
+  handle->fd = UniqueFd(open(path.c_str(), O_WRONLY | O_APPEND | O_CLOEXEC));
+  if (!handle->fd) RaiseErrno(errno, path);
+  return NewFile(std::move(handle));
+}
+
 NewFile::~NewFile() = default;
 NewFile::NewFile(NewFile&&) noexcept = default;
 

@@ -7,7 +7,6 @@
 
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "platform/win32/file_stamp.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/system_error.hpp"
 #include "platform/win32/system_library.hpp"
@@ -114,10 +113,13 @@ std::uint64_t InputFile::Size() const {
   return static_cast<std::uint64_t>(size.QuadPart);
 }
 
+// Not by the call that tells all of a file at once: it asks for the number of the volume too, which takes
+// longer than opening and reading a small file.
 FileStamp InputFile::Stamp() const {
-  BY_HANDLE_FILE_INFORMATION information;
-  if (!GetFileInformationByHandle(handle_->file.get(), &information)) RaiseSystemError(GetLastError());
-  return StampFrom(information);
+  FILE_BASIC_INFO information;
+  if (!GetFileInformationByHandleEx(handle_->file.get(), FileBasicInfo, &information, sizeof information))
+    RaiseSystemError(GetLastError());
+  return {Size(), information.LastWriteTime.QuadPart};
 }
 
 std::size_t InputFile::Read(std::span<std::byte> into) {
@@ -152,6 +154,14 @@ struct NewFile::Handle {
 
 NewFile::NewFile(const std::string& path, Kind) : handle_(std::make_unique<Handle>()) {
   handle_->file = Open(path, GENERIC_WRITE, CREATE_NEW);
+}
+
+NewFile::NewFile(std::unique_ptr<Handle> handle) : handle_(std::move(handle)) {}
+
+NewFile NewFile::Continuing(const std::string& path) {
+  auto handle = std::make_unique<Handle>();
+  handle->file = Open(path, FILE_APPEND_DATA, OPEN_EXISTING);
+  return NewFile(std::move(handle));
 }
 
 NewFile::~NewFile() = default;

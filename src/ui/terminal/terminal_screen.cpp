@@ -18,8 +18,11 @@ constexpr std::string_view kTrayWindow = "FrmSysTrays";  // whose the menu's ent
 // Pointers are nothing to be read, and whether a button is idle its picture tells.
 bool IsPrinted(std::string_view property) { return property != "MouseIcon" && property != "Idle"; }
 
+bool IsControl(char c) { return (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == 127; }
+
 // One line: a line break as \n, other control characters, which could drive the terminal, as "?".
 std::string OneLine(std::string_view text) {
+  if (std::none_of(text.begin(), text.end(), IsControl)) return std::string(text);
   std::string line;
   for (std::size_t i = 0; i < text.size(); ++i) {
     const char c = text[i];
@@ -27,8 +30,7 @@ std::string OneLine(std::string_view text) {
       if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') ++i;
       line += "\\n";
     } else {
-      const bool control = (static_cast<unsigned char>(c) < ' ' && c != '\t') || c == 127;
-      line += control ? '?' : c;
+      line += IsControl(c) ? '?' : c;
     }
   }
   return line;

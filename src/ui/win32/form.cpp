@@ -357,12 +357,16 @@ LRESULT Form::Message(UINT message, WPARAM wParam, LPARAM lParam) {
     case WM_CLOSE:
       window_.QueryUnload(controls::UnloadMode::ControlMenu);
       return 0;
-    // Nothing is ever half written, so the session may end at any time.
+    // Nothing is ever half written, so the session may end at any time; what is under way gets the time that
+    // the system grants.
     case WM_QUERYENDSESSION:
       return TRUE;
     case WM_ENDSESSION:
       if (wParam) window_.QueryUnload(controls::UnloadMode::SystemShutdown);
       return 0;
+    case WM_POWERBROADCAST:
+      if (wParam == PBT_APMRESUMEAUTOMATIC) share_.resumed();
+      return TRUE;
     case WM_SIZE:
       SizeChanged(wParam);
       break;

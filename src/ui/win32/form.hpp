@@ -24,7 +24,9 @@ struct FormShare {
   PictureCache pictures;
   TaskbarProgress taskbar;
   Theme theme;
-  std::function<void()> settingsChanged;  // of the system; a form was told of it
+  // A form was told of it by the system.
+  std::function<void()> settingsChanged;
+  std::function<void()> resumed;  // the machine woke
 };
 
 // A real window that shows one window of the program: frame, scale, background, focus and the pointer's

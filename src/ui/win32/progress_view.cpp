@@ -28,7 +28,7 @@ class ProgressView : public View {
   }
 
   void Changed(std::string_view property) override {
-    if (property == "Value" || property == "Max" || property == "Failed") Report();
+    if (property == "Value" || property == "Max" || property == "Failed" || property == "Whole") Report();
     View::Changed(property);
   }
 
@@ -51,19 +51,26 @@ class ProgressView : public View {
   // A failure is seen however far the bar had come.
   double Shown() const { return bar_.Failed && Share() == 0 ? 1 : Share(); }
 
+  static int Steps(double share) {
+    return static_cast<int>(std::lround(std::clamp(share, 0.0, 1.0) * kSteps));
+  }
+
   void Report() {
-    const int step = static_cast<int>(std::lround(Shown() * kSteps));
+    const int step = Steps(Shown());
+    const int whole = bar_.Whole < 0 || bar_.Failed ? step : Steps(bar_.Whole);
+    if (whole != told_ || bar_.Failed != failed_) form_.ShowProgress(whole, kSteps, bar_.Failed);
+    told_ = whole;
     if (step == shown_ && bar_.Failed == failed_) return;
     shown_ = step;
     failed_ = bar_.Failed;
     SendMessageW(Handle(), PBM_SETPOS, static_cast<WPARAM>(step), 0);
     Invalidate();
     NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, Handle(), OBJID_CLIENT, CHILDID_SELF);
-    form_.ShowProgress(step, kSteps, failed_);
   }
 
   controls::ProgressBar& bar_;
   int shown_ = 0;
+  int told_ = 0;  // to the taskbar
   bool failed_ = false;
 };
 

@@ -10,6 +10,9 @@ namespace ui::win32 {
 
 Win32Screen::Win32Screen() : tray_(share_.pictures, [this](int number) { TrayMessage(number); }) {
   share_.settingsChanged = [this] { SettingsChanged(); };
+  share_.resumed = [this] {
+    if (resumed) resumed();
+  };
 }
 
 // Every form is told of the same change; the first one to tell it settles it.

@@ -13,7 +13,12 @@ class PrivateFolders {
     std::string name = (std::filesystem::temp_directory_path() / "launcher-home-XXXXXX").string();
     if (!mkdtemp(name.data())) throw std::runtime_error("no temporary folder");
     base_ = name;
+    // A test may look at them with the eyes of another user.
+    using std::filesystem::perms;
+    std::filesystem::permissions(base_, perms::group_exec | perms::others_exec,
+                                 std::filesystem::perm_options::add);
     setenv("XDG_CONFIG_HOME", (base_ / "config").c_str(), 1);
+    setenv("XDG_DATA_HOME", (base_ / "data").c_str(), 1);
     std::filesystem::create_directory(base_ / "run");
     setenv("XDG_RUNTIME_DIR", (base_ / "run").c_str(), 1);
     // The servers of the tests are on this machine.

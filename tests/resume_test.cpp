@@ -1,0 +1,261 @@
+// Interrupted downloads go on where they stopped, and what is wanted next is fetched ahead.
+#include <gtest/gtest.h>
+
+#include "platform/files.hpp"
+#include "support/launcher_run.hpp"
+#include "support/web_world.hpp"
+#include "web/fetch_ahead.hpp"
+
+namespace {
+
+using support::Answer;
+using support::FaultyServer;
+using support::SeenRequest;
+
+std::string Body(std::size_t size) {
+  std::string body(size, ' ');
+  for (std::size_t i = 0; i < size; ++i) body[i] = static_cast<char>(i * 31 + i / 256);
+  return body;
+}
+
+const std::string kWhole = Body(2'000'000);
+constexpr std::size_t kCut = 1'300'000;
+const support::Headers kRanges = {{"ETag", "\"v1\""}, {"Accept-Ranges", "bytes"}};
+
+struct ResumeTest : testing::Test, support::WebWorld {
+  web::TransferReport Fetch(const std::string& path = "/a.zip") {
+    platform::TryRemoveFile(target);
+    return transfers.DownloadUrlToFile(server.Url(path), target, {}, part);
+  }
+  // The first transfer is cut.
+  void Interrupt(const support::Headers& headers) {
+    Answer cut = support::CutShort(kWhole, kCut);
+    cut.headers = headers;
+    server.On("/a.zip", cut);
+    EXPECT_FALSE(Fetch().Good());
+    EXPECT_FALSE(platform::IsFile(target));
+    server.Forget();
+  }
+  static Answer Rest(std::size_t from, const std::string& tag = "\"v1\"") {
+    return {.status = 206,
+            .headers = {{"ETag", tag},
+                        {"Content-Range", "bytes " + std::to_string(from) + "-" +
+                                              std::to_string(kWhole.size() - 1) + "/" +
+                                              std::to_string(kWhole.size())}},
+            .body = kWhole.substr(from)};
+  }
+  std::size_t Came() const {
+    const auto stamp = platform::StampOf(part);
+    return stamp ? static_cast<std::size_t>(stamp->size) : 0;
+  }
+
+  FaultyServer server;
+  const std::string target = folder / "game/a.zip",
+                    part = folders.Scratch("parts") + platform::kSeparator + "a";
+};
+
+TEST_F(ResumeTest, GoesOnOnlyWithTheSameFileOfTheSameServer) {
+  const struct {
+    const char* name;
+    support::Headers first;
+    std::function<Answer(const SeenRequest&, std::size_t came)> then;
+    bool asksForRest;
+    std::size_t requests;
+    const char* lastRange;  // of the last request: "" for the whole
+  } cases[] = {
+      {"the rest", kRanges, [](auto&, std::size_t came) { return Rest(came); }, true, 1, "rest"},
+      {"another file by now", kRanges, [](auto&, std::size_t) { return support::Text(kWhole); }, true, 1,
+       "rest"},
+      {"another part", kRanges,
+       [](const SeenRequest& request, std::size_t came) {
+         return request.Header("range").empty() ? support::Text(kWhole) : Rest(came - 1);
+       },
+       true, 2, ""},
+      {"a part of another file", kRanges,
+       [](const SeenRequest& request, std::size_t came) {
+         return request.Header("range").empty() ? support::Text(kWhole) : Rest(came, "\"v2\"");
+       },
+       true, 2, ""},
+      {"no such part", kRanges,
+       [](const SeenRequest& request, std::size_t) {
+         return request.Header("range").empty() ? support::Text(kWhole) : support::Page(416, "no");
+       },
+       true, 2, ""},
+      {"no ranges",
+       {{"ETag", "\"v1\""}},
+       [](auto&, std::size_t) { return support::Text(kWhole); },
+       false,
+       1,
+       ""},
+      {"a weak tag",
+       {{"ETag", "W/\"v1\""}, {"Accept-Ranges", "bytes"}},
+       [](auto&, std::size_t) { return support::Text(kWhole); },
+       false,
+       1,
+       ""},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    Interrupt(test.first);
+    const std::size_t came = Came();
+    EXPECT_EQ(came > 0, test.asksForRest);
+    server.On("/a.zip", [&](const SeenRequest& request) { return test.then(request, came); });
+    const web::TransferReport report = Fetch();
+    EXPECT_TRUE(report.Good()) << report.Details();
+    EXPECT_TRUE(platform::ReadWhole(target, 1 << 24) == kWhole);
+    const auto seen = server.Seen();
+    ASSERT_EQ(seen.size(), test.requests);
+    const std::string rest = "bytes=" + std::to_string(came) + "-";
+    EXPECT_EQ(seen[0].Header("range"), test.asksForRest ? rest : "");
+    EXPECT_EQ(seen[0].Header("if-range"), test.asksForRest ? "\"v1\"" : "");
+    EXPECT_EQ(seen.back().Header("range"), std::string_view(test.lastRange) == "rest" ? rest : "");
+    EXPECT_EQ(Came(), 0u) << "it is of no more use";
+    EXPECT_TRUE(platform::ListFolder(folders.Scratch("parts")).empty());
+  }
+}
+
+TEST_F(ResumeTest, WhatLiesThereOfAnotherAddressIsDropped) {
+  Interrupt(kRanges);
+  server.On("/b.zip", support::Text("another"));
+  EXPECT_TRUE(Fetch("/b.zip").Good());
+  EXPECT_EQ(server.Seen()[0].Header("range"), "");
+  EXPECT_EQ(Came(), 0u);
+}
+
+TEST_F(ResumeTest, AnUnreadableNoteOrAGrownPartBeginsAgain) {
+  for (const bool grown : {false, true}) {
+    Interrupt(kRanges);
+    if (grown) {
+      platform::AppendTo(part, kWhole);
+    } else {
+      platform::WriteWhole(part + ".txt", "nonsense\n\n\n\n\n");
+    }
+    server.On("/a.zip", support::Text(kWhole));
+    EXPECT_TRUE(Fetch().Good());
+    EXPECT_EQ(server.Seen()[0].Header("range"), "");
+  }
+}
+
+// A whole launcher: the line breaks in the second archive, and the player starts it again.
+TEST(Resume, AcrossAStartOfTheLauncher) {
+  support::LauncherRun run;
+  run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/1.map", "uno"}});
+  run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/2.map", kWhole, true}});
+  run.mirror.AddBinFile("KVN-DX8.exe", "el cliente");
+  run.mirror.Publish();
+  const std::string path = run.mirror.PathOf("OldAct/Mapas/Mapas2.zip");
+  const std::string whole = run.mirror.server.AnswerFor({"GET", path, {}}).body;
+  Answer cut = support::CutShort(whole, kCut, Answer::Cut::Silence);
+  cut.headers = kRanges;
+  run.mirror.server.On(path, cut);
+  run.Start();
+  run.Play();
+  const std::string part = run.folder / (run.game + "/RECURSOS/INIT/UPDATE/parts/MapasMapas2.zip");
+  run.Until([&] { return platform::StampOf(part) && platform::StampOf(part)->size > 100'000; }, "a part");
+  run.Launched().CloseLauncher();
+  run.Until([&] { return run.Launched().Life().Ending(); }, "the end");
+  std::string range;
+  run.mirror.server.On(path, [&](const SeenRequest& request) {
+    range = request.Header("range");
+    const std::size_t from = range.empty() ? 0 : std::stoul(range.substr(6));
+    return Answer{.status = range.empty() ? 200 : 206,
+                  .headers = {{"Content-Range", "bytes " + std::to_string(from) + "-" +
+                                                    std::to_string(whole.size() - 1) + "/" +
+                                                    std::to_string(whole.size())}},
+                  .body = whole.substr(from)};
+  });
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  EXPECT_NE(range, "") << "it went on where it had stopped";
+  EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
+}
+
+struct AheadTest : testing::Test, support::WebWorld {
+  web::FileRequest Request(const std::string& path) { return {.url = server.Url(path), .path = {}}; }
+  std::vector<web::FileRequest> Requests(const std::vector<std::string>& paths) {
+    std::vector<web::FileRequest> requests;
+    for (const std::string& path : paths) requests.push_back(Request(path));
+    return requests;
+  }
+  std::string Order() {
+    std::string order;
+    for (const std::string& target : server.Targets()) order += target.substr(1);
+    return order;
+  }
+  std::size_t Files() const { return platform::IsFolder(scratch) ? platform::ListFolder(scratch).size() : 0; }
+
+  FaultyServer server;
+  const std::string scratch = folders.Scratch("ahead");
+  web::FetchAhead ahead{*host.http, scratch};
+};
+
+TEST_F(AheadTest, StaysWithinItsLimitsAndInOrder) {
+  server.Otherwise([](const SeenRequest&) { return support::Text(std::string(1'000, 'x')); });
+  ahead.Want(Requests({"/a", "/b", "/c", "/d", "/e", "/f"}), {.files = 3, .bytes = 1 << 20});
+  ASSERT_TRUE(PumpUntil([&] { return Files() == 3; }));
+  EXPECT_EQ(Order(), "abc");
+  const auto item = ahead.Claim(server.Url("/a"));
+  ASSERT_TRUE(item);
+  EXPECT_TRUE(item->Wait(folder / "a", {}).kept);
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "abcd"; }));
+  EXPECT_EQ(ahead.Claim(server.Url("/f")), nullptr) << "not begun";
+  ahead.Want(Requests({"/z"}), {});
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "abcdz"; }));
+  ahead.Stop();
+  EXPECT_EQ(Files(), 0u) << "what nobody claimed is gone";
+  EXPECT_TRUE(platform::IsFile(folder / "a"));
+}
+
+TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
+  const struct {
+    Answer second;
+    bool claimed;
+  } cases[] = {{support::Page(404, "no"), true}, {support::Text(std::string(5'000, 'x')), false}};
+  for (const auto& test : cases) {
+    server.Forget();
+    server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
+    server.On("/b", test.second);
+    ahead.Want(Requests({"/a", "/b", "/c"}), {.files = 4, .bytes = 4'000});
+    ASSERT_TRUE(PumpUntil([&] { return Order() == "ab"; }));
+    const auto first = ahead.Claim(server.Url("/a"));
+    ASSERT_TRUE(first);
+    EXPECT_TRUE(first->Wait(folder / "a", {}).report.Good());
+    const auto second = ahead.Claim(server.Url("/b"));
+    if (test.claimed) {
+      ASSERT_TRUE(second);
+      EXPECT_FALSE(second->Wait(folder / "b", {}).report.Good());
+    }
+    EXPECT_EQ(ahead.Claim(server.Url("/c")), nullptr);
+    ahead.Stop();
+    EXPECT_EQ(Order(), "ab");
+    platform::RemoveFile(folder / "a");
+    platform::TryRemoveFile(folder / "b");
+  }
+}
+
+TEST(Progress, TellsWhichPatchOfHowManyAndOnlyRises) {
+  support::LauncherRun run;
+  for (int i = 0; i < 3; ++i)
+    run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/" + std::to_string(i), Body(400'000), true}});
+  run.mirror.AddBinFile("KVN-DX8.exe", "el cliente");
+  run.mirror.Publish();
+  run.Start();
+  run.Play();
+  run.UntilEnded();
+  std::vector<std::string> patches;
+  for (const std::string& call : run.screen.Matching("frmMain.lblsize: Parche ")) {
+    const std::string place = call.substr(sizeof("frmMain.lblsize: Parche ") - 1, 6);
+    if (patches.empty() || patches.back() != place) patches.push_back(place);
+  }
+  EXPECT_EQ(patches, (std::vector<std::string>{"1 de 3", "2 de 3", "3 de 3"}));
+  double last = 0;
+  for (const std::string& call : run.screen.Matching("frmMain.ProgressBar1.Whole: ")) {
+    const double whole = std::stod(call.substr(sizeof("frmMain.ProgressBar1.Whole: ") - 1));
+    EXPECT_TRUE(whole >= last || whole < 0) << call;
+    last = whole;
+  }
+  EXPECT_LT(last, 0) << "it is over";
+}
+
+}  // namespace
