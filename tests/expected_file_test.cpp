@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <span>
 
 #include "platform/digest.hpp"
@@ -104,6 +105,7 @@ TEST_F(ExpectedFileTest, WhatIsTakenIntoMemoryIsBoundedInSizeAndTime) {
       {"trickle", {.body = body, .paceBytes = 10, .paceMs = 5}, body.size(), platform::HttpError::Stalled},
       {"cut", support::CutShort(body, 5), body.size(), platform::HttpError::CutShort},
   };
+  const auto begun = std::chrono::steady_clock::now();
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     server.On("/file", test.answer);
@@ -113,6 +115,7 @@ TEST_F(ExpectedFileTest, WhatIsTakenIntoMemoryIsBoundedInSizeAndTime) {
     EXPECT_EQ(got.report.outcome.error, test.error);
     EXPECT_TRUE(got.bytes == (test.error == platform::HttpError::None ? body : ""));
   }
+  EXPECT_LT(std::chrono::steady_clock::now() - begun, std::chrono::seconds(20)) << "the trickle takes 50";
 }
 
 TEST(Pace, TheLimitGrowsWithTheSize) {

@@ -127,7 +127,7 @@ struct ForgedClient : SignedRun {
   std::string LineOf(const std::string& name) const {
     const std::string record = folder.Get(game + "/Bin/MD5Update.ini");
     const std::size_t end = record.find(name) + name.size();
-    const std::size_t begin = record.rfind('\n', end) + 1;
+    const std::size_t begin = record.rfind('\n', end - 1) + 1;
     return record.substr(begin, end - begin);
   }
   const std::string kClientName = "KVN-DX8.exe";

@@ -28,6 +28,7 @@ struct MachineClock : platform::Clock {
   std::uint64_t Milliseconds() override { return real->Milliseconds(); }
   std::uint32_t SystemUptime() override { return freshlyBooted ? 5'000 : 3'600'000; }
   void Sleep(std::uint32_t milliseconds) override { real->Sleep(milliseconds); }
+  std::int64_t UnixTime() override { return real->UnixTime(); }
   std::string DateText() override { return real->DateText(); }
   std::string TimeText() override { return real->TimeText(); }
   std::unique_ptr<platform::Clock> real = platform::MakeClock();

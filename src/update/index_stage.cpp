@@ -105,10 +105,9 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() const {
-  if (!services_.flags.FolderWritable || !index_.ReadWholly()) return;
-  bool namesAny = false;
-  for (std::size_t i = 0; i < index_.Count() && !namesAny; ++i) namesAny = !index_[i].inBin.empty();
-  if (!namesAny || !IsFolderItself(services_.folders.BinDir)) return;
+  const bool namesAny = index_.Count() > index_.RefusedCount();
+  if (!services_.flags.FolderWritable || !index_.ReadWholly() || !namesAny) return;
+  if (!IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));

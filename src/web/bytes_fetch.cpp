@@ -1,6 +1,9 @@
 #include "web/bytes_fetch.hpp"
 
+#include <atomic>
 #include <chrono>
+#include <optional>
+#include <stop_token>
 
 #include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
@@ -12,27 +15,24 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::uint32_t kStallLimitMs = 10'000;
 
-// Real time is counted, since the limits of a transfer are real time too.
-class PacedSink : public platform::HttpSink {
+class MemorySink : public platform::HttpSink {
  public:
-  PacedSink(std::size_t most, const Pace& pace) : most_(most), pace_(pace) {}
+  explicit MemorySink(std::size_t most) : most_(most) {}
 
   void Begin(const platform::HttpHead& head) override { announced = head.contentLength; }
   bool Write(std::span<const std::byte> more) override {
     if (more.size() > most_ - bytes.size()) return false;
     bytes.append(reinterpret_cast<const char*>(more.data()), more.size());
-    tooSlow = Clock::now() - begun_ > std::chrono::milliseconds(pace_.LimitMs({.size = bytes.size()}));
-    return !tooSlow;
+    received = bytes.size();
+    return true;
   }
 
   std::optional<std::uint64_t> announced;
   std::string bytes;
-  bool tooSlow = false;
+  std::atomic<std::size_t> received = 0;
 
  private:
   const std::size_t most_;
-  const Pace& pace_;
-  const Clock::time_point begun_ = Clock::now();
 };
 
 }  // namespace
@@ -45,15 +45,25 @@ Bytes FetchBytes(const startup::Services& services, const std::string& url, std:
     report.outcome.error = platform::HttpError::Cancelled;
     return answer;
   }
-  PacedSink sink(most, pace);
+  MemorySink sink(most);
+  std::stop_source stop;
+  // Real time is counted, since the limits of a transfer are real time too. Not in the sink: a system may
+  // gather a trickle for long before it hands it over.
+  const Clock::time_point begun = Clock::now();
+  const auto watch = [&] {
+    const std::chrono::milliseconds limit(pace.LimitMs({.size = sink.received}));
+    if (Clock::now() - begun > limit) stop.request_stop();
+  };
+  const auto work = [&](std::stop_token stopped) {
+    report.outcome = services.host.http.Get({.url = url, .stallLimitMs = kStallLimitMs}, sink, stopped);
+  };
   try {
-    startup::RunBlocking(services, [&](std::stop_token stop) {
-      report.outcome = services.host.http.Get({.url = url, .stallLimitMs = kStallLimitMs}, sink, stop);
-    });
+    startup::RunBlocking(services, work, watch, stop.get_token());
   } catch (...) {  // no memory, no thread
     report.own = startup::CurrentError();
   }
-  if (sink.tooSlow) report.outcome.error = platform::HttpError::Stalled;
+  if (stop.stop_requested() && !report.outcome.Complete())
+    report.outcome.error = platform::HttpError::Stalled;
   report.bytes = sink.bytes.size();
   report.announced = sink.announced;
   if (report.Arrived()) answer.bytes = std::move(sink.bytes);
