@@ -118,9 +118,6 @@ TEST_F(HttpClientTest, AFailureTellsTheSystemsNumber) {
   EXPECT_EQ(reset.error, HttpError::CutShort);
   EXPECT_NE(reset.systemError, 0u);
   EXPECT_NE(reset.systemError, refused.systemError);
-  const auto plain = Get(server.Url("/file", "https"));
-  EXPECT_NE(plain.error, HttpError::None);
-  EXPECT_NE(plain.systemError, 0u);
   for (const auto& [path, error] : {std::pair("/silent", HttpError::Stalled), {"/file", HttpError::None}}) {
     const auto outcome = Get(server.Url(path));
     EXPECT_EQ(outcome.error, error);

@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include "platform/files.hpp"
+#include "support/faulty_server.hpp"
 #include "support/temp_folder.hpp"
 #include "support/win32/run_program.hpp"
 
@@ -14,7 +15,10 @@ constexpr const char* kLibraries[] = {"winmm", "winhttp", "bcrypt", "gdiplus"};
 TEST(WindowsPlantedLibraries, AreNotLoadedByTheProgramThatLiesBesideThem) {
   const support::TempFolder folder;
   const std::string built = platform::FolderOf(platform::ExecutablePath()) + "\\";
-  folder.Put("game/Deployment.ini", "[MIRRORS]\r\n1=http://127.0.0.1:1/\r\n");
+  support::FaultyServer mirror;
+  mirror.Otherwise([](const support::SeenRequest&) { return support::Page(404, "no"); });
+  mirror.On("/Online.txt", support::Text("1"));
+  folder.Put("game/Deployment.ini", "[MIRRORS]\r\n1=" + mirror.Url("/") + "\r\n");
   platform::CloneFile(built + "launcher.exe", folder / "game/launcher.exe");
   std::string nativeFirst;
   for (const char* library : kLibraries) {
@@ -27,7 +31,7 @@ TEST(WindowsPlantedLibraries, AreNotLoadedByTheProgramThatLiesBesideThem) {
   SetEnvironmentVariableA("WINEDLLOVERRIDES", (std::string(before) + ";" + nativeFirst + "=n,b").c_str());
   const DWORD status = support::RunProgram("\"" + (folder / "game/launcher.exe") + "\" /UPDATES");
   SetEnvironmentVariableA("WINEDLLOVERRIDES", before);
-  EXPECT_EQ(status, 1u) << "no mirror answers";
+  EXPECT_EQ(status, 1u) << "no mirror has a list";
   for (const char* library : kLibraries) {
     EXPECT_FALSE(folder.Has(std::string("game/") + library + ".dll.loaded")) << library;
   }
