@@ -207,6 +207,17 @@ TEST_F(AheadTest, StaysWithinItsLimitsAndInOrder) {
   EXPECT_TRUE(platform::IsFile(folder / "a"));
 }
 
+TEST_F(AheadTest, AFileThatIsKnownToBeLargeIsNotAskedForAhead) {
+  server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
+  std::vector<web::FileRequest> requests = Requests({"/a", "/b"});
+  requests[1].expected.size = 5'000;
+  ahead.Want(std::move(requests), {.files = 4, .bytes = 4'000});
+  ASSERT_TRUE(PumpUntil([&] { return Files() == 1; }));
+  EXPECT_EQ(ahead.Claim(server.Url("/b")), nullptr);
+  ahead.Stop();
+  EXPECT_EQ(Order(), "a");
+}
+
 TEST_F(AheadTest, WhatAKilledLauncherLeftIsNoHindrance) {
   server.Otherwise([](const SeenRequest&) { return support::Text("new"); });
   folder.Put("game/RECURSOS/INIT/UPDATE/ahead/1", "old");

@@ -99,16 +99,22 @@ TEST_F(WindowsProxyTest, AScriptNamesTheProxy) {
   const auto script = [&](const std::string& body) {
     return support::Text("function FindProxyForURL(url, host) { return " + body + "; }", type);
   };
-  const ProxySettings settings({"", "", proxy.Url("/proxy.pac")});
-  proxy.On("/proxy.pac", script("host == \"127.0.0.9\" ? \"PROXY " + Host() + "\" : \"DIRECT\""));
-  EXPECT_TRUE(Get().Complete());
-  EXPECT_EQ(sink.body, "through");
-  proxy.On("/proxy.pac", script("\"DIRECT\""));
-  EXPECT_TRUE(Get().Complete());
-  EXPECT_EQ(sink.body, "directly");
-  proxy.On("/proxy.pac", support::Page(404, "<p>no script"));
-  EXPECT_TRUE(Get().Complete());
-  EXPECT_EQ(sink.body, "directly") << "without its script, too, the game is to be had";
+  const struct {
+    const char* path;  // each its own, since the system remembers a script
+    support::Answer script;
+    const char* body;
+  } cases[] = {
+      {"/a.pac", script("host == \"127.0.0.9\" ? \"PROXY " + Host() + "\" : \"DIRECT\""), "through"},
+      {"/b.pac", script("\"DIRECT\""), "directly"},
+      {"/c.pac", support::Page(404, "<p>no script"), "directly"},  // the game is to be had all the same
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.path);
+    const ProxySettings settings({"", "", proxy.Url(test.path)});
+    proxy.On(test.path, test.script);
+    EXPECT_TRUE(Get().Complete());
+    EXPECT_EQ(sink.body, test.body);
+  }
 }
 
 TEST_F(WindowsProxyTest, AScriptThatDoesNotComeIsNotWaitedForWhenThePlayerLeaves) {

@@ -46,7 +46,8 @@ class ProgressBar : public Control {
   Property<double, Control> Max{*this, "Max", 100};
   Property<double, Control> Value{*this, "Value", 0};
   Property<bool, Control> Failed{*this, "Failed", false};  // what it counts was given up
-  // Share of a longer work that it is a part of, 0 to 1, for places that show only one; below 0: there is none.
+  // Share of a longer work that it is a part of, 0 to 1, for places that show only one; below 0: there is
+  // none.
   Property<double, Control> Whole{*this, "Whole", -1};
 };
 

@@ -109,6 +109,8 @@ std::shared_ptr<FetchAhead::Item> FetchAhead::Next() {
         bytes += item->request.expected.size.value_or(item->received.total);
         break;
       case Item::State::Waiting:
+        if (item->request.expected.size.value_or(0) > item->request.most) item->state_ = Item::State::Passed;
+        if (item->state_ == Item::State::Passed) return nullptr;
         if (blocked_ || ahead >= limits_.files || bytes >= limits_.bytes) return nullptr;
         item->state_ = Item::State::Fetching;
         return item;

@@ -2,6 +2,8 @@
 // after windows.h, which it builds on
 #include <shlwapi.h>
 
+#include <algorithm>
+
 #include "base/url.hpp"
 #include "platform/machine.hpp"
 #include "platform/win32/wide.hpp"
@@ -11,6 +13,21 @@ namespace platform {
 namespace {
 
 constexpr int kMostRedirects = 10;
+
+// The entry of a list such as "http=one:80;https=two:80" or "one:80" that is for addresses of this scheme;
+// empty when there is none.
+std::wstring ProxyFor(const std::wstring& scheme, const std::wstring& list) {
+  std::wstring forAll;
+  for (std::size_t at = 0; at < list.size();) {
+    const std::size_t end = std::min(list.find_first_of(L"; \t", at), list.size());
+    const std::wstring entry = list.substr(at, end - at);
+    const std::size_t sign = entry.find(L'=');
+    if (sign == std::wstring::npos && forAll.empty()) forAll = entry;
+    if (sign != std::wstring::npos && entry.substr(0, sign) == scheme) return entry.substr(sign + 1);
+    at = end + 1;
+  }
+  return forAll;
+}
 
 // Where a redirect leads, seen from the address that gave it; empty when the answer is none.
 std::string RedirectOf(const HttpHead& head, const std::string& url) {
@@ -64,7 +81,8 @@ WinHttpSession::WinHttpSession(WinHttpAge age) {
 }
 
 // A proxy belongs to a session: not every WinHTTP obeys one that is set for a single request.
-HINTERNET WinHttpSession::Through(const Proxy& proxy) {
+HINTERNET WinHttpSession::Through(const Proxy& listed, const std::wstring& scheme) {
+  const Proxy proxy{ProxyFor(scheme, listed.name), listed.bypass};
   if (proxy.name.empty()) return direct_.get();
   const std::lock_guard lock(mutex_);
   unique_internet& session = through_[proxy.name + L"\n" + proxy.bypass];

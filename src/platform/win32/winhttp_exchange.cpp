@@ -158,10 +158,12 @@ bool WinHttpExchange::Open(const std::string& url, const Proxy& proxy) {
   const std::wstring host(parts.lpszHostName, parts.dwHostNameLength);
   const std::wstring target = std::wstring(parts.lpszUrlPath, parts.dwUrlPathLength)
                                   .append(parts.lpszExtraInfo, parts.dwExtraInfoLength);
-  server_.reset(WinHttpConnect(session_.Through(proxy), host.c_str(), parts.nPort, 0));
+  const bool secure = parts.nScheme == INTERNET_SCHEME_HTTPS;
+  server_.reset(
+      WinHttpConnect(session_.Through(proxy, secure ? L"https" : L"http"), host.c_str(), parts.nPort, 0));
   if (!server_) return false;
-  const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY |
-                      (parts.nScheme == INTERNET_SCHEME_HTTPS ? WINHTTP_FLAG_SECURE : 0);
+  const DWORD flags =
+      WINHTTP_FLAG_ESCAPE_DISABLE | WINHTTP_FLAG_ESCAPE_DISABLE_QUERY | (secure ? WINHTTP_FLAG_SECURE : 0);
   const wchar_t* anything[] = {L"*/*", nullptr};
   exchange_.reset(WinHttpOpenRequest(server_.get(), L"GET", target.c_str(), nullptr, WINHTTP_NO_REFERER,
                                      anything, flags));

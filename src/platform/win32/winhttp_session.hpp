@@ -31,8 +31,8 @@ class WinHttpSession {
  public:
   explicit WinHttpSession(WinHttpAge age);
 
-  // For requests that go through `proxy`; owned by this.
-  HINTERNET Through(const Proxy& proxy);
+  // For requests to addresses of a scheme (lower case) that go through `proxy`; owned by this.
+  HINTERNET Through(const Proxy& proxy, const std::wstring& scheme);
   PlayerProxy* Proxies() const { return proxies_.get(); }  // null where WinHTTP itself finds the proxy
   bool HasTls12() const { return hasTls12_; }              // false: the system refused to be asked for it
 

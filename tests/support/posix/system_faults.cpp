@@ -1,0 +1,7 @@
+#include "support/system_faults.hpp"
+
+namespace support {
+
+bool LosesChunksWithSplitLines() { return false; }
+
+}  // namespace support
