@@ -5,9 +5,10 @@ launcher=
 mark=0   # lines of the honest mirror's log before the present run
 memory=0 # most that the launcher has had in the present run, in KB
 
-# What was fetched in the present run, by a pattern of its path.
+# What was fetched in the present run, by a pattern of its path. An archive that turns out to be too large to be fetched
+# ahead is asked for again in its turn.
 requests() { tail -n +$((mark + 1)) "$log" | sed -nE "s#^GET /(files/)?(update/kvn2011/)?($1)(\?[^ ]*)? (200|304)\$#\3#p"; }
-patches() { requests 'OldAct/[^ ]*\.zip'; }
+patches() { requests 'OldAct/[^ ]*\.zip' | sort -u; }
 bin_files() { requests 'NewAct2/Bin/[^ ]*\.kvn'; }
 fetched_at_least() { [ "$("$1" | wc -l)" -ge "$2" ]; } # fetched_at_least KIND COUNT
 
