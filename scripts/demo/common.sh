@@ -34,12 +34,19 @@ build() { # build PRESET TARGET...
 }
 
 servers=()
-start_mirror() { # start_mirror ENTRY ADDRESS
+start_mirror() { # start_mirror NAME ADDRESS [FOLDER]
+  start_server "$1" "$publisher" serve "${3-$publication}" --host "$2" --port 0 --log
+}
+start_server() { # start_server NAME COMMAND...
   local log=$demo/mirror-$1.log
+  shift
   : >"$log"
-  "$publisher" serve "$publication" --host "$2" --port 0 --log >"$log" 2>&1 &
+  "$@" >"$log" 2>&1 &
   servers+=($!)
-  wait_until 10 "the mirror on $2" grep -q '^Serving ' "$log"
+  wait_until 10 "a mirror ($*)" grep -q '^Serving ' "$log"
 }
 address_of() { sed -n 's|^Serving .* on http://\(.*\)/$|\1|p' "$demo/mirror-$1.log"; }
-stop_mirrors() { [ ${#servers[@]} -eq 0 ] || kill "${servers[@]}" 2>/dev/null || true; }
+stop_mirrors() {
+  [ ${#servers[@]} -eq 0 ] || kill "${servers[@]}" 2>/dev/null || true
+  servers=()
+}

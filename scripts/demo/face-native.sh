@@ -10,10 +10,14 @@ face_start() { # face_start NAME
   mkdir -p "$demo/home"
   rm -f "$DEMO_CLIENT" "$demo/player"
   mkfifo "$demo/player"
+  : >"$screen"
   exec {player}<>"$demo/player"
   "$game/launcher" <"$demo/player" >"$screen" 2>&1 &
   launcher=$!
 }
+
+# The next start searches the ring from its first entry.
+face_forget_mirror() { sed -i '/^URL=/d' "$demo/home/KVN_UPDATER.ini"; }
 
 face_ready() { grep -q '^frmMain\.Visible: True' "$screen"; }
 face_press() { say "frmMain.$1" >&"$player"; }

@@ -15,6 +15,15 @@ face_start() { # face_start NAME
   launcher=$!
 }
 
+# The next start searches the ring from its first entry.
+face_forget_mirror() {
+  local section
+  for section in LASTURL URLWEB; do
+    wine reg delete "HKCU\\Software\\VB and VBA Program Settings\\KVN_UPDATER\\$section" /f >"$demo/forget.txt" 2>&1 ||
+      fail 'the mirror is not forgotten (forget.txt)'
+  done
+}
+
 # The windows that bear the program's title: the main one is high, the others are message boxes.
 main_or_box() { # main_or_box main|box
   local window height kind
