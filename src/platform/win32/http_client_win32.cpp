@@ -13,6 +13,7 @@ namespace platform {
 namespace {
 
 constexpr int kMostRedirects = 10;
+constexpr DWORD kTls12 = 0x800, kTls13 = 0x2000;  // WINHTTP_FLAG_SECURE_PROTOCOL_*; older headers lack one
 
 // The entry of a list such as "http=one:80;https=two:80" or "one:80" that is for addresses of this scheme;
 // empty when there is none.
@@ -95,10 +96,11 @@ unique_internet WinHttpSession::Open(DWORD access, const Proxy& proxy) {
   unique_internet session(
       WinHttpOpen(kUserAgent, access, textOrNone(proxy.name), textOrNone(proxy.bypass), WINHTTP_FLAG_ASYNC));
   if (!session) return session;
-  if (proxies_) {
-    DWORD protocols = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
-    hasTls12_ =
-        WinHttpSetOption(session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols, sizeof protocols);
+  // Nothing older, whatever the system's own choice is; TLS 1.3 is unknown to most systems.
+  hasTls12_ = false;
+  for (DWORD protocols : {kTls12 | kTls13, kTls12}) {
+    hasTls12_ = hasTls12_ || WinHttpSetOption(session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, &protocols,
+                                              sizeof protocols);
   }
   // A host whose newer kind of address is dead is reached by its other one without delay; the option is a
   // young one.

@@ -21,6 +21,9 @@ std::wstring FileArgument(const std::string& file) {
   return SystemPath(file.find_first_of("\\/") == std::string::npos ? ".\\" + file : file);
 }
 
+// What the calls cannot reach: they take paths of 259 characters at most.
+bool IsTooLong(const std::string& file) { return Wide(file).size() >= MAX_PATH; }
+
 std::wstring Read(const std::string& file, const std::string& section, const std::string& key,
                   const wchar_t* missing) {
   wchar_t value[kBufferSize];
@@ -81,10 +84,12 @@ std::string TextOf(const std::string& file) {
 class SystemProfileFiles : public ProfileFiles {
  public:
   std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
+    if (IsTooLong(file)) return GetVars(file, section, {&key, 1}).front();
     return Narrow(Read(file, section, key, L""));
   }
 
   bool Has(const std::string& file, const std::string& section, const std::string& key) override {
+    if (IsTooLong(file)) return IniValue(TextOf(file), section, key).has_value();
     return Read(file, section, key, kMissing) != kMissing;
   }
 
@@ -107,7 +112,7 @@ class SystemProfileFiles : public ProfileFiles {
       if (edited == old) return;
       WriteWhole(file, edited);
       // All arguments missing: what the system holds of the file in memory is read anew.
-      WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(file).c_str());
+      if (!IsTooLong(file)) WritePrivateProfileStringW(nullptr, nullptr, nullptr, FileArgument(file).c_str());
     } catch (const base::RuntimeError&) {  // the file stays as it was, which is all that is promised
     }
   }

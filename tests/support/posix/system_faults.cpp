@@ -3,5 +3,6 @@
 namespace support {
 
 bool LosesChunksWithSplitLines() { return false; }
+bool KeepsToItselfWhyACertificateIsRefused() { return false; }
 
 }  // namespace support
