@@ -280,10 +280,12 @@ TEST(Failures, ADollarAnywhereBelowBinKeepsAFile) {
 }
 
 // Every entry of the ring is bad in a way of its own, and the game arrives all the same.
+// Seven entries, each bad in another way and none good: every piece still arrives.
 TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
   LauncherRun run;
   PublishGame(run);
   const std::string base = support::GameMirror::kBase;
+  Answer reset = support::CutShort(std::string(9'000, 'x'), 5'000, Answer::Cut::Reset);
   const struct {
     const char* piece;
     Answer answer;
@@ -291,8 +293,10 @@ TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
                 {"OldAct/Mapas/Mapas1.zip", support::Page(404, "no")},
                 {"OldAct/Mapas/Mapas2.zip", support::Text("PK dañado")},
                 {"NewAct2/Info.kvn", support::CutShort("xxxx", 2)},
-                {"NewAct2/Bin/KVN-DX8.exe.kvn", support::Text(support::MakePacked("otro"))}};
-  std::vector<std::string> mirrors;
+                {"NewAct2/Bin/KVN-DX8.exe.kvn", support::Text(support::MakePacked("otro"))},
+                {"NewAct2/Bin/sub/a.dll.kvn", reset}};
+  const support::ClosedPort closed;
+  std::vector<std::string> mirrors = {closed.Url(base)};
   std::list<support::FaultyServer> servers;
   for (const auto& fault : faults) {
     support::FaultyServer& bad = servers.emplace_back("127.0.0.12");
@@ -301,13 +305,16 @@ TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
     bad.On(base + fault.piece, fault.answer);
     mirrors.push_back(bad.Url(base));
   }
-  mirrors.push_back(run.mirror.Url());
   support::Deploy(run.folder, run.game, mirrors, run.mirror.server.Url(""));
   run.Start();
   run.Play();
   run.UntilEnded();
   EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
   EXPECT_TRUE(run.machine.dialogs.shown.empty());
+  for (const auto& fault : faults)
+    EXPECT_NE(Log(run).find(std::string(fault.piece).substr(std::string(fault.piece).rfind('/') + 1, 5)),
+              std::string::npos)
+        << fault.piece << " was never asked for where it is bad";
 }
 
 // The machine slept, or its network is another one, while a run goes on: for a while no mirror can be
