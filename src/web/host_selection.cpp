@@ -104,7 +104,7 @@ void HostSelection::ComenzarActualizacion(const std::function<bool()>& mayGoOn) 
   const auto body = [&](int&) {
     roundPauseMs_ = 0;
     for (Round round = BeginRound(); goOn(); --round.left) {
-      if (Answers()) return Choose();
+      if (Answers(roundPauseMs_ == 0 ? kProbeAttempts : 1)) return Choose();
       if (!goOn()) return;
       SwitchURL();
       if (round.left > 0) continue;
@@ -116,8 +116,8 @@ void HostSelection::ComenzarActualizacion(const std::function<bool()>& mayGoOn) 
   startup::Guarded(services_.recorder, body, WordsOf("ComenzarActualizacion"));
 }
 
-bool HostSelection::Answers() {
-  return Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile);
+bool HostSelection::Answers(std::size_t attempts) {
+  return Passable(hosts_.WebBaseURL) && CheckOnline(hosts_.WebBaseURL, kProbeFile, attempts);
 }
 
 void HostSelection::Choose() {
@@ -186,10 +186,11 @@ void HostSelection::Persist(const char* section, const std::string& url) {
 
 // The news timer confirms the mirror every two seconds; a mirror that marks its answer as fresh is spared
 // that by the cache. A bad answer is never kept.
-bool HostSelection::CheckOnline(const std::string& baseURL, const std::string& fileName) {
+bool HostSelection::CheckOnline(const std::string& baseURL, const std::string& fileName,
+                                std::size_t attempts) {
   const std::string url = baseURL + fileName;
   LastCheckOK = false;
-  for (std::size_t attempt = 0; attempt < probeLimitsMs_.size() && !services_.lifetime.Ending(); ++attempt) {
+  for (std::size_t attempt = 0; attempt < attempts && !services_.lifetime.Ending(); ++attempt) {
     web::TextOptions options{.wholeLimitMs = probeLimitsMs_[attempt]};
     std::string body;
     if (attempt == 0) {

@@ -48,7 +48,8 @@ class HostSelection {
   std::function<void()> ringSilent;
 
   // Walks the ring until a mirror answers its probe, then persists it. Rounds without an answer follow each
-  // other more and more slowly (1, 2, 4 ... 30 s and a random share), Hurry begins the next one at once.
+  // other more and more slowly (1, 2, 4 ... 30 s and a random share) and ask each mirror only once, so that a
+  // ring that is switched off is spared; Hurry begins the next one at once.
   // Returns early when the program ends or `mayGoOn`, if given, says no.
   void ComenzarActualizacion(const std::function<bool()>& mayGoOn = {});
   void Hurry() { hurry_ = true; }
@@ -69,7 +70,8 @@ class HostSelection {
   bool NextInRound(Round& round);
 
   // Whether baseURL & fileName answers with the number 1; at most three attempts. Stops what Inet1 is doing.
-  bool CheckOnline(const std::string& baseURL, const std::string& fileName);
+  bool CheckOnline(const std::string& baseURL, const std::string& fileName,
+                   std::size_t attempts = kProbeAttempts);
 
   // Server date "-" public address, as far as they are known.
   std::string ClientAddressQuery();
@@ -77,7 +79,7 @@ class HostSelection {
  private:
   bool Passable(const std::string& baseURL) const;
   std::string NextMirror();
-  bool Answers();
+  bool Answers(std::size_t attempts = kProbeAttempts);
   void Choose();
   std::string Stored(const char* section) const;
   void PauseBetweenRounds(const std::function<bool()>& goOn);
