@@ -119,7 +119,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
   return end == MirrorRound::End::Good;
 }
 
-Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const Use& use) {
+Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const FileUse& use) {
   int line = 0;
   try {
     return FetchArchive(name, unpack, use, line);
@@ -152,10 +152,13 @@ void Download::FetchFollowing() {
     next.push_back(RequestFor(name, *expected));
   }
   with_.transfers.FetchNext(std::move(next), {});
+  if (const auto first = with_.transfers.Next())
+    prepared_ = std::make_unique<ArchivePreparation>(first, with_.services.folders);
 }
 
 void Download::ForgetFollowing() {
   following.clear();
+  prepared_.reset();
   with_.transfers.ForgetNext();
 }
 
@@ -187,14 +190,19 @@ void Download::CountOne(const web::TransferReport& report) {
   if (whole.number++ == whole.count) whole.number = 0;
 }
 
-Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
+Fetched Download::FetchArchive(const std::string& name, bool unpack, const FileUse& use, int& line) {
   web::DownloadState& state = with_.state;
   line = 10;
   state.TargetPath = with_.services.folders.FetchDir + platform::kSeparator + base::Replaced(name, "/", "");
   const auto expected = ExpectedOf(remoteFolder + name);
   if (!expected) return {DownloadResult::Stopped, kNotSigned};
-  const MirrorRound::Result result =
-      with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, *expected, unpack, use, line); });
+  const auto attempt = [&] { return AttemptArchive(name, *expected, unpack, use, line); };
+  const MirrorRound::Result result = with_.mirrors.Fetch(name, [&] {
+    Attempt first = attempt();
+    if (first.kind != Attempt::Kind::OwnFailure || !with_.transfers.Next()) return first;
+    ForgetFollowing();  // what lies ready for later may be what leaves this one no room
+    return attempt();
+  });
   if (result.end == MirrorRound::End::Good) return {DownloadResult::Done};
   line = 50;
   if (state.CancelRequested || with_.services.lifetime.Ending()) {
@@ -219,7 +227,7 @@ Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& 
 }
 
 Attempt Download::AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack,
-                                 const Use& use, int& line) {
+                                 const FileUse& use, int& line) {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   line = 10;
@@ -248,9 +256,8 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
     attempt = NotGood(report, url);
     // A page, which every mirror words in its own way.
     if (attempt.kind == Attempt::Kind::NotArrived) attempt.kind = Attempt::Kind::BadContent;
-  } else if (unpack || use) {
-    if (unpack) FetchFollowing();
-    attempt = UseArchive(unpack, use);
+  } else if (unpack || use.judge) {
+    attempt = unpack ? UseArchive(url, use) : JudgeFile(use);
     attempt.cut = report.resumed;  // its beginning may be at fault: once more from the first byte
   }
   if (unpack || attempt.kind != Attempt::Kind::Good) RemoveTarget();
@@ -258,16 +265,23 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
   return attempt;
 }
 
-Attempt Download::UseArchive(bool unpack, const Use& use) {
+Attempt Download::JudgeFile(const FileUse& use) {
   const std::string& file = with_.state.TargetPath;
-  if (!unpack) {
-    const std::string why = use(file);
-    if (why.empty()) return {};
-    Attempt bad{Attempt::Kind::BadContent, why, why};
-    bad.digest = util::clsHashing().MD5File(file);
-    return bad;
-  }
-  const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator);
+  const std::string why = use.judge(file);
+  if (why.empty()) return {};
+  Attempt bad{Attempt::Kind::BadContent, why, why};
+  bad.digest = util::clsHashing().MD5File(file);
+  return bad;
+}
+
+// While this archive goes into the game, those behind it are fetched and the next one is expanded.
+Attempt Download::UseArchive(const std::string& url, const FileUse& use) {
+  const std::string& file = with_.state.TargetPath;
+  std::unique_ptr<ArchivePreparation> prepared = std::move(prepared_);
+  if (prepared && prepared->Url() != url) prepared.reset();
+  FetchFollowing();
+  const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator,
+                                              {.prepared = prepared.get(), .added = use.added});
   if (unpacked.done) return {};
   Attempt bad{unpacked.ownFailure ? Attempt::Kind::OwnFailure : Attempt::Kind::BadContent, unpacked.reason,
               unpacked.reason};

@@ -70,7 +70,7 @@ bool IndexStage::Fetch() {
   fetched_.clear();
   complaint_.reset();
   const Fetched fetched = download_.DescargarArchivo(
-      kIndexName, false, [this](const std::string& packed) { return Take(packed); });
+      kIndexName, false, {.judge = [this](const std::string& packed) { return Take(packed); }});
   platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;

@@ -6,6 +6,7 @@
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
 #include "update/folder_hold.hpp"
+#include "update/launcher_state.hpp"
 #include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
@@ -251,7 +252,8 @@ UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
   const std::size_t ahead = std::min(patches_.size() - installed_, kMostAhead);
   const auto next = patches_.begin() + static_cast<std::ptrdiff_t>(installed_);
   with_.download.following.assign(next, next + static_cast<std::ptrdiff_t>(ahead));
-  const Fetched fetched = with_.download.DescargarArchivo(working_, true);
+  const Fetched fetched = with_.download.DescargarArchivo(
+      working_, true, {.added = AddedFile{CounterPath(kCategories[category]), CounterText(number)}});
   if (!MayGoOn()) return Interrupted();
   switch (fetched.result) {
     case DownloadResult::Done:

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -46,6 +47,7 @@ class smodXmlHttp {
   // Begins to fetch what will be asked for next, see FetchAhead; ForgetNext ends that.
   void FetchNext(std::vector<FileRequest> next, const FetchAhead::Limits& limits);
   void ForgetNext() { ahead_.Stop(); }
+  std::shared_ptr<FetchAhead::Item> Next() const { return ahead_.First(); }  // of them; null: none is left
 
   WholeUpdate whole;  // that the next downloads belong to
 
