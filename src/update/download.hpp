@@ -66,6 +66,10 @@ class Download {
   void BeginWhole(const std::vector<std::string>& archives);
   void EndWhole();
 
+  // The packed files that DownloadClient will be asked for now and next are fetched and proved, several at a
+  // time, until ForgetFollowing.
+  void FetchPacked(const std::vector<IndexRecord>& records);
+
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
   // there is no file then.
@@ -87,10 +91,12 @@ class Download {
   Attempt NotGood(const web::TransferReport& report, const std::string& url);
   Attempt UseArchive(const std::string& url, const FileUse& use);
   Attempt JudgeFile(const FileUse& use);
+  Attempt WithRoom(const std::function<Attempt()>& attempt);
   std::string UrlOf(const std::string& name) const;
   web::FileRequest RequestFor(const std::string& name, const web::Expected& expected) const;
   void FetchFollowing();
-  Attempt AttemptPacked(const std::string& local, const IndexRecord& record, const web::Expected& expected);
+  std::optional<web::FileRequest> PackedRequest(const IndexRecord& record) const;
+  Attempt AttemptPacked(const web::FileRequest& request);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;

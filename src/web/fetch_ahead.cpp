@@ -141,7 +141,7 @@ void FetchAhead::Work() {
 
 bool FetchAhead::Fetch(Item& item) {
   FetchedFile fetched = FetchFile(http_, item.request, item.received, item.stop_.get_token());
-  const bool good = fetched.report.Good();
+  const bool good = fetched.report.Good() && !fetched.report.disproved;
   {
     const std::lock_guard lock(item.mutex_);
     item.state_ = fetched.tooLarge ? Item::State::Passed : Item::State::Done;
