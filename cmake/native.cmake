@@ -17,3 +17,17 @@ target_include_directories(publisher_core PUBLIC ${CMAKE_SOURCE_DIR}/tools)
 target_link_libraries(publisher_core PUBLIC launcher_core PRIVATE PkgConfig::HTTPLIB)
 add_executable(publisher ${CMAKE_SOURCE_DIR}/tools/publisher/main.cpp)
 target_link_libraries(publisher PRIVATE publisher_core)
+
+# Writes what the fuzz targets begin with (fuzz/make-seeds).
+set(test_support ${CMAKE_SOURCE_DIR}/tests/support)
+add_executable(fuzz_seeds EXCLUDE_FROM_ALL ${CMAKE_SOURCE_DIR}/fuzz/seeds.cpp ${test_support}/archives.cpp
+               ${test_support}/signer.cpp ${test_support}/temp_folder.cpp ${test_support}/posix/key_pair.cpp)
+target_include_directories(fuzz_seeds PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(fuzz_seeds PRIVATE publisher_core)
+
+# Installs among bad mirrors, kills and full disks (bench/soak).
+file(GLOB soak_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/soak/*.cpp)
+add_executable(soak EXCLUDE_FROM_ALL ${soak_sources} ${test_support}/archives.cpp ${test_support}/faulty_server.cpp
+               ${test_support}/posix/sockets.cpp)
+target_include_directories(soak PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+target_link_libraries(soak PRIVATE publisher_core)

@@ -335,8 +335,19 @@ TEST(HttpDate, OnlyTheFormOfTodayIsRead) {
   EXPECT_EQ(web::FromHttpDate("Thu, 29 Feb 2024 23:59:60 GMT"), 1709251200);
   for (const char* bad :
        {"", "Sunday, 06-Nov-94 08:49:37 GMT", "Sun Nov  6 08:49:37 1994", "Sun, 06 Nov 1994 08:49:37 EST",
-        "Sun, 31 Feb 2024 08:49:37 GMT", "Sun, 06 Nov 1994 24:49:37 GMT", "Sun, -6 Nov 1994 08:49:37 GMT"}) {
+        "Sun, 31 Feb 2024 08:49:37 GMT", "Sun, 06 Nov 1994 24:49:37 GMT", "Sun, -6 Nov 1994 08:49:37 GMT",
+        "Sun, 06-Nov-1994 08:49:37 GMT", "Sun, 06 Nov 1994 08.49.37 GMT"}) {
     EXPECT_EQ(web::FromHttpDate(bad), std::nullopt) << bad;
+  }
+}
+
+TEST(AnswerCache, WhatAServerSaysIsNeverTwoLinesOfTheNextRequest) {
+  for (const char* tag : {"\"v1\"\rX-Planted: yes", "\"v1\nX-Planted: yes\""}) {
+    web::AnswerCache cache;
+    const platform::HttpHead head{200, 1, {{"etag", tag}, {"cache-control", "max-age=9"}}};
+    EXPECT_EQ(cache.Take("http://mirror/", head, "1", 0), "1");
+    EXPECT_TRUE(cache.Conditions("http://mirror/").empty()) << tag;
+    EXPECT_EQ(cache.Fresh("http://mirror/", 8'000), "1");
   }
 }
 

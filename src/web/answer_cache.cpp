@@ -68,13 +68,20 @@ std::uint64_t FreshUntil(const platform::HttpHead& head, std::uint64_t now) {
   return seconds == 0 ? 0 : now + seconds * 1000;
 }
 
+// Whether a header may be sent back to its server; a control character could make it two of a request.
+bool IsPlain(std::string_view value) {
+  return value.size() <= kLongestHeader && std::all_of(value.begin(), value.end(), [](char c) {
+           return static_cast<unsigned char>(c) >= ' ' && c != 127;
+         });
+}
+
 // What a 304 does not repeat holds as it was said before.
 platform::HttpHead Remembered(const platform::HttpHead& head, const platform::HttpHead& before) {
   platform::HttpHead kept;
   for (const char* name : {"cache-control", "age", "date", "expires", "etag", "last-modified"}) {
     std::string value = head.Header(name);
     if (value.empty()) value = before.Header(name);
-    if (value.size() <= kLongestHeader) kept.headers.emplace_back(name, std::move(value));
+    if (IsPlain(value)) kept.headers.emplace_back(name, std::move(value));
   }
   return kept;
 }

@@ -20,10 +20,17 @@ int Number(std::string_view text, std::size_t at, std::size_t length) {
   return stopped == end && error == std::errc{} && number >= 0 ? number : -1;
 }
 
+// Whether blanks, commas and colons stand where a date has them.
+bool IsPunctuated(std::string_view text) {
+  return std::equal(text.begin(), text.end(), kShape.begin(), kShape.end(), [](char given, char shown) {
+    return given == shown || (shown != ' ' && shown != ',' && shown != ':');
+  });
+}
+
 }  // namespace
 
 std::optional<std::int64_t> FromHttpDate(std::string_view text) {
-  if (text.size() != kShape.size() || text.substr(25) != " GMT") return std::nullopt;
+  if (!IsPunctuated(text) || !text.ends_with("GMT")) return std::nullopt;
   const auto month = std::find(std::begin(kMonths), std::end(kMonths), text.substr(8, 3));
   const int day = Number(text, 5, 2), year = Number(text, 12, 4);
   const int hours = Number(text, 17, 2), minutes = Number(text, 20, 2), seconds = Number(text, 23, 2);

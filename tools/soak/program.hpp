@@ -1,0 +1,43 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace soak {
+
+// Copies a program to where it is to be started from. Not while another one is being started, which would
+// hold the copy open for writing, and nothing that is can be run.
+void CopyProgram(const std::string& from, const std::string& to);
+
+// One start of the launcher, whose player presses the play button and says nothing more.
+class Program {
+ public:
+  enum class End { Ended, Stopped, Killed, Stuck, Crashed };
+
+  // `command`: the program and its arguments; `environment`: "NAME=value" each; what it prints goes to
+  // `screen`.
+  Program(const std::vector<std::string>& command, const std::vector<std::string>& environment,
+          const std::string& screen);
+  ~Program();
+  Program(const Program&) = delete;
+
+  // Waits until it ends, stops with a reason on its screen, or the time is over. With `killed` it is killed
+  // at the end of that time.
+  End Await(std::chrono::milliseconds limit, bool killed);
+  bool Says(std::string_view words) const;  // on its screen, so far
+
+ private:
+  bool HasEnded();
+  bool HasCrashed() const;
+  void Kill();
+
+  pid_t pid_ = -1;
+  int status_ = 0;  // as waitpid tells it
+  std::string screen_;
+};
+
+}  // namespace soak
