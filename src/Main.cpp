@@ -87,11 +87,17 @@ void Launcher::PrepareScratch() {
   });
 }
 
-// A folder that holds only the program can be installed into.
+// A folder that holds only the program can be installed into. On a full disk what is there can still be
+// played.
 void Launcher::PrepareFolders() {
   for (const std::string& folder :
        {folders_.ResourcesDir, folders_.InitDir, folders_.ResourcesUpdateDir, folders_.BinDir}) {
-    platform::MakeFolders(folder);
+    try {
+      platform::MakeFolders(folder);
+    } catch (const base::RuntimeError& error) {
+      if (!error.Is(base::ErrorNumber::DiskFull)) throw;
+      recorder_.Note(folder + ": " + error.Description());
+    }
   }
 }
 

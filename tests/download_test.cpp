@@ -38,7 +38,7 @@ struct DownloadTest : testing::Test, support::TestServices {
   web::smodXmlHttp transfers{services, window, state, hosts};
   web::ScriptBudget scripts;
   modGeneral::HostSelection selection{services, window, inet, transfers, hosts, scripts, {500, 500, 500}};
-  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}, {}}};
+  update::RunMode mode{services, window, {[](bool) {}, [](bool) {}, {}, {}, {}}};
   update::MirrorRound mirrors{services, mode, hosts, selection};
   update::Trust trust{services, hosts, mirrors};
   update::smodUnzip unzip{services};

@@ -64,10 +64,15 @@ struct World : support::TestServices {
   RunMode mode{services,
                window,
                {[this](bool on) { play = on; }, [this](bool on) { settings = on; },
-                [this](bool hostInDoubt) { return Run(hostInDoubt); }, [this] { ++offers; }}};
+                [this](bool hostInDoubt) { return Run(hostInDoubt); }, [this] { ++offers; },
+                [this] {
+                  forgottenAt.push_back(depth);
+                  return true;
+                }}};
   bool play = false, settings = false, wentOn = false;
   int offers = 0, runs = 0, depth = 0, deepest = 0;
   std::vector<bool> doubts;
+  std::vector<int> forgottenAt;  // with so many runs on the stack
   RunOutcome outcome{End::Stopped, "Falló: el disco.", "disco"};
   std::function<void()> during;
 };
@@ -152,6 +157,7 @@ TEST(RunMode, ARepairOfStartUpOrOfARunIsFollowedByOneWholeRun) {
   EXPECT_TRUE(world.wentOn);
   EXPECT_EQ(world.mode.Now(), Mode::Idle);
   EXPECT_EQ(world.doubts, (std::vector<bool>{false, false})) << "a repair says nothing against the mirror";
+  EXPECT_EQ(world.forgottenAt, (std::vector<int>{0, 0})) << "no run may record anything behind a repair";
 }
 
 TEST(RunMode, AnOutcomeDecidesWhatFollows) {

@@ -7,6 +7,7 @@
 #include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
 #include "update/packed_file.hpp"
+#include "update/patch_failure.hpp"
 #include "util/clsHashing.hpp"
 
 namespace update {
@@ -140,13 +141,13 @@ Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const F
   int line = 0;
   try {
     return FetchArchive(name, unpack, use, line);
-  } catch (const base::RuntimeError&) {
+  } catch (const base::RuntimeError& error) {
     const startup::Failure failure = startup::CurrentFailure(line);
     with_.services.recorder.LogError(
         failure.Opening() +
         " en el procedimiento DescargarArchivo del módulo Formulario frmMain en la línea: " + failure.Line() +
         " Nombre: " + name + " U: " + UrlOf(name));
-    return {DownloadResult::Stopped, failure.description};
+    return {DownloadResult::Stopped, ReasonOf(error)};
   }
 }
 

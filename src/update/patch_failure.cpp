@@ -42,7 +42,7 @@ PatchFailure DiskFullFailure(std::uint64_t needed, std::uint64_t free) {
 std::string ReasonOf(const base::RuntimeError& failure) {
   if (dynamic_cast<const PatchFailure*>(&failure) != nullptr) return failure.Description();
   if (failure.Is(ErrorNumber::DiskFull)) return DiskFullFailure(0, 0).Description();
-  return "no se pudo instalar: " + InWords(failure);
+  return InWords(failure);
 }
 
 }  // namespace update

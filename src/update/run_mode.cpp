@@ -35,20 +35,16 @@ void RunMode::cmdIniciar_Click() {
   if (Now() == Mode::Idle) Enter(Mode::Updating);
 }
 
+// A run that is at a patch still records it, so what a repair forgets is forgotten behind that run.
 void RunMode::RepairConfirmed() {
-  switch (Now()) {
-    case Mode::Starting:
-      repairWaits_ = true;
-      break;
-    case Mode::Idle:
-      Enter(Mode::Updating);
-      break;
-    case Mode::Updating:
-      startOver_ = onStack_;
-      break;
-    case Mode::Ending:
-      break;
+  if (Now() == Mode::Ending) return;
+  if (onStack_) {
+    startOver_ = true;
+    return;
   }
+  if (!parts_.forgetInstalled()) return;
+  if (Now() == Mode::Starting) repairWaits_ = true;
+  if (Now() == Mode::Idle) Enter(Mode::Updating);
 }
 
 // The timer rests while its run is on the stack: the run lets events happen, and a run inside a run would
@@ -59,11 +55,9 @@ void RunMode::tmrUpdates_Timer() {
   frmMain_.tmrUpdates.Set(false);
   const RunOutcome outcome = parts_.run(std::exchange(hostInDoubt_, false));
   onStack_ = false;
-  if (std::exchange(startOver_, false) && Now() != Mode::Ending) {
-    frmMain_.tmrUpdates.Set(true);
-  } else {
-    RunEnded(outcome);
-  }
+  if (!std::exchange(startOver_, false)) return RunEnded(outcome);
+  parts_.forgetInstalled();
+  if (Now() != Mode::Ending) frmMain_.tmrUpdates.Set(true);
 }
 
 void RunMode::RunEnded(const RunOutcome& outcome) {

@@ -43,6 +43,9 @@ class RunMode {
     std::function<RunOutcome(bool hostInDoubt)> run;
     // Asks whether to start the installed game although no mirror answers.
     std::function<void()> offerInstalledGame;
+    // Forgets what was installed and proved, while no run of this launcher is on the stack; false when it
+    // could not.
+    std::function<bool()> forgetInstalled;
   };
 
   RunMode(const startup::Services& services, controls::MainWindow& frmMain, Parts parts)
@@ -55,7 +58,7 @@ class RunMode {
   void RingSilent();  // a whole round of mirrors did not answer, and the walk goes on
   void StartUpDone();
   void cmdIniciar_Click();  // the play button
-  void RepairConfirmed();   // nothing that was installed or proved counts any longer
+  void RepairConfirmed();   // what was installed is forgotten as soon as no run can record anything any more
   void tmrUpdates_Timer();
   void ProgramEnds();  // the timers stop; whoever tells this ends the program
 

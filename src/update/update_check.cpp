@@ -7,6 +7,7 @@
 #include "startup/procedure.hpp"
 #include "update/folder_hold.hpp"
 #include "update/launcher_state.hpp"
+#include "update/patch_failure.hpp"
 #include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
@@ -48,7 +49,8 @@ RunOutcome UpdateCheck::tmrUpdates_Timer(bool hostInDoubt) {
   startup::Guarded(
       with_.services.recorder, [&](int& line) { outcome = Run(line, hostInDoubt); },
       [&](const startup::Failure& failure) {
-        outcome.status += " " + failure.Opening() + ".";
+        const base::RuntimeError error(static_cast<base::ErrorNumber>(failure.number), failure.description);
+        outcome.status = "La actualización se detuvo: " + ReasonOf(error) + ".";
         return failure.Opening() +
                " en el procedimiento tmrUpdates_Timer del modulo Formulario frmMain en la línea " +
                failure.Line() + " Tmp: " + working_ + "Reporta esto mediante el soporte WEB en " +

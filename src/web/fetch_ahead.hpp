@@ -66,7 +66,9 @@ class FetchAhead {
   // The item of an address, which is the caller's from now on; null when it was not begun or is too large.
   std::shared_ptr<Item> Claim(const std::string& url);
 
-  void Stop();  // forgets everything; returns when no transfer is under way any longer
+  // Forgets everything; returns when no transfer is under way any longer. To be called when no claimed item is
+  // waited for.
+  void Stop();
 
  private:
   void Work();
