@@ -36,12 +36,5 @@ TEST(CrashReports, TheNewestIsToldOnceAndThreeAreKept) {
             "crash-20261105-120000-000.dmp crash-20261105-120000-000.txt otra cosa.txt told ");
 }
 
-TEST(UserFolders, TheLaunchersOwnIsTheUsersAndCanBeMade) {
-  const std::string own = LocalDataFolder();
-  ASSERT_FALSE(own.empty());
-  MakeFolders(own);
-  EXPECT_TRUE(CanWriteTo(own));
-}
-
 }  // namespace
 }  // namespace platform

@@ -48,20 +48,6 @@ struct DownloadTest : testing::Test, support::TestServices {
   update::ChunkedTransfer chunked{services, window, inet, state, [this] { ++closed; }};
 };
 
-TEST_F(DownloadTest, ASingleFileIsFetchedByItsPathBelowBin) {
-  const std::string packed = MakePacked("contenido");
-  server.On("/m/NewAct2/Bin/Sub/a%20%23.dll.kvn", support::Text(packed));
-  const update::IndexRecord record{*util::Md5Digest::FromHex(support::Md5Of("contenido")), true,
-                                   "Sub/a #.dll"};
-  EXPECT_TRUE(download.DownloadClient(3, 9, record));
-  const std::string target = folders.ResourcesUpdateDir + platform::NativePath("/Sub/a #.dll");
-  EXPECT_EQ(window.lblName.Caption.Get(), "Descargando actualizaciones: 3/9 - Sub");
-  EXPECT_EQ(window.lblDirectorio.Caption.Get(), target);
-  EXPECT_EQ(window.lblEstado.Caption.Get(), "Progreso de actualización: 3/9");
-  EXPECT_EQ(folder.Get("juego/RECURSOS/UPDATE/Sub/a #.dll.kvn"), packed);
-  EXPECT_FALSE(state.Finished);
-}
-
 TEST_F(DownloadTest, AnArchiveIsSavedFlatUnpackedAndRemoved) {
   server.On("/m/NewAct2/Mapas/Mapas1.zip", support::Text(MakeZip({{"a/b.txt", "hola"}})));
   folder.Put("juego/MapasMapas1.zip", "viejo");

@@ -50,20 +50,15 @@ TEST_F(HostSelectionTest, AProbeIsGoodOnlyWithTheNumberOne) {
     bool good;
   } cases[] = {
       {support::Text("1"), true},
-      {support::Text(" 1"), true},
-      {support::Text("1.0"), true},
       {support::Text("1abc"), true},
       {support::Text("01x\r\n"), true},
       {support::Text("\xEF\xBB\xBF"
                      "1"),
        true},
       {support::Text("2"), false},
-      {support::Text("11"), false},
-      {support::Text("1.5"), false},
       {support::Text(""), false},
       {support::Text("yes"), false},
       {support::Text("1 error"), false},
-      {support::Text("1 <!doctype html>"), false},
       {support::Text("<!DOCTYPE html><p>1"), false},
       {support::Page(404, "<p>no"), false},
       {support::CutShort("1 and more", 1), false},
@@ -147,16 +142,6 @@ TEST_F(HostSelectionTest, SwitchingSaysSo) {
   EXPECT_EQ(world.hosts.CurrentUpdateURL, Entry(1));
   EXPECT_EQ(world.frmMain.lblEstado.Caption.Get(), "Web inalcanzable, buscando web alternativa...");
   EXPECT_EQ(world.host.clock.Milliseconds() - before, 100u);
-}
-
-TEST_F(HostSelectionTest, WithoutAnyMirrorItGoesOnUntilTheProgramEnds) {
-  Ring({});
-  Store("", "");
-  world.When([this] { return server.Seen().size() > 30; }, [this] { world.lifetime.End(0); });
-  world.selection.ComenzarActualizacion();
-  EXPECT_GT(server.Seen().size(), 21u) << "more than one round";
-  EXPECT_EQ(Stored(keys::kLastUrl), "");
-  EXPECT_TRUE(world.host.dialogs.shown.empty());
 }
 
 TEST_F(HostSelectionTest, AMirrorMayVouchForItself) {

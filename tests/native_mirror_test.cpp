@@ -17,6 +17,7 @@
 #include "publisher/commands.hpp"
 #include "publisher/failure.hpp"
 #include "publisher/mirror_server.hpp"
+#include "support/body_sink.hpp"
 #include "support/posix/publication.hpp"
 
 namespace {
@@ -24,18 +25,7 @@ namespace {
 using support::Noise;
 using support::TestPublication;
 
-struct Answer : platform::HttpSink {
-  void Begin(const platform::HttpHead& begun) override {
-    head = begun;
-    body.clear();
-  }
-  bool Write(std::span<const std::byte> bytes) override {
-    body.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return true;
-  }
-  platform::HttpHead head;
-  std::string body;
-};
+using Answer = support::BodySink;
 
 struct MirrorTest : testing::Test {
   explicit MirrorTest(publisher::ServeOptions with = {}) : options(std::move(with)) {

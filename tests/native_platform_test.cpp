@@ -9,6 +9,7 @@
 #include "platform/machine.hpp"
 #include "platform/posix/event_loop_posix.hpp"
 #include "platform/posix/unique_fd.hpp"
+#include "support/body_sink.hpp"
 #include "support/faulty_server.hpp"
 #include "support/temp_folder.hpp"
 
@@ -140,15 +141,6 @@ TEST(NativeSettings, AreAPlainFileOfTheUser) {
   EXPECT_EQ(folder.Get("new/config/KVN_UPDATER.ini"), "[CONFIG]\r\nSHOW=1\r\n");
 }
 
-struct BodySink : HttpSink {
-  void Begin(const HttpHead&) override {}
-  bool Write(std::span<const std::byte> bytes) override {
-    body.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    return true;
-  }
-  std::string body;
-};
-
 TEST(NativeHttpClient, GoesThroughTheProxyOfTheEnvironmentAndTellsThatItWantsAName) {
   support::FaultyServer proxy("127.0.0.5");
   proxy.On("http://127.0.0.9/file", support::Text("through"));
@@ -159,7 +151,7 @@ TEST(NativeHttpClient, GoesThroughTheProxyOfTheEnvironmentAndTellsThatItWantsANa
   unsetenv("no_proxy");
   setenv("http_proxy", proxy.Url("").c_str(), 1);
   const auto client = MakeHttpClient();
-  BodySink sink;
+  support::BodySink sink;
   const HttpOutcome through = client->Get({.url = "http://127.0.0.9/file"}, sink, {});
   EXPECT_TRUE(through.Complete()) << through.systemText;
   EXPECT_EQ(sink.body, "through");

@@ -14,14 +14,11 @@ namespace {
 
 using support::Answer;
 using support::FaultyServer;
+using support::Holds;
 using support::SeenRequest;
 using support::TestPublication;
 
 constexpr const char* kBase = "/files/update/kvn2011/";
-
-bool Holds(const std::string& text, const std::string& piece) {
-  return text.find(piece) != std::string::npos;
-}
 
 struct MirrorCheckTest : testing::Test {
   MirrorCheckTest() {
@@ -85,55 +82,44 @@ TEST_F(MirrorCheckTest, FindsEachWayOfSendingAFileBadly) {
       if (*value != '\0') answer.headers.emplace_back(name, value);
     };
   };
+  const auto when = [](int status, std::function<void(Answer&)> change) -> Spoil {
+    return [=](const SeenRequest&, Answer& answer) {
+      if (answer.status == status) change(answer);
+    };
+  };
+  const auto instead = [](const Answer& other) -> Spoil {
+    return [=](const SeenRequest&, Answer& answer) { answer = other; };
+  };
+  const auto withStatus = [](int status) { return [=](Answer& answer) { answer.status = status; }; };
+  const char *const list = "OldAct/Update.ini", *const index = "NewAct2/Info.kvn",
+                    *const patch = "OldAct/Mapas/Mapas1.zip";
   const struct {
     const char* file;  // that is asked for
     Spoil spoil;
     const char* told;  // a warning when it starts with one
   } cases[] = {
-      {"OldAct/Update.ini", header("Cache-Control", "max-age=86400"), "problem: it may be kept for 86400 s"},
-      {"OldAct/Update.ini", header("Cache-Control", ""), "warning: it does not say how long"},
+      {list, header("Cache-Control", "max-age=86400"), "problem: it may be kept for 86400 s"},
+      {list, header("Cache-Control", ""), "warning: it does not say how long"},
       {"Online.txt", header("Cache-Control", "public, max-age=3600"), "problem: it may be kept for 3600 s"},
       {"Online.txt", header("Cache-Control", "no-cache"), "warning: it may be kept for only 0 s"},
-      {"NewAct2/Info.kvn", header("ETag", ""), "warning: it has neither ETag nor Last-Modified"},
-      {"NewAct2/Info.kvn", header("Content-Encoding", "br"), "problem: it is sent packed (br)"},
-      {"NewAct2/Info.kvn",
-       [](const SeenRequest&, Answer& answer) {
-         if (answer.status == 200) answer.framing = Answer::Framing::Chunked;
-       },
+      {index, header("ETag", ""), "warning: it has neither ETag nor Last-Modified"},
+      {index, header("Content-Encoding", "br"), "problem: it is sent packed (br)"},
+      {index, when(200, [](Answer& answer) { answer.framing = Answer::Framing::Chunked; }),
        "warning: it has no Content-Length"},
-      {"NewAct2/Info.kvn",
+      {index,
        [](const SeenRequest& request, Answer& answer) {
          if (!request.Header("if-range").empty()) answer.status = 206, answer.body = "xx";
        },
        "problem: a part is sent though the file is another one"},
-      {"NewAct2/Info.kvn",
-       [](const SeenRequest&, Answer& answer) {
-         if (answer.status == 206) answer.body = "xy";
-       },
-       "problem: another part of it is sent"},
-      {"NewAct2/Info.kvn",
-       [](const SeenRequest&, Answer& answer) {
-         if (answer.status == 206) answer.status = 200;
-       },
-       "warning: no part of it can be had"},
-      {"Online.txt",
-       [](const SeenRequest&, Answer& answer) {
-         if (answer.status == 304) answer.status = 200;
-       },
-       "warning: it is sent again though it has not changed"},
-      {"OldAct/Mapas/Mapas1.zip",
-       [](const SeenRequest&, Answer& answer) { answer.cutAfter = answer.body.size() / 2; },
+      {index, when(206, [](Answer& answer) { answer.body = "xy"; }), "problem: another part of it is sent"},
+      {index, when(206, withStatus(200)), "warning: no part of it can be had"},
+      {"Online.txt", when(304, withStatus(200)), "warning: it is sent again though it has not changed"},
+      {patch, [](const SeenRequest&, Answer& answer) { answer.cutAfter = answer.body.size() / 2; },
        "problem: it is cut short"},
-      {"OldAct/Mapas/Mapas1.zip",
-       [](const SeenRequest&, Answer& answer) { answer = support::Page(404, "gone"); },
-       "problem: it is missing"},
-      {"OldAct/Mapas/Mapas1.zip",
-       [](const SeenRequest&, Answer& answer) { answer = support::Page(503, "busy"); },
-       "problem: it is answered with status 503"},
-      {"OldAct/Mapas/Mapas1.zip",
-       [](const SeenRequest&, Answer& answer) { answer.body = "<html>hotel login</html>"; }, "problem: "},
-      {"OldAct/Init/no-such-patch.zip",
-       [](const SeenRequest&, Answer& answer) { answer = support::Page(200, "<html>start page</html>"); },
+      {patch, instead(support::Page(404, "gone")), "problem: it is missing"},
+      {patch, instead(support::Page(503, "busy")), "problem: it is answered with status 503"},
+      {patch, when(200, [](Answer& answer) { answer.body = "<html>hotel login</html>"; }), "problem: "},
+      {"OldAct/Init/no-such-patch.zip", instead(support::Page(200, "<html>start page</html>")),
        "problem: there is no such file, but it is answered with status 200"},
   };
   for (const auto& [file, spoil, told] : cases) {

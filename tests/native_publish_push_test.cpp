@@ -10,11 +10,8 @@
 
 namespace {
 
+using support::Holds;
 namespace fs = std::filesystem;
-
-bool Holds(const std::string& text, const std::string& piece) {
-  return text.find(piece) != std::string::npos;
-}
 
 // A publication with two patches and a game, and a folder to copy it to.
 struct PushTest : testing::Test {

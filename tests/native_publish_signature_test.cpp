@@ -12,18 +12,13 @@
 
 namespace {
 
-bool Holds(const std::string& text, const std::string& piece) {
-  return text.find(piece) != std::string::npos;
-}
-
+using support::Holds;
 // A signed publication, its key, and the public key as launchers are given it.
 struct SignatureTest : testing::Test {
   SignatureTest() {
     pub.game.Put("Bin/KVN-DX8.exe", "client");
     pub.game.Put("RECURSOS/MAPAS1/1.map", "map");
-    EXPECT_EQ(pub.Run({"keygen", key}), 0) << pub.err;
-    publicKey = pub.out.substr(pub.out.find('=') + 1);
-    publicKey.pop_back();
+    publicKey = pub.Keygen(key);
     EXPECT_EQ(pub.Release({"--key", key}), 0) << pub.err;
   }
 
@@ -140,8 +135,7 @@ TEST_F(SignatureTest, CheckFindsWhatASignatureDoesNotVouchFor) {
     EXPECT_TRUE(Holds(pub.out, told)) << told << "\n" << pub.out;
     pub.Put(file, old);
   }
-  pub.Run({"keygen", pub.folder / "other.pem"});
-  EXPECT_EQ(pub.Run({"check", pub.Root(), "--public-key", pub.out.substr(10, pub.out.size() - 11)}), 1);
+  EXPECT_EQ(pub.Run({"check", pub.Root(), "--public-key", pub.Keygen(pub.folder / "other.pem")}), 1);
   EXPECT_TRUE(Holds(pub.out, "it is not signed with the key")) << pub.out;
 
   // A mirror, by the key that launchers are given; and one more patch makes the signature too old.

@@ -14,9 +14,7 @@ struct SignedRelease : testing::Test {
     pub.game.Put("Bin/KVN-DX8.exe", "el cliente");
     pub.game.Put("Bin/Año 1/ñandú #1 & más.dat", support::Noise(50'000, 1));
     pub.game.Put("RECURSOS/MAPAS1/1.map", "uno");
-    EXPECT_EQ(pub.Run({"keygen", key}), 0) << pub.err;
-    publicKey = pub.out.substr(pub.out.find('=') + 1);
-    publicKey.pop_back();
+    publicKey = pub.Keygen(key);
     EXPECT_EQ(pub.Release({"--key", key}), 0) << pub.err;
     publisher::ServeOptions options;
     options.port = 0;
@@ -27,11 +25,7 @@ struct SignedRelease : testing::Test {
   }
   ~SignedRelease() override { run.machine.http.reset(); }  // before the server waits for its connections
 
-  void Play() {
-    run.Start();
-    run.Play();
-    run.UntilStopped();
-  }
+  void Play() { run.PlayUntilStopped(); }
   std::map<std::string, std::string> Game() const { return support::FilesOf(pub.game.Path()); }
 
   support::TestPublication pub;

@@ -20,41 +20,17 @@ struct Reading {
 
 TEST(Numeric, ReadsTheLeadingNumber) {
   constexpr double kHuge = std::numeric_limits<double>::infinity();
-  const Reading readings[] = {{"", 0, false},
-                              {" ", 0, false},
-                              {"12", 12, true},
-                              {" 12 ", 12, true},
-                              {"-3", -3, true},
-                              {"+4", 4, true},
-                              {"+-4", 0, false},
-                              {"-", 0, false},
-                              {".", 0, false},
-                              {".5", 0.5, true},
-                              {"-.5", -0.5, true},
-                              {"5.", 5, true},
-                              {"0.0", 0, true},
-                              {"1e3", 1000, true},
-                              {"1E-2x", 0.01, false},
-                              {"1e", 1, false},
-                              {"12abc", 12, false},
-                              {"abc12", 0, false},
-                              {"inf", 0, false},
-                              {"nan", 0, false},
-                              {"-inf", 0, false},
-                              {"0x10", 0, false},
-                              {"1,5", 1, false},
-                              {"1.2.3", 1.2, false},
-                              {"\t7\r\n", 7, true},
-                              {"1e400", kHuge, true},
-                              {"-1e400", -kHuge, true},
-                              {"1e-400", 0, true},
-                              {"-1e-400", 0, true},
-                              {"007", 7, true},
-                              {"1 2", 1, false},
-                              {"\xC2\xA0"
-                               "5",
-                               0, false},
-                              {"32768.5", 32768.5, true}};
+  const Reading readings[] = {{"", 0, false},       {" ", 0, false},          {"12", 12, true},
+                              {" 12 ", 12, true},   {"-3", -3, true},         {"+4", 4, true},
+                              {"+-4", 0, false},    {"-", 0, false},          {".", 0, false},
+                              {".5", 0.5, true},    {"-.5", -0.5, true},      {"5.", 5, true},
+                              {"0.0", 0, true},     {"1e3", 1000, true},      {"1E-2x", 0.01, false},
+                              {"1e", 1, false},     {"12abc", 12, false},     {"abc12", 0, false},
+                              {"inf", 0, false},    {"nan", 0, false},        {"-inf", 0, false},
+                              {"0x10", 0, false},   {"1,5", 1, false},        {"1.2.3", 1.2, false},
+                              {"\t7\r\n", 7, true}, {"1e400", kHuge, true},   {"-1e400", -kHuge, true},
+                              {"1e-400", 0, true},  {"-1e-400", 0, true},     {"007", 7, true},
+                              {"1 2", 1, false},    {"\xC2\xA0 5", 0, false}, {"32768.5", 32768.5, true}};
   for (const Reading& reading : readings) {
     EXPECT_EQ(Val(reading.text), reading.value) << reading.text;
     EXPECT_EQ(IsNumeric(reading.text), reading.numeric) << reading.text;

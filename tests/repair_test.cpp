@@ -44,10 +44,6 @@ struct InstalledGame : support::LauncherRun {
     Launched().MainWindow().cmdReiniciarUpdates.Click();
   }
 
-  std::string Get(const std::string& file) const { return folder.Get(game + "/" + file); }
-  void Put(const std::string& file, const std::string& bytes) { folder.Put(game + "/" + file, bytes); }
-  std::string PathOf(const std::string& file) const { return folder / (game + "/" + file); }
-
   // One byte differs, the size does not.
   void Flip(const std::string& file, int day = 0) {
     std::string bytes = Get(file);

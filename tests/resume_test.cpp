@@ -55,44 +55,33 @@ struct ResumeTest : testing::Test, support::WebWorld {
 };
 
 TEST_F(ResumeTest, GoesOnOnlyWithTheSameFileOfTheSameServer) {
+  using Then = std::function<Answer(const SeenRequest&, std::size_t came)>;
+  const Then whole = [](auto&, std::size_t) { return support::Text(kWhole); };
+  // The whole when no part is asked for.
+  const auto forAPart = [](std::function<Answer(std::size_t came)> part) -> Then {
+    return [part](const SeenRequest& request, std::size_t came) {
+      return request.Header("range").empty() ? support::Text(kWhole) : part(came);
+    };
+  };
+  const support::Headers noRanges = {{"ETag", "\"v1\""}},
+                         weakTag = {{"ETag", "W/\"v1\""}, {"Accept-Ranges", "bytes"}};
   const struct {
     const char* name;
     support::Headers first;
-    std::function<Answer(const SeenRequest&, std::size_t came)> then;
+    Then then;
     bool asksForRest;
     std::size_t requests;
-    const char* lastRange;  // of the last request: "" for the whole
+    bool lastForRest;
   } cases[] = {
-      {"the rest", kRanges, [](auto&, std::size_t came) { return Rest(came); }, true, 1, "rest"},
-      {"another file by now", kRanges, [](auto&, std::size_t) { return support::Text(kWhole); }, true, 1,
-       "rest"},
-      {"another part", kRanges,
-       [](const SeenRequest& request, std::size_t came) {
-         return request.Header("range").empty() ? support::Text(kWhole) : Rest(came - 1);
-       },
-       true, 2, ""},
-      {"a part of another file", kRanges,
-       [](const SeenRequest& request, std::size_t came) {
-         return request.Header("range").empty() ? support::Text(kWhole) : Rest(came, "\"v2\"");
-       },
-       true, 2, ""},
-      {"no such part", kRanges,
-       [](const SeenRequest& request, std::size_t) {
-         return request.Header("range").empty() ? support::Text(kWhole) : support::Page(416, "no");
-       },
-       true, 2, ""},
-      {"no ranges",
-       {{"ETag", "\"v1\""}},
-       [](auto&, std::size_t) { return support::Text(kWhole); },
-       false,
-       1,
-       ""},
-      {"a weak tag",
-       {{"ETag", "W/\"v1\""}, {"Accept-Ranges", "bytes"}},
-       [](auto&, std::size_t) { return support::Text(kWhole); },
-       false,
-       1,
-       ""},
+      {"the rest", kRanges, [](auto&, std::size_t came) { return Rest(came); }, true, 1, true},
+      {"another file by now", kRanges, whole, true, 1, true},
+      {"another part", kRanges, forAPart([](std::size_t came) { return Rest(came - 1); }), true, 2, false},
+      {"a part of another file", kRanges, forAPart([](std::size_t came) { return Rest(came, "\"v2\""); }),
+       true, 2, false},
+      {"no such part", kRanges, forAPart([](std::size_t) { return support::Page(416, "no"); }), true, 2,
+       false},
+      {"no ranges", noRanges, whole, false, 1, false},
+      {"a weak tag", weakTag, whole, false, 1, false},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
@@ -108,7 +97,7 @@ TEST_F(ResumeTest, GoesOnOnlyWithTheSameFileOfTheSameServer) {
     const std::string rest = "bytes=" + std::to_string(came) + "-";
     EXPECT_EQ(seen[0].Header("range"), test.asksForRest ? rest : "");
     EXPECT_EQ(seen[0].Header("if-range"), test.asksForRest ? "\"v1\"" : "");
-    EXPECT_EQ(seen.back().Header("range"), std::string_view(test.lastRange) == "rest" ? rest : "");
+    EXPECT_EQ(seen.back().Header("range"), test.lastForRest ? rest : "");
     EXPECT_EQ(Came(), 0u) << "it is of no more use";
     EXPECT_TRUE(platform::ListFolder(folders.Scratch("parts")).empty());
   }
@@ -150,7 +139,7 @@ TEST(Resume, AcrossAStartOfTheLauncher) {
   run.mirror.server.On(path, cut);
   run.Start();
   run.Play();
-  const std::string part = run.folder / (run.game + "/RECURSOS/INIT/UPDATE/parts/MapasMapas2.zip");
+  const std::string part = run.PathOf("RECURSOS/INIT/UPDATE/parts/MapasMapas2.zip");
   run.Until([&] { return platform::StampOf(part) && platform::StampOf(part)->size > 100'000; }, "a part");
   run.Launched().CloseLauncher();
   run.Until([&] { return run.Launched().Life().Ending(); }, "the end");
@@ -164,9 +153,7 @@ TEST(Resume, AcrossAStartOfTheLauncher) {
                                                     std::to_string(whole.size())}},
                   .body = whole.substr(from)};
   });
-  run.Start();
-  run.Play();
-  run.UntilEnded();
+  run.PlayToTheEnd();
   EXPECT_NE(range, "") << "it went on where it had stopped";
   EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
 }
@@ -262,9 +249,7 @@ TEST(Progress, TellsWhichPatchOfHowManyAndOnlyRises) {
     run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/" + std::to_string(i), Body(400'000), true}});
   run.mirror.AddBinFile("KVN-DX8.exe", "el cliente");
   run.mirror.Publish();
-  run.Start();
-  run.Play();
-  run.UntilEnded();
+  run.PlayToTheEnd();
   std::vector<std::string> patches;
   for (const std::string& call : run.screen.Matching("frmMain.lblsize: Parche ")) {
     const std::string place = call.substr(sizeof("frmMain.lblsize: Parche ") - 1, 6);

@@ -186,16 +186,6 @@ TEST(RunMode, AnOutcomeDecidesWhatFollows) {
       << "after a failure the mirror is confirmed first";
 }
 
-TEST(RunMode, UpdateOnlyModeRunsAtOnceAndEndsWithItsRun) {
-  World world;
-  world.flags.UpdatesOnly = true;
-  world.mode.StartUpDone();
-  EXPECT_EQ(world.Seen(), "1001");
-  world.mode.tmrUpdates_Timer();
-  EXPECT_EQ(world.mode.Now(), Mode::Ending);
-  EXPECT_EQ(world.lifetime.ExitStatus(), 1);
-}
-
 TEST(RunMode, AWatcherNoticesEveryChange) {
   World world;
   world.Reach(Mode::Idle);

@@ -54,59 +54,36 @@ TEST_F(ServerListTest, TwoServersAreShownAndKept) {
 }
 
 TEST_F(ServerListTest, OddAnswers) {
-  const std::string untouched = "Servidor Estado:", unavailable = "Servidor Web no Disponible.";
+  const std::string
+      untouched = "Servidor Estado:/Servidor Estado:/Servidor Estado:/",
+      unavailable = "Servidor Web no Disponible./Servidor Web no Disponible./Servidor Web no Disponible./",
+      overflow = "Error: Error 6 (Overflow) procedimiento GetServersList Módulo modGeneral línea: 20",
+      four = "1@A@ONLINE@@0@1@@0|1@B@ONLINE@@0@2@@0|1@C@ONLINE@@0@3@@0|1@D@ONLINE@@0@4@@0";
   const struct {
-    const char* name;
-    std::string answer;
-    std::string label[3];
-    std::string text;
+    std::string answer, labels, text;
     std::size_t probes;  // a new choice of the host
     std::string error;
   } cases[] = {
-      {"page", "<p>no servers today", {unavailable, unavailable, unavailable}, "", 1, ""},
-      {"one server", "1@A@ONLINE@@0@5@new@0", {unavailable, unavailable, unavailable}, "", 1, ""},
-      {"bar at the end",
-       "1@A@Online@@0@5@new@0|",
-       {"A ONLINE - 5 Users. - new", "", ""},
-       "1@A@Online@@0@5@new@0|",
-       0,
-       ""},
-      {"nothing but bars", "|||", {"", "", ""}, "0@@@@0@0@@0|", 0, ""},
-      {"words for numbers",
-       "x@A@up@@y@z@@|2@B@down@@@@@",
-       {"A UP", "B DOWN", ""},
-       "2@B@down@@0@0@@0|",
-       0,
-       ""},
-      {"four servers",
-       "1@A@ONLINE@@0@1@@0|1@B@ONLINE@@0@2@@0|1@C@ONLINE@@0@3@@0|1@D@ONLINE@@0@4@@0",
-       {"A ONLINE - 1 Users.", "B ONLINE - 2 Users.", "C ONLINE - 3 Users."},
-       "1@A@ONLINE@@0@1@@0|1@B@ONLINE@@0@2@@0|1@C@ONLINE@@0@3@@0|1@D@ONLINE@@0@4@@0|",
-       0,
-       ""},
-      {"too many players",
-       "1@A@ONLINE@@0@40000@@0|",
-       {untouched, untouched, untouched},
-       "",
-       0,
-       "Error: Error 6 (Overflow) procedimiento GetServersList Módulo modGeneral línea: 20"},
-      {"byte too large",
-       "256@A@ONLINE@@0@4@@0|",
-       {untouched, untouched, untouched},
-       "",
-       0,
-       "Error: Error 6 (Overflow) procedimiento GetServersList Módulo modGeneral línea: 20"},
+      {"<p>no servers today", unavailable, "", 1, ""},
+      {"1@A@ONLINE@@0@5@new@0", unavailable, "", 1, ""},
+      {"1@A@Online@@0@5@new@0|", "A ONLINE - 5 Users. - new///", "1@A@Online@@0@5@new@0|", 0, ""},
+      {"|||", "///", "0@@@@0@0@@0|", 0, ""},
+      {"x@A@up@@y@z@@|2@B@down@@@@@", "A UP/B DOWN//", "2@B@down@@0@0@@0|", 0, ""},
+      {four, "A ONLINE - 1 Users./B ONLINE - 2 Users./C ONLINE - 3 Users./", four + "|", 0, ""},
+      {"1@A@ONLINE@@0@40000@@0|", untouched, "", 0, overflow},
+      {"256@A@ONLINE@@0@4@@0|", untouched, "", 0, overflow},
   };
   for (const auto& test : cases) {
-    SCOPED_TRACE(test.name);
+    SCOPED_TRACE(test.answer);
     WebWorld fresh;
     fresh.Mirror(1, server.Url(kPath));
     fresh.Use(server.Url(kPath));
     server.Forget();
     server.On(kList, support::Text(test.answer));
     EXPECT_EQ(fresh.servers.GetServersList(), test.answer);
-    for (std::size_t i = 0; i < 3; ++i)
-      EXPECT_EQ(fresh.frmMain.lblServerState[i]->Caption.Get(), test.label[i]);
+    std::string labels;
+    for (const controls::Label* label : fresh.frmMain.lblServerState) labels += label->Caption.Get() + "/";
+    EXPECT_EQ(labels, test.labels);
     EXPECT_EQ(fresh.servers.Text(), test.text);
     EXPECT_EQ(server.Count(kProbe), test.probes);
     EXPECT_EQ(fresh.host.dialogs.shown.empty() ? "" : fresh.host.dialogs.shown[0].text, test.error);

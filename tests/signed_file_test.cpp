@@ -85,13 +85,6 @@ TEST(Signature, AKeyIsAPointOfThatCurveOrNone) {
   EXPECT_FALSE(platform::IsPublicKey(key.substr(0, 27) + std::string(64, '\0')));
 }
 
-TEST(Digest, Sha256) {
-  platform::Digest digest(platform::DigestKind::Sha256);
-  const std::string_view text = "abc";
-  digest.Update(std::as_bytes(std::span(text)));
-  EXPECT_EQ(digest.Hex(), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");
-}
-
 update::SignedFile Example() {
   update::SignedFile file;
   file.version = 1795195445;

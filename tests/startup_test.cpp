@@ -39,12 +39,9 @@ TEST_F(Recorder, NotesAreWrittenOnceInARowAndShownToNobody) {
   for (const char* text : {"A {1}", "A {1}", "B", "A {1}"}) recorder.Note(text);
   EXPECT_EQ(Log(), Line("A -1-") + Line("B") + Line("A -1-"));
   EXPECT_TRUE(host.dialogs.shown.empty());
-}
-
-TEST_F(Recorder, ReplacesBracesInTheLogOnly) {
   recorder.LogError("x {y} z");
   EXPECT_EQ(host.dialogs.shown[0].text, "Error: x {y} z");
-  EXPECT_EQ(Log(), Line("x -y- z"));
+  EXPECT_TRUE(Log().ends_with(Line("x -y- z")));
 }
 
 TEST_F(Recorder, StartsAFreshLogBeyond3000Bytes) {
@@ -113,14 +110,13 @@ TEST(Deployment, TakesBuiltInValuesForWhatTheFileLacks) {
 TEST(Main, PreparesTheFolderAndTheTimers) {
   LauncherRun run;
   run.mirror.Publish();
-  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "nuevo");
-  run.folder.Put(run.game + "/RECURSOS/INIT/WavSilenced.ini",
-                 "[INIT]\r\nWAV12=-3\r\nWAV13=0.0\r\nWAV14=x\r\n");
+  run.Put("RECURSOS/INIT/Kelvarin.exe.manifest", "nuevo");
+  run.Put("RECURSOS/INIT/WavSilenced.ini", "[INIT]\r\nWAV12=-3\r\n");
   run.Start();
   for (const char* made : {"Bin", "RECURSOS/INIT/UPDATE", "RECURSOS/UPDATE"}) {
-    EXPECT_TRUE(run.folder.Has(run.game + "/" + made)) << made;
+    EXPECT_TRUE(run.Has(made)) << made;
   }
-  EXPECT_EQ(run.folder.Get(run.game + "/Kelvarin.exe.manifest"), "nuevo");
+  EXPECT_EQ(run.Get("Kelvarin.exe.manifest"), "nuevo");
   const controls::MainWindow& window = run.Launched().MainWindow();
   EXPECT_TRUE(window.Visible);
   EXPECT_TRUE(window.NewsTimer.On());
@@ -137,26 +133,25 @@ TEST(Main, PreparesTheFolderAndTheTimers) {
   run.Launched().MainWindow().cmdConfig.Click();
   ui::OptionsWindow& options = run.Launched().Options().Window;
   EXPECT_TRUE(options.Visible) << "settings are for everybody once the start is done";
-  for (const auto& [sound, silenced] : {std::pair{"12", true}, {"13", false}, {"14", false}, {"15", false}}) {
-    options.cmbWavsList.Text = std::string(sound);
-    options.cmbWavsList.KeyUp();
-    EXPECT_EQ(options.chkSilenciarWav.Checked.Get(), silenced) << sound;
-  }
-
-  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "más nuevo");
+  options.cmbWavsList.Text = "12";
+  options.cmbWavsList.KeyUp();
+  EXPECT_TRUE(options.chkSilenciarWav.Checked.Get()) << "the list of sounds was read";
+  run.Put("RECURSOS/INIT/Kelvarin.exe.manifest", "más nuevo");
   run.Start();
-  EXPECT_EQ(run.folder.Get(run.game + "/Kelvarin.exe.manifest"), "nuevo");  // never overwritten
+  EXPECT_EQ(run.Get("Kelvarin.exe.manifest"), "nuevo");  // never overwritten
 }
 
 TEST(Main, MeetsOtherInstances) {
   const struct {
+    const char* commandLine;
     bool locked, client;
     std::vector<std::string> shown;
     std::string show;
   } cases[] = {
-      {false, false, {}, ""},
-      {true, true, {"Se encontró otra instancia del launcher abierta."}, "1"},
-      {false, true, {"Se encontró otra instancia ejecutada del launcher abierta."}, ""},
+      {"", false, false, {}, ""},
+      {"", true, true, {"Se encontró otra instancia del launcher abierta."}, "1"},
+      {"", false, true, {"Se encontró otra instancia ejecutada del launcher abierta."}, ""},
+      {"/UPDATES", true, true, {}, ""},
   };
   for (const auto& entry : cases) {
     LauncherRun run;
@@ -167,23 +162,14 @@ TEST(Main, MeetsOtherInstances) {
     run.machine.dialogs.onShow = [&](const support::ShownDialog& dialog) {
       if (!dialog.text.starts_with("Error")) shown.push_back(dialog.text);
     };
-    run.Start();
+    run.Start(entry.commandLine);
+    const bool alone = *entry.commandLine != 0;
     EXPECT_EQ(shown, entry.shown);
     EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), entry.show);
-    EXPECT_EQ(run.screen.Count("Let others come to front"), entry.locked ? 1 : 0);
-    EXPECT_TRUE(run.Launched().MainWindow().Visible);  // neither message ends the start-up
+    EXPECT_EQ(run.screen.Count("Let others come to front"), entry.locked && !alone ? 1 : 0);
+    EXPECT_EQ(run.machine.processes.locksTaken.empty(), alone);
+    EXPECT_EQ(run.Launched().MainWindow().Visible, !alone);  // neither message ends the start-up
   }
-}
-
-TEST(Main, UpdateOnlyModeMeetsNobody) {
-  LauncherRun run;
-  run.mirror.Publish();
-  run.machine.processes.lockExists = true;
-  run.machine.processes.running = {"Kelvarin.exe"};
-  run.Start("/UPDATES");
-  EXPECT_EQ(run.machine.settings->Get(keys::kApplication, keys::kConfig, keys::kShow), "");
-  EXPECT_FALSE(run.Shown("Se encontró otra instancia del launcher abierta."));
-  EXPECT_TRUE(run.machine.processes.locksTaken.empty());
 }
 
 TEST(Main, AsksForServersAgainWhileNoneIsUp) {

@@ -15,44 +15,31 @@ TEST(TransferReport, SaysWhyInAFewWordsAndInOneLine) {
   const struct {
     TransferReport report;
     bool arrived, good;
-    std::string reason, details;
+    std::string reason, more;
   } cases[] = {
-      {{{HttpError::None, 200}, 5, 5},
-       true,
-       true,
-       "el servidor respondió 200",
-       "el servidor respondió 200 (HTTP 200, 5 de 5 bytes)"},
-      {{{HttpError::None, 404}, 9},
-       true,
-       false,
-       "el servidor respondió 404",
-       "el servidor respondió 404 (HTTP 404, 9 bytes)"},
+      {{{HttpError::None, 200}, 5, 5}, true, true, "el servidor respondió 200", "HTTP 200, 5 de 5 bytes"},
+      {{{HttpError::None, 404}, 9}, true, false, "el servidor respondió 404", "HTTP 404, 9 bytes"},
       {{{HttpError::CutShort, 200, 18, "partial file"}, 20, 5'000},
        false,
        false,
        "la conexión se cortó antes del final",
-       "la conexión se cortó antes del final (HTTP 200, 20 de 5000 bytes; 18 partial file)"},
+       "HTTP 200, 20 de 5000 bytes; 18 partial file"},
       {{{HttpError::CannotConnect, 0, 7, "no"}},
        false,
        false,
        "no se pudo conectar con el servidor",
-       "no se pudo conectar con el servidor (0 bytes; 7 no)"},
-      {{{HttpError::None, 200}, 3, {}, RuntimeError(ErrorNumber::DiskFull)},
-       false,
-       false,
-       "disco lleno",
-       "disco lleno (HTTP 200, 3 bytes; error 61)"},
+       "0 bytes; 7 no"},
       {{{HttpError::None, 200}, 0, {}, RuntimeError(ErrorNumber::DiskFull, "disco lleno: faltan 3 MB")},
        false,
        false,
        "disco lleno: faltan 3 MB",
-       "disco lleno: faltan 3 MB (HTTP 200, 0 bytes; error 61)"},
+       "HTTP 200, 0 bytes; error 61"},
   };
   for (const auto& entry : cases) {
     EXPECT_EQ(entry.report.Arrived(), entry.arrived) << entry.reason;
     EXPECT_EQ(entry.report.Good(), entry.good) << entry.reason;
     EXPECT_EQ(entry.report.Reason(), entry.reason);
-    EXPECT_EQ(entry.report.Details(), entry.details);
+    EXPECT_EQ(entry.report.Details(), entry.reason + " (" + entry.more + ")");
   }
 }
 

@@ -62,13 +62,6 @@ TEST_F(TrayTest, TipIsCutToTheSystemsField) {
   EXPECT_EQ(tray.Tooltip(), std::string(63, 'x'));
 }
 
-TEST_F(TrayTest, MouseMessagesAreRaisedByName) {
-  for (int number = 511; number <= 522; ++number) screen.TrayMessage(number);
-  EXPECT_EQ(raised, (Names{"OTHER....: 511", "MOUSEMOVE", "LBUTTONDOWN", "LBUTTONUP", "LBUTTONDBLCLK",
-                           "RBUTTONDOWN", "RBUTTONUP", "RBUTTONDBLCLK", "MBUTTONDOWN", "MBUTTONUP",
-                           "MBUTTONDBLCLK", "OTHER....: 522"}));
-}
-
 TEST_F(TrayTest, DoubleClickRestoresTheStateBeforeMinimising) {
   for (const WindowState state : {WindowState::Normal, WindowState::Maximised}) {
     owner.State = state;
@@ -133,17 +126,6 @@ TEST_F(TrayTest, ClosingFromTheControlMenuIsTurnedIntoHiding) {
   EXPECT_TRUE(cancel);
   EXPECT_FALSE(owner.Visible);
   EXPECT_EQ(owner.State.Get(), WindowState::Minimised);
-}
-
-TEST_F(TrayTest, IconPictureIsAFileOrTheProgramsOwn) {
-  controls::ImageControl image(owner, "image");
-  image.Picture = std::string("picture.jpg");
-  tray.TrayIcon(image);
-  EXPECT_EQ(screen.trayPicture, "picture.jpg");
-  tray.TrayIcon("other.ico");
-  EXPECT_EQ(screen.trayPicture, "other.ico");
-  tray.TrayIcon("DEFAULT");
-  EXPECT_EQ(screen.trayPicture, "");
 }
 
 }  // namespace

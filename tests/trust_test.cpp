@@ -27,7 +27,7 @@ std::string Question(const std::string& why) {
 std::map<std::string, std::string> Installed(const SignedRun& run, const GameMirror& mirror) {
   std::map<std::string, std::string> files = mirror.Expected();
   files["launcher.exe"] = "el launcher";
-  files["Deployment.ini"] = run.folder.Get(run.game + "/Deployment.ini");
+  files["Deployment.ini"] = run.Get("Deployment.ini");
   for (const char* category : update::kCategories) files[category] = "0\r\n";
   files["Mapas"] = "2\r\n";
   files["Extras"] = "1\r\n";
@@ -252,11 +252,11 @@ TEST(Trust, ListsAndFilesOfDifferentMirrorsAreNotMixed) {
   support::FaultyServer& mixed = run.Twin();
   mixed.On(Path("Signed.txt"), next.server.AnswerFor({"GET", Path("Signed.txt"), {}}));
   run.Deploy({run.UrlOf(mixed), run.mirror.Url()});
-  const std::string before = run.folder.Get(run.game + "/Bin/KVN-DX8.exe");
+  const std::string before = run.Get("Bin/KVN-DX8.exe");
   run.PlayOnce();
   EXPECT_EQ(run.Status(), "No se pudo instalar Mapas/Mapas2.zip: su contenido no es el firmado.");
   EXPECT_EQ(run.Counter("Mapas"), "1\r\n") << "the first one is the same in both";
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), before);
+  EXPECT_EQ(run.Get("Bin/KVN-DX8.exe"), before);
 
   run.Deploy({run.UrlOf(mixed), run.mirror.Url(), next.Url()});
   run.PlayOnce();

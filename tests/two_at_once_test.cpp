@@ -98,7 +98,7 @@ TEST(TwoAtOnce, PlayDuringARepairsRunDoesNothing) {
 TEST(TwoAtOnce, ARepairConfirmedDuringStartUpRunsAfterIt) {
   LauncherRun run;
   PublishGame(run);
-  run.folder.Put(run.game + "/RECURSOS/INIT/AUMapas.ini", "2\r\n");
+  run.Put("RECURSOS/INIT/AUMapas.ini", "2\r\n");
   Answer slow = support::Text("1");
   slow.waitMs = 300;
   run.mirror.server.On(run.mirror.PathOf("Online.txt"), slow);
@@ -126,7 +126,7 @@ TEST(TwoAtOnce, PlayWhileNoMirrorAnswersAsksOnceAndStartsWhatIsInstalled) {
     LauncherRun run;
     PublishGame(run);
     const std::string probe = run.mirror.PathOf("Online.txt");
-    if (test.installed) run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el de antes");
+    if (test.installed) run.Put("Bin/KVN-DX8.exe", "el de antes");
     run.mirror.server.On(probe, support::Text("0"));
     Once play(
         run,
@@ -154,7 +154,7 @@ TEST(TwoAtOnce, PlayWhileNoMirrorAnswersAsksOnceAndStartsWhatIsInstalled) {
 TEST(Failures, WhoCannotUpdateMayStillPlay) {
   LauncherRun run;
   PublishGame(run);
-  run.folder.Put(run.game + "/Bin/KVN-DX8.exe", "el de antes");
+  run.Put("Bin/KVN-DX8.exe", "el de antes");
   run.Start();
   run.mirror.server.On(run.mirror.PathOf("Online.txt"), support::Text("0"));
   run.mirror.server.On(run.mirror.PathOf("OldAct/Update.ini"), support::CutShort("[INIT]", 3));
@@ -168,16 +168,14 @@ TEST(Failures, WhoCannotUpdateMayStillPlay) {
   EXPECT_TRUE(
       run.Shown("Ningún servidor de actualizaciones responde.\r\n¿Deseas iniciar el juego instalado sin "
                 "actualizarlo?"));
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el de antes");
+  EXPECT_EQ(run.Get("Bin/KVN-DX8.exe"), "el de antes");
 }
 
 TEST(Failures, ARunThatFailedSaysWhyAndLetsThePlayerGoOn) {
   LauncherRun run;
   PublishGame(run);
   run.mirror.server.On(run.mirror.PathOf("OldAct/Mapas/Mapas2.zip"), support::Page(404, "no"));
-  run.Start();
-  run.Play();
-  run.UntilStopped();
+  run.PlayUntilStopped();
   controls::MainWindow& window = run.Launched().MainWindow();
   EXPECT_EQ(run.Status(), "No se pudo instalar Mapas/Mapas2.zip: el servidor respondió 404.");
   EXPECT_EQ(window.ProgressBar1.Value.Get(), 0);
@@ -224,7 +222,7 @@ TEST(Failures, AStartThatFailsBeforeTheWindowEndsTheProgram) {
   for (const char* commandLine : {"", "/UPDATES"}) {
     LauncherRun run;
     run.mirror.Publish();
-    run.folder.Put(run.game + "/RECURSOS", "a file where a folder must be");
+    run.Put("RECURSOS", "a file where a folder must be");
     run.Start(commandLine);
     EXPECT_TRUE(run.Launched().Life().Ending());
     EXPECT_EQ(run.Launched().Life().ExitStatus(), 1);
@@ -237,9 +235,9 @@ TEST(Failures, AStartThatFailsBeforeTheWindowEndsTheProgram) {
 TEST(Failures, AManifestOrScratchFolderThatCannotBeWrittenDoesNotStopTheStart) {
   LauncherRun run;
   run.mirror.Publish();
-  run.folder.Put(run.game + "/RECURSOS/INIT/UPDATE", "a file");
-  run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "x");
-  platform::MakeFolders(run.folder / (run.game + "/Kelvarin.exe.manifest/x"));
+  run.Put("RECURSOS/INIT/UPDATE", "a file");
+  run.Put("RECURSOS/INIT/Kelvarin.exe.manifest", "x");
+  platform::MakeFolders(run.PathOf("Kelvarin.exe.manifest/x"));
   run.Start();
   EXPECT_EQ(run.Launched().Mode(), Mode::Idle);
   EXPECT_NE(Log(run).find("Kelvarin.exe.manifest: "), std::string::npos) << Log(run);
@@ -251,32 +249,28 @@ TEST(Failures, AStaleOrForeignPackedFileNeverReachesTheGame) {
   PublishGame(run);
   run.mirror.server.On(run.mirror.PathOf("NewAct2/Bin/sub/a.dll.kvn"),
                        support::Text(support::MakePacked("otra versión")));
-  run.folder.Put(run.game + "/Bin/sub/a.dll", "la vieja");
-  run.folder.Put(run.game + "/RECURSOS/UPDATE/KVN-DX8.exe.kvn", support::MakePacked("ajeno"));
-  run.folder.Put(run.game + "/RECURSOS/UPDATE/nuevo.dll.kvn", support::MakePacked("ajeno"));
-  run.Start();
-  run.Play();
-  run.UntilEnded();
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/KVN-DX8.exe"), "el cliente");
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/sub/a.dll"), "la vieja");
-  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/nuevo.dll"));
+  run.Put("Bin/sub/a.dll", "la vieja");
+  run.Put("RECURSOS/UPDATE/KVN-DX8.exe.kvn", support::MakePacked("ajeno"));
+  run.Put("RECURSOS/UPDATE/nuevo.dll.kvn", support::MakePacked("ajeno"));
+  run.PlayToTheEnd();
+  EXPECT_EQ(run.Get("Bin/KVN-DX8.exe"), "el cliente");
+  EXPECT_EQ(run.Get("Bin/sub/a.dll"), "la vieja");
+  EXPECT_FALSE(run.Has("Bin/nuevo.dll"));
   EXPECT_NE(Log(run).find("a.dll: su contenido no es el que nombra el índice"), std::string::npos)
       << Log(run);
-  EXPECT_TRUE(platform::ListTree(run.folder / (run.game + "/RECURSOS/UPDATE")).empty());
-  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/UPDATE/sub")) << "no empty folder is left behind";
-  EXPECT_FALSE(run.folder.Has(run.game + "/RECURSOS/INIT/UPDATE/tmp.tmp"));
+  EXPECT_TRUE(platform::ListTree(run.PathOf("RECURSOS/UPDATE")).empty());
+  EXPECT_FALSE(run.Has("RECURSOS/UPDATE/sub")) << "no empty folder is left behind";
+  EXPECT_FALSE(run.Has("RECURSOS/INIT/UPDATE/tmp.tmp"));
 }
 
 TEST(Failures, ADollarAnywhereBelowBinKeepsAFile) {
   LauncherRun run;
   PublishGame(run);
-  run.folder.Put(run.game + "/Bin/d$/f", "mío");
-  run.folder.Put(run.game + "/Bin/d/f", "ajeno");
-  run.Start();
-  run.Play();
-  run.UntilEnded();
-  EXPECT_EQ(run.folder.Get(run.game + "/Bin/d$/f"), "mío");
-  EXPECT_FALSE(run.folder.Has(run.game + "/Bin/d/f"));
+  run.Put("Bin/d$/f", "mío");
+  run.Put("Bin/d/f", "ajeno");
+  run.PlayToTheEnd();
+  EXPECT_EQ(run.Get("Bin/d$/f"), "mío");
+  EXPECT_FALSE(run.Has("Bin/d/f"));
 }
 
 // Every entry of the ring is bad in a way of its own, and the game arrives all the same.
@@ -306,9 +300,7 @@ TEST(Ring, EveryPieceArrivesFromAMirrorThatHasIt) {
     mirrors.push_back(bad.Url(base));
   }
   support::Deploy(run.folder, run.game, mirrors, run.mirror.server.Url(""));
-  run.Start();
-  run.Play();
-  run.UntilEnded();
+  run.PlayToTheEnd();
   EXPECT_EQ(run.GameFiles(), run.mirror.Expected());
   EXPECT_TRUE(run.machine.dialogs.shown.empty());
   for (const auto& fault : faults)

@@ -75,15 +75,13 @@ TEST(UnwritableFolder, ACompleteGameIsPlayedAndNothingIsWritten) {
     GameOfAnotherUser run;
     run.Install();
     for (const char* name : entry.removed) platform::RemoveTree(run.folder / (run.game + "/" + name));
-    run.folder.Put(run.game + "/Bin/ajeno.dll", "x");
-    run.folder.Put(run.game + "/RECURSOS/GRAFICOS/1.bmp", "x");
-    run.folder.Put(run.game + "/RECURSOS/INIT/Kelvarin.exe.manifest", "x");
+    run.Put("Bin/ajeno.dll", "x");
+    run.Put("RECURSOS/GRAFICOS/1.bmp", "x");
+    run.Put("RECURSOS/INIT/Kelvarin.exe.manifest", "x");
     const auto before = platform::ListTree(run.folder.Path());
     run.Lock();
     SKIP_UNLESS_HELD(run);
-    run.Start();
-    run.Play();
-    run.UntilEnded();
+    run.PlayToTheEnd();
     EXPECT_TRUE(run.GameStarted());
     EXPECT_TRUE(run.told.empty()) << run.told[0];
     EXPECT_EQ(platform::ListTree(run.folder.Path()), before);
@@ -102,12 +100,12 @@ TEST(UnwritableFolder, WhatMustBeWrittenIsOfferedWithTheRightsForIt) {
         run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/1.map", "uno nuevo"}});
         run.mirror.Publish();
       },
-      [](GameOfAnotherUser& run) { run.folder.Put(run.game + "/Bin/sub/a.dll", "dañado"); },
-      [](GameOfAnotherUser& run) { platform::RemoveFile(run.folder / (run.game + "/Bin/sub/a.dll")); },
+      [](GameOfAnotherUser& run) { run.Put("Bin/sub/a.dll", "dañado"); },
+      [](GameOfAnotherUser& run) { platform::RemoveFile(run.PathOf("Bin/sub/a.dll")); },
       [](GameOfAnotherUser& run) {
-        run.folder.Put(run.game + "/RECURSOS/INIT/UPDATE/Unzip/1/diario.txt",
-                       "; Parche a medio instalar\narchivo RECURSOS/MAPAS1/1.map\n; total 1\n");
-        run.folder.Put(run.game + "/RECURSOS/INIT/UPDATE/Unzip/1/viejo0", "cero");
+        run.Put("RECURSOS/INIT/UPDATE/Unzip/1/diario.txt",
+                "; Parche a medio instalar\narchivo RECURSOS/MAPAS1/1.map\n; total 1\n");
+        run.Put("RECURSOS/INIT/UPDATE/Unzip/1/viejo0", "cero");
       },
   };
   const struct {
@@ -139,7 +137,7 @@ TEST(UnwritableFolder, WhatMustBeWrittenIsOfferedWithTheRightsForIt) {
       const auto& elevated = run.machine.processes.elevated;
       ASSERT_EQ(elevated.size(), entry.answer == DialogAnswer::Yes ? 1u : 0u);
       if (elevated.empty()) continue;
-      const std::string program = run.folder / (run.game + "/launcher.exe");
+      const std::string program = run.PathOf("launcher.exe");
       EXPECT_EQ(elevated[0].program, program);
       EXPECT_EQ(elevated[0].commandLine, "\"" + program + "\" -x \"dos palabras\"");
       EXPECT_EQ(run.machine.settings->Get(startup::keys::kApplication, startup::keys::kConfig,

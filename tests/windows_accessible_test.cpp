@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "support/settings_form.hpp"
 #include "support/win32/one_colour.hpp"
 #include "support/win32/window_world.hpp"
-#include "ui/frmOpciones.hpp"
 #include "ui/win32/layout.hpp"
 #include "ui/win32/system_library.hpp"
 #include "ui/win32/unique_com.hpp"
@@ -59,11 +59,7 @@ struct Heard {
 struct WindowsAccessibleTest : testing::Test, support::WindowWorld {
   WindowsAccessibleTest() { Load(); }
   HWND At(const controls::Window& shown, const std::string& name) {
-    const ui::win32::LayoutRow& row = *ui::win32::LayoutOf(shown.Name()).Find(name);
-    const double scale = 15.0 / screen.TwipsPerPixel(shown);
-    const POINT middle{static_cast<LONG>((row.x + row.width / 2.0) * scale),
-                       static_cast<LONG>((row.y + row.height / 2.0) * scale)};
-    return ChildWindowFromPointEx(screen.HandleOf(shown), middle, CWP_ALL);
+    return support::ChildAt(screen, shown, name);
   }
   // The text of the label that stands before a window, which is how a reader names a box.
   static std::string LabelBefore(HWND child) {
@@ -132,11 +128,9 @@ TEST_F(WindowsAccessibleTest, TheKeyboardWalksByImportance) {
 }
 
 TEST_F(WindowsAccessibleTest, SettingsSayTheirStateAndHaveTheirLabelsBeforeThem) {
-  settings::modGameIni gameIni(*host.profiles, folders, recorder);
-  settings::SoundTable sounds(*host.profiles, folders);
-  gameIni.LoadGameConfig();
-  ui::SettingsServices with{services, screen, gameIni, sounds};
-  ui::frmOpciones options(with);
+  support::SettingsForm settings(*this, screen);
+  const auto& config = settings.gameIni.Config();
+  ui::frmOpciones& options = settings.form;
   options.Show(window);
   options.CustomK.Show(options.Window);
   options.MessagesConfigurateds.Show(options.Window);
@@ -144,13 +138,13 @@ TEST_F(WindowsAccessibleTest, SettingsSayTheirStateAndHaveTheirLabelsBeforeThem)
     const std::string name = (options.Window.*check.control).Name();
     const Heard heard(At(options.Window, name));
     for (int i = 0; i < 2; ++i) {
-      const bool on = gameIni.Config().*check.field;
+      const bool on = config.*check.field;
       EXPECT_EQ(heard.Role(), ROLE_SYSTEM_CHECKBUTTON) << name;
       EXPECT_EQ(heard.Name(), (options.Window.*check.caption).Caption.Get());
       EXPECT_EQ((heard.State() & STATE_SYSTEM_CHECKED) != 0, on) << name;
       EXPECT_EQ(heard.Action(), on ? "Desmarcar" : "Marcar") << name;
       EXPECT_TRUE(heard.Press());
-      EXPECT_TRUE(Until([&] { return gameIni.Config().*check.field != on; })) << name;
+      EXPECT_TRUE(Until([&] { return config.*check.field != on; })) << name;
     }
   }
   const std::tuple<const controls::Window*, const char*, const char*> boxes[] = {

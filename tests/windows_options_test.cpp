@@ -5,14 +5,10 @@
 #include <functional>
 
 #include "platform/files.hpp"
-#include "platform/win32/event_loop_win32.hpp"
-#include "platform/win32/wide.hpp"
-#include "support/test_services.hpp"
 #include "support/win32/gui_objects.hpp"
 #include "support/win32/one_colour.hpp"
+#include "support/win32/window_world.hpp"
 #include "ui/frmOpciones.hpp"
-#include "ui/win32/layout.hpp"
-#include "ui/win32/win32_screen.hpp"
 
 namespace {
 
@@ -52,26 +48,13 @@ struct WindowsOptionsTest : testing::Test, support::TestServices {
   }
   HWND Handle(const controls::Window& window) { return screen.HandleOf(window); }
 
-  // Handles events until the condition holds; false when it does not in good time.
-  bool Until(const std::function<bool()>& condition) {
-    const auto end = GetTickCount64() + 10'000;
-    while (!condition()) {
-      if (GetTickCount64() > end) return false;
-      host.events->WaitEvents(10);
-    }
-    return true;
-  }
-
-  // The middle of a control, in its window.
+  bool Until(const std::function<bool()>& condition) { return support::HandleUntil(*host.events, condition); }
   POINT Middle(const controls::Window& window, const std::string& name) {
-    const ui::win32::LayoutRow& row = *ui::win32::LayoutOf(window.Name()).Find(name);
-    const double scale = 15.0 / screen.TwipsPerPixel(window);
-    return {static_cast<LONG>((row.x + row.width / 2.0) * scale),
-            static_cast<LONG>((row.y + row.height / 2.0) * scale)};
+    return support::MiddleOf(screen, window, name);
   }
   HWND Child(const std::string& name) { return Child(form.Window, name); }
   HWND Child(const controls::Window& window, const std::string& name) {
-    return ChildWindowFromPointEx(Handle(window), Middle(window, name), CWP_ALL);
+    return support::ChildAt(screen, window, name);
   }
   std::string TextOf(const std::string& name) { return platform::Narrow(ui::win32::TextOf(Child(name))); }
 
@@ -142,35 +125,21 @@ TEST_F(WindowsOptionsTest, OpensOnceCentredBesideAMainWindowThatGoesOnWorking) {
   EXPECT_EQ(support::CountGuiObjects().windows, before.windows);
 }
 
-TEST_F(WindowsOptionsTest, ChecksAndTheirCaptionsToggleKeyPictureAndTellTheirTexts) {
-  const char* const keys[] = {"FullScreenResolution", "OptimizarRendimiento", "MiniMapa",
-                              "Effect_Cast_Spells",   "Effect_Clic_Spells",   "Sound_Activated",
-                              "Music_Activated",      "Sound3D_Activated",    "AmbientSounds",
-                              "NormaliceSounds",      "InvertSounds",         "Effect_Arrows",
-                              "Effect_Die",           "Effect_Text",          "Effect_Time",
-                              "IntervalMessages",     "Effect_Filter"};
-  static_assert(std::size(keys) == std::size(ui::kChecks));
-  int texts = 0;
-  for (std::size_t i = 0; i < std::size(keys); ++i) {
-    const ui::Check& check = ui::kChecks[i];
+TEST_F(WindowsOptionsTest, ChecksAndTheirCaptionsAreFoundWhereTheyStand) {
+  for (const ui::Check& check : ui::kChecks) {
     if (check.traits & ui::kSwitchesEffects) continue;
-    for (const controls::Control* pressed :
-         {static_cast<controls::Control*>(&(form.Window.*check.control)),
-          static_cast<controls::Control*>(&(form.Window.*check.caption))}) {
-      const bool on = Stored(keys[i]) != "1";
-      host.dialogs.shown.clear();
-      Click(pressed->Name());
-      EXPECT_EQ(Stored(keys[i]), on ? "1" : "0") << pressed->Name();
-      EXPECT_TRUE(Shows((form.Window.*check.control).Name(), on ? kPressed : kNormal)) << pressed->Name();
-      const char* const text = on ? check.textOn : check.textOff;
-      ASSERT_EQ(host.dialogs.shown.size(), text ? 1u : 0u) << pressed->Name();
-      if (text) {
-        EXPECT_EQ(host.dialogs.shown[0].text, text);
-      }
-      texts += text != nullptr;
+    const controls::ImageControl& box = form.Window.*check.control;
+    for (const std::string& pressed : {box.Name(), (form.Window.*check.caption).Name()}) {
+      const bool on = !(gameIni.Config().*check.field);
+      Click(pressed);
+      EXPECT_EQ(gameIni.Config().*check.field, on) << pressed;
+      EXPECT_TRUE(Shows(box.Name(), on ? kPressed : kNormal)) << pressed;
     }
   }
-  EXPECT_EQ(texts, 8);
+  gameIni.Set(&GC::MusicVolume, 100);
+  Click("imgLessMusicVolume");
+  Click("imgLessMusicVolume");  // a quick pair is two presses
+  EXPECT_EQ(TextOf("lblMusicVolume"), "90%");
 }
 
 TEST_F(WindowsOptionsTest, KeyboardReachesAndTogglesTheChecks) {
@@ -187,25 +156,6 @@ TEST_F(WindowsOptionsTest, KeyboardReachesAndTogglesTheChecks) {
     EXPECT_NE(GetFocus(), Child("imgMapa")) << "leads nowhere";
   }
   EXPECT_EQ(GetFocus(), Child("imgDefaultOptions"));
-}
-
-TEST_F(WindowsOptionsTest, VolumesStopAtTheirEnds) {
-  const struct {
-    const char* button;
-    int before, after;
-  } cases[] = {{"Plus", 100, 100}, {"Plus", 98, 100}, {"Less", 3, 0}, {"Less", 0, 0}, {"Plus", 30, 35}};
-  for (const auto& [button, before, after] : cases) {
-    gameIni.Set(&GC::MusicVolume, before);
-    gameIni.Set(&GC::SoundVolume, static_cast<std::int16_t>(before));
-    for (const std::string kind : {"Sound", "Music"}) {
-      Click(std::string("img") + button + kind + "Volume");
-      EXPECT_EQ(Stored(kind + "Volume"), std::to_string(after)) << button << kind << before;
-      EXPECT_EQ(TextOf("lbl" + kind + "Volume"), std::to_string(after) + "%");
-    }
-  }
-  Click("imgPlusMusicVolume");
-  Click("imgPlusMusicVolume");  // a quick pair is two presses
-  EXPECT_EQ(TextOf("lblMusicVolume"), "45%");
 }
 
 TEST_F(WindowsOptionsTest, ListsAreChosenFromByKeyboardAndMouse) {
@@ -253,111 +203,64 @@ TEST_F(WindowsOptionsTest, WheelTurnsOnlyTheListThatHasTheFocus) {
   EXPECT_EQ(TextOf("cmbWavsList"), "2");
 }
 
-TEST_F(WindowsOptionsTest, OptimisedPerformanceAndResetReachEveryPicture) {
-  gameIni.Set(&GC::Effect_Die, true);
-  gameIni.Set(&GC::FullScreenResolution, true);
-  gameIni.Set(&GC::SoundVolume, 35);
-  Click("chkOptimizedOptions");
-  EXPECT_EQ(Stored("OptimizarRendimiento") + Stored("FPS") + Stored("Effect_Die"), "1700");
-  EXPECT_EQ(SendMessageW(Child("cmbFPS"), CB_GETCURSEL, 0, 0), CB_ERR);
-  EXPECT_EQ(TextOf("cmbFPS"), "");
-  ASSERT_EQ(host.dialogs.shown.size(), 1u);
-  EXPECT_TRUE(host.dialogs.shown[0].text.starts_with("Se se han desactivado"));
-  EXPECT_TRUE(Shows("chkOptimizedOptions", kPressed));
-  EXPECT_TRUE(Shows("chkArrowEffect", kNormal));
-  Click("lblPerformance");
-  EXPECT_EQ(Stored("OptimizarRendimiento") + Stored("FPS"), "070");
-
-  const std::string before = folder.Get(kFile);
-  Click("imgDefaultOptions");
-  EXPECT_EQ(folder.Get(kFile), before) << "answered No";
-  host.dialogs.answers = {platform::DialogAnswer::Yes};
-  Click("imgDefaultOptions");
-  EXPECT_EQ(Stored("FPS") + Stored("SoundVolume") + Stored("VIDEO_MODE") + Stored("MiniMapa"), "1003520");
-  EXPECT_EQ(TextOf("cmbFPS") + TextOf("cmbMemory") + TextOf("cmbVideo_Mode"), "100209715200Sofware");
-  for (const char* on : {"chkArrowEffect", "chkFiltro", "chkMusic", "chkSound", "chkSound3DEffects"}) {
-    EXPECT_TRUE(Shows(on, kPressed)) << on;
-  }
-}
-
 TEST_F(WindowsOptionsTest, SoundsAreMutedByTypingTheirNumber) {
   Click("cmbWavsList");
   Type("12");
-  EXPECT_TRUE(Shows("chkSilenciarWav", kNormal));
   Click("chkSilenciarWav");
   EXPECT_EQ(Stored("WAV12", "WavSilenced.ini"), "1");
-  EXPECT_TRUE(Shows("chkSilenciarWav", kPressed));
-  EXPECT_EQ(TextOf("cmbWavsList"), "12");
   for (const auto& [typed, shown] :
-       {std::pair{"306", kNormal}, std::pair{"12", kPressed}, std::pair{"abc", kNormal},
-        std::pair{"12", kPressed}, std::pair{"", kNormal}, std::pair{"12", kPressed}}) {
+       {std::pair{"306", kNormal}, {"12", kPressed}, {"abc", kNormal}, {"12", kPressed}, {"", kNormal}}) {
     Click("cmbWavsList");
     Type(typed);
     EXPECT_TRUE(Shows("chkSilenciarWav", shown)) << typed;
     EXPECT_EQ(TextOf("cmbWavsList"), typed);
   }
-  Click("(chkSilenciarWav)");
-  EXPECT_EQ(Stored("WAV12", "WavSilenced.ini"), "0");
-  Click("cmbWavsList");
+  Type("12");
   Key(VK_DOWN);  // the next number of the list
   Click("chkSilenciarWav");
   EXPECT_EQ(Stored("WAV13", "WavSilenced.ini"), "1");
 }
 
 TEST_F(WindowsOptionsTest, NumberOfMessagesAndPlaceOfTheClanChat) {
-  for (const auto& [typed, shown] : {std::pair{" 12 ", "12"}, std::pair{"abc", "5"}, std::pair{"", "5"}}) {
-    Click("txtCantMensajes");
-    Type(typed);
-    Key(VK_TAB);
-    EXPECT_EQ(TextOf("txtCantMensajes"), shown) << typed;
-  }
-  EXPECT_EQ(folder.Get(kFile), asLoaded);
+  Click("txtCantMensajes");
+  Type("abc");
+  Key(VK_TAB);
+  EXPECT_EQ(TextOf("txtCantMensajes"), "5");
   const auto marked = [&](const char* name) { return SendMessageW(Child(name), BM_GETCHECK, 0, 0); };
-  EXPECT_EQ(marked("optConsola"), BST_CHECKED);
   for (const bool onScreen : {true, false}) {
     Click(onScreen ? "optPantalla" : "optConsola");
-    EXPECT_EQ(Stored("Guild_Chat_OnScreen"), onScreen ? "1" : "0");
     EXPECT_EQ(marked("optPantalla"), onScreen ? BST_CHECKED : BST_UNCHECKED);
     EXPECT_EQ(marked("optConsola"), onScreen ? BST_UNCHECKED : BST_CHECKED);
   }
 }
 
-TEST_F(WindowsOptionsTest, EscAndCloseSaveAndEndEachWindow) {
-  Click("imgCustomKeys1");
-  const auto opened = [&](const controls::Window& window) {
-    return Until([&] { return GetForegroundWindow() == Handle(window); });
-  };
-  int rate = 200;
+TEST_F(WindowsOptionsTest, EscAndCloseEndEachWindow) {
   const auto closes = [&](controls::Window& window, const std::function<void()>& close) {
-    ASSERT_TRUE(opened(window)) << window.Name();
-    gameIni.Set(&GC::FPS, ++rate);
+    ASSERT_TRUE(Until([&] { return GetForegroundWindow() == Handle(window); })) << window.Name();
     close();
     EXPECT_FALSE(IsWindowVisible(Handle(window))) << window.Name();
-    EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << window.Name();
   };
-  const auto escape = [&] { Key(VK_ESCAPE); };
-  const auto typesNothingToDisk = [&](controls::Window& window, const char* box) {
-    ASSERT_TRUE(opened(window));
-    const std::string before = folder.Get(kFile);
-    SetFocus(Child(window, box));
-    Type("x");
-    EXPECT_EQ(ui::win32::TextOf(Child(window, box)), L"x");
-    EXPECT_EQ(folder.Get(kFile), before);
-  };
-  typesNothingToDisk(form.CustomK.Window, "Text1(0)");
-  closes(form.CustomK.Window, escape);
-  SetForegroundWindow(Handle(form.Window));
-  Click("imgCustomMsg");
-  typesNothingToDisk(form.MessagesConfigurateds.Window, "messageTxt(0)");
-  closes(form.MessagesConfigurateds.Window, escape);
+  const std::tuple<const char*, controls::Window*, const char*> others[] = {
+      {"imgCustomKeys1", &form.CustomK.Window, "Text1(0)"},
+      {"imgCustomMsg", &form.MessagesConfigurateds.Window, "messageTxt(0)"}};
+  for (const auto& [opener, window, name] : others) {
+    SetForegroundWindow(Handle(form.Window));
+    Click(opener);
+    const HWND box = Child(*window, name);
+    closes(*window, [&] {
+      SetFocus(box);
+      Type("x");
+      EXPECT_EQ(ui::win32::TextOf(box), L"x");
+      Key(VK_ESCAPE);
+    });
+  }
   SetForegroundWindow(Handle(form.Window));
   SetFocus(Child("txtCantMensajes"));
-  closes(form.Window, escape);
+  closes(form.Window, [&] { Key(VK_ESCAPE); });
   Show();
   closes(form.Window, [&] { Click("imgCerrar"); });
   Show();
-  SendMessageW(Handle(form.Window), WM_SYSCOMMAND, SC_CLOSE, 0);
-  EXPECT_FALSE(IsWindowVisible(Handle(form.Window)));
+  closes(form.Window, [&] { SendMessageW(Handle(form.Window), WM_SYSCOMMAND, SC_CLOSE, 0); });
 }
 
 }  // namespace

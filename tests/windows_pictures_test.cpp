@@ -7,10 +7,10 @@
 #include <set>
 #include <vector>
 
+#include "support/settings_form.hpp"
 #include "support/win32/picture_file.hpp"
 #include "support/win32/window_world.hpp"
 #include "ui/frmNotify.hpp"
-#include "ui/frmOpciones.hpp"
 #include "ui/win32/layout.hpp"
 
 namespace {
@@ -215,7 +215,11 @@ TEST_F(WindowsPicturesTest, MainWindowThroughAnUpdate) {
     pictures.insert(Photograph(handle, row.picture).pixels);
     Judge(handle, window, row.picture);
   }
-  EXPECT_EQ(pictures.size(), std::size(rows)) << "two states look the same";
+  window.ProgressBar1.Failed = true;
+  const WindowPicture failed = Photograph(handle, "main-failed");
+  EXPECT_GT(failed.Colours({45, 489, 477, 501}), 5u) << "no bar";
+  pictures.insert(failed.pixels);
+  EXPECT_EQ(pictures.size(), std::size(rows) + 1) << "two states look the same";
 }
 
 TEST_F(WindowsPicturesTest, MainWindowServers) {
@@ -260,21 +264,6 @@ TEST_F(WindowsPicturesTest, MainWindowButtons) {
   EXPECT_EQ(looks.size(), 5u) << "two states of the button look the same";
 }
 
-TEST_F(WindowsPicturesTest, MainWindowHoverTexts) {
-  Point(window.cmdReiniciarUpdates);
-  EXPECT_EQ(window.lblEstado.Caption.Get(), kRepairText);
-  Judge(handle, window, "repair");
-  Photograph(handle, "main-repair-hover");
-  Point(window.cmdReportar);
-  EXPECT_TRUE(window.lblErrorWhatsApp.Visible);
-  Photograph(handle, "main-whatsapp-hover");
-  Point(window.cmdConfig);
-  Photograph(handle, "main-config-hover");
-  Point(window.cmdClose);
-  window.lblClienteGm.Visible = true;
-  Photograph(handle, "main-close-hover-staff");
-}
-
 TEST_F(WindowsPicturesTest, MainWindowAtEveryScale) {
   Progress(kRepairText, "Descargando actualizaciones: 7/12", "C:\\Juegos\\Kelvarin\\RECURSOS\\INIT\\UPDATE",
            "18734kb de 48211kb a 1250kb/s", "48211kb", 38.8);
@@ -307,28 +296,9 @@ TEST_F(WindowsPicturesTest, News) {
   PhotographScaled(notice, notify.window, "news", {150, 200});
 }
 
-TEST_F(WindowsPicturesTest, TrayMenu) {
-  const auto photograph = [this](const char* name) {
-    return [this, name](HMENU) {
-      const HWND menu = FindWindowW(L"#32768", nullptr);
-      for (int i = 0; i < 200 && support::TakePicture(menu).Colours() < 3; ++i) Sleep(20);
-      const WindowPicture picture = support::TakePicture(menu);
-      EXPECT_GE(picture.Colours(), 3u) << name << " is blank";
-      EXPECT_TRUE(support::WritePng(picture, *destination, name));
-    };
-  };
-  WithMenu(photograph("tray-menu"));
-  Click(window.cmdClose);
-  WithMenu(photograph("tray-menu-hidden"));
-}
-
 TEST_F(WindowsPicturesTest, SettingsWindows) {
-  settings::modGameIni gameIni(*host.profiles, folders, recorder);
-  settings::SoundTable sounds(*host.profiles, folders);
-  gameIni.LoadGameConfig();
-  sounds.Load();
-  ui::SettingsServices with{services, screen, gameIni, sounds};
-  ui::frmOpciones options(with);
+  support::SettingsForm settings(*this, screen);
+  ui::frmOpciones& options = settings.form;
   options.Show(window);
   options.CustomK.Show(options.Window);
   options.MessagesConfigurateds.Show(options.Window);
@@ -351,33 +321,9 @@ TEST_F(WindowsPicturesTest, SettingsWindows) {
   }
 }
 
-TEST_F(WindowsPicturesTest, HighContrast) {
-  Contrast();
-  Progress(kRepairText, "Descargando actualizaciones: 7/12", "C:\\Juegos\\Kelvarin\\RECURSOS\\INIT\\UPDATE",
-           "18734kb de 48211kb a 1250kb/s", "48211kb", 38.8);
-  main.btnConfig.EnableButton(false);
-  SetFocus(Child(window.cmdReportar));
-  Key(VK_TAB);
-  Photograph(handle, "main-contrast", kPlain);
-  ui::frmNotify notify(services, screen);
-  notify.ShowMessage("06/01/2019 20/30 hs. en la arena", "    Kelvarin      ¡Record de usuarios! 255.", 7,
-                     15000);
-  Photograph(screen.HandleOf(notify.window), "news-contrast", kPlain);
-}
-
-TEST_F(WindowsPicturesTest, FailedRun) {
-  Progress("No se pudo actualizar: no hay espacio en el disco.", "", "", "", "", 0);
-  window.ProgressBar1.Failed = true;
-  const WindowPicture picture = Photograph(handle, "main-failed");
-  EXPECT_GT(picture.Colours({45, 489, 477, 501}), 5u) << "no bar";
-}
-
 TEST_F(WindowsPicturesTest, OpenListInTheSkinsColours) {
-  settings::modGameIni gameIni(*host.profiles, folders, recorder);
-  settings::SoundTable sounds(*host.profiles, folders);
-  gameIni.LoadGameConfig();
-  ui::SettingsServices with{services, screen, gameIni, sounds};
-  ui::frmOpciones options(with);
+  support::SettingsForm settings(*this, screen);
+  ui::frmOpciones& options = settings.form;
   options.Show(window);
   const HWND form = screen.HandleOf(options.Window);
   HWND combo = FindWindowExW(form, nullptr, L"COMBOBOX", nullptr);

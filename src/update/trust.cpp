@@ -17,19 +17,17 @@ std::string DayOf(std::int64_t seconds) {
   return text.substr(8, 2) + "/" + text.substr(5, 2) + "/" + text.substr(0, 4);
 }
 
-const char* PlainWordsOf(SignedFault fault) {
-  switch (fault) {
-    case SignedFault::Unsigned:
-      return "falta la firma";
-    case SignedFault::UnknownFormat:
-      return "la firmada está en un formato que este launcher no conoce";
-    case SignedFault::Older:
-      return "la firmada es más vieja que la última conocida";
-    case SignedFault::Different:
-      return "la firmada es otra con el número de la última conocida";
-    default:
-      return "la firma no es la del juego";
+std::string_view PlainWordsOf(SignedFault fault) {
+  constexpr std::pair<SignedFault, std::string_view> kWords[] = {
+      {SignedFault::Unsigned, "falta la firma"},
+      {SignedFault::UnknownFormat, "la firmada está en un formato que este launcher no conoce"},
+      {SignedFault::Older, "la firmada es más vieja que la última conocida"},
+      {SignedFault::Different, "la firmada es otra con el número de la última conocida"},
+  };
+  for (const auto& [known, words] : kWords) {
+    if (known == fault) return words;
   }
+  return "la firma no es la del juego";
 }
 
 }  // namespace
@@ -146,7 +144,7 @@ std::string Trust::WordsOf(const SignedVerdict& verdict) const {
     case SignedFault::FromFuture:
       return "se firmó el " + DayOf(verdict.file.signedAt) + today;
     default:
-      return PlainWordsOf(verdict.fault);
+      return std::string(PlainWordsOf(verdict.fault));
   }
 }
 

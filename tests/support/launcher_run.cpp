@@ -57,6 +57,18 @@ void LauncherRun::UntilEnded() {
   Until([this] { return Launched().Life().Ending(); }, "the end of the program");
 }
 
+void LauncherRun::PlayToTheEnd() {
+  Start();
+  Play();
+  UntilEnded();
+}
+
+void LauncherRun::PlayUntilStopped() {
+  Start();
+  Play();
+  UntilStopped();
+}
+
 void LauncherRun::UntilStopped() {
   Until([this] { return Launched().Mode() != update::Mode::Updating; }, "the end of the run");
 }

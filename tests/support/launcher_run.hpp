@@ -26,13 +26,20 @@ class LauncherRun {
   // Handles events, stepping the clock, until the condition holds; fails the test after a generous while.
   void Until(const std::function<bool()>& condition, const char* what);
   void UntilEnded();
-  void UntilStopped();  // the run has ended with the timer off and the play button on again
+  void PlayToTheEnd();      // from its start on
+  void PlayUntilStopped();  // likewise
+  void UntilStopped();      // the run has ended with the timer off and the play button on again
 
   Launcher& Launched() { return *launcher_; }
   std::string Status() { return Launched().MainWindow().lblEstado.Caption; }
   std::string Counter(const std::string& category) const;
   bool Shown(const std::string& text) const;  // whether a message box had this text
 
+  // Files of the game, by their paths below its folder.
+  std::string PathOf(const std::string& file) const { return folder / (game + "/" + file); }
+  std::string Get(const std::string& file) const { return folder.Get(game + "/" + file); }
+  void Put(const std::string& file, const std::string& bytes) const { folder.Put(game + "/" + file, bytes); }
+  bool Has(const std::string& file) const { return folder.Has(game + "/" + file); }
   // The day of last change of a file of the game; whole days, since not every system sets finer times.
   void SetTime(const std::string& file, int day);
 

@@ -7,20 +7,23 @@
 namespace ui::win32 {
 namespace {
 
+// 0xRRGGBB, as the drawings of the skin have it.
+constexpr COLORREF Colour(unsigned rgb) { return RGB(rgb >> 16, rgb >> 8 & 0xFF, rgb & 0xFF); }
+
 constexpr Palette kSkin = {
     .plain = false,
-    .panel = RGB(0x0A, 0x10, 0x26),
-    .box = RGB(0x06, 0x0B, 0x1C),
-    .boxText = RGB(0xF2, 0xE6, 0xC4),
-    .border = RGB(0x8D, 0x6F, 0x38),
-    .caption = RGB(0xF3, 0xD6, 0x90),
-    .chosen = RGB(0x24, 0x36, 0x6C),
-    .chosenText = RGB(0xFF, 0xD7, 0x78),
-    .focus = RGB(0xFF, 0xD7, 0x78),
-    .dimmed = RGB(0x7C, 0x84, 0x9C),
-    .groove = RGB(0x02, 0x04, 0x0C),
-    .done = RGB(0xD8, 0xA4, 0x44),
-    .failed = RGB(0xC8, 0x32, 0x28),
+    .panel = Colour(0x0A1026),
+    .box = Colour(0x060B1C),
+    .boxText = Colour(0xF2E6C4),
+    .border = Colour(0x8D6F38),
+    .caption = Colour(0xF3D690),
+    .chosen = Colour(0x24366C),
+    .chosenText = Colour(0xFFD778),
+    .focus = Colour(0xFFD778),
+    .dimmed = Colour(0x7C849C),
+    .groove = Colour(0x02040C),
+    .done = Colour(0xD8A444),
+    .failed = Colour(0xC83228),
 };
 
 Palette SystemColours() {

@@ -1,9 +1,14 @@
 #include "support/posix/publication.hpp"
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <random>
 #include <sstream>
+#include <thread>
 
 #include "platform/files.hpp"
 #include "publisher/commands.hpp"
@@ -29,6 +34,12 @@ int TestPublication::Release(std::vector<std::string> options) {
   return Run(words);
 }
 
+std::string TestPublication::Keygen(const std::string& file) {
+  EXPECT_EQ(Run({"keygen", file}), 0) << err;
+  const std::size_t begin = out.find('=') + 1;
+  return out.substr(begin, out.size() - 1 - begin);
+}
+
 std::map<std::string, std::string> TestPublication::Everything() const { return FilesOf(Root()); }
 
 std::map<std::string, std::string> FilesOf(const std::string& folder) {
@@ -52,6 +63,37 @@ std::map<std::string, std::string> FilesIn(const std::string& archive) {
     zip.Expand(entry, inflater, take, {});
   }
   return files;
+}
+
+bool Holds(const std::string& text, const std::string& piece) {
+  return text.find(piece) != std::string::npos;
+}
+
+void KillAtAnyMoment(TestPublication& pub, const std::function<void(int)>& change,
+                     const std::function<int()>& work) {
+  change(-1);
+  const auto start = std::chrono::steady_clock::now();
+  ASSERT_EQ(work(), 0) << pub.err;
+  const auto usual =
+      std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+  std::minstd_rand random(7);
+  int killed = 0;
+  for (int round = 0; round < 20; ++round) {
+    change(round);
+    const pid_t child = fork();
+    if (child == 0) _exit(work() == 0 ? 0 : 9);
+    std::this_thread::sleep_for(
+        std::chrono::microseconds(random() % static_cast<unsigned>(usual.count() + 1)));
+    kill(child, SIGKILL);
+    int status = 0;
+    waitpid(child, &status, 0);
+    killed += WIFSIGNALED(status);
+    EXPECT_TRUE(WIFSIGNALED(status) || WEXITSTATUS(status) == 0);
+    ASSERT_EQ(pub.Check(), 0) << "round " << round << "\n" << pub.out;
+  }
+  EXPECT_GT(killed, 0);
+  EXPECT_EQ(work(), 0) << pub.err;
+  EXPECT_EQ(pub.Check(), 0) << pub.out;
 }
 
 std::string Noise(std::size_t size, unsigned seed) {

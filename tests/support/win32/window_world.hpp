@@ -14,9 +14,33 @@
 #include "startup/launcher_settings.hpp"
 #include "support/test_services.hpp"
 #include "ui/frmMain.hpp"
+#include "ui/win32/layout.hpp"
 #include "ui/win32/win32_screen.hpp"
 
 namespace support {
+
+// The middle of a control, in its window.
+inline POINT MiddleOf(ui::win32::Win32Screen& screen, const controls::Window& shown,
+                      const std::string& name) {
+  const ui::win32::LayoutRow& row = *ui::win32::LayoutOf(shown.Name()).Find(name);
+  const double scale = 15.0 / screen.TwipsPerPixel(shown);
+  return {static_cast<LONG>((row.x + row.width / 2.0) * scale),
+          static_cast<LONG>((row.y + row.height / 2.0) * scale)};
+}
+
+inline HWND ChildAt(ui::win32::Win32Screen& screen, const controls::Window& shown, const std::string& name) {
+  return ChildWindowFromPointEx(screen.HandleOf(shown), MiddleOf(screen, shown, name), CWP_ALL);
+}
+
+// Handles events until the condition holds; false when it does not in good time.
+inline bool HandleUntil(platform::EventLoop& events, const std::function<bool()>& condition) {
+  const auto end = GetTickCount64() + 10'000;
+  while (!condition()) {
+    if (GetTickCount64() > end) return false;
+    events.WaitEvents(10);
+  }
+  return true;
+}
 
 // The main window as a real one, driven by real messages, with nothing behind its buttons.
 struct WindowWorld : TestServices {
@@ -48,16 +72,7 @@ struct WindowWorld : TestServices {
     return made;
   }
 
-  // Handles events until the condition holds; false when it does not in good time.
-  bool Until(const std::function<bool()>& condition) {
-    const auto end = GetTickCount64() + 10'000;
-    while (!condition()) {
-      if (GetTickCount64() > end) return false;
-      host.events->WaitEvents(10);
-    }
-    return true;
-  }
-
+  bool Until(const std::function<bool()>& condition) { return HandleUntil(*host.events, condition); }
   HWND Child(const controls::ImageControl& image) {
     return FindWindowExW(handle, nullptr, L"BUTTON", platform::Wide(image.description).c_str());
   }
