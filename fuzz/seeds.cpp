@@ -65,7 +65,7 @@ void WriteIndexes() {
   Write("packed_file/text", support::MakePacked("mapa 1\r\nmapa 2\r\n"));
   Write("packed_file/claims-less", support::MakePacked("mapa 1\r\nmapa 2\r\n", 5));
   Write("packed_file/claims-more", support::MakePacked("mapa 1\r\nmapa 2\r\n", 500));
-  Write("packed_file/zeros", support::MakePacked(std::string(1'000'000, '\0')));
+  Write("packed_file/zeros", support::MakePacked(std::string(200'000, '\0')));
   Write("packed_file/cut", support::MakePacked("mapa 1\r\nmapa 2\r\n").substr(0, 15));
 }
 
