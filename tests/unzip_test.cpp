@@ -145,6 +145,26 @@ TEST_F(UnzipTest, WhateverMoveWasTheLastTheOldGameComesBack) {
   }
 }
 
+TEST_F(UnzipTest, WhatIsAddedComesWithTheArchiveOrNotAtAll) {
+  folder.Put("juego ñ/a", "vieja");
+  folder.Put("juego ñ/p.zip", MakeZip({{"a", "nueva"}, {"b", "nueva"}}));
+  const std::string archive = folder / "juego ñ/p.zip";
+  const std::string counter = "RECURSOS/INIT/AUMapas.ini";
+  const update::smodUnzip::Options options{.added = update::AddedFile{counter, "7\r\n"}};
+  platform::MakeFolder(folder / "juego ñ/" + platform::NativePath(counter));
+  const update::Unpacked refused = unzip.Unzip(archive, folders.AppPath, options);
+  EXPECT_FALSE(refused.done);
+  EXPECT_TRUE(refused.ownFailure);
+  EXPECT_EQ(refused.reason, "no se pudo reemplazar " + counter + ": en su lugar hay una carpeta");
+  EXPECT_EQ(folder.Get("juego ñ/a"), "vieja");
+  EXPECT_FALSE(folder.Has("juego ñ/b"));
+  EXPECT_TRUE(NothingLeftBehind());
+  platform::TryRemoveEmptyFolder(folder / "juego ñ/" + platform::NativePath(counter));
+  EXPECT_TRUE(unzip.Unzip(archive, folders.AppPath, options).done);
+  EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  EXPECT_EQ(folder.Get("juego ñ/" + counter), "7\r\n");
+}
+
 TEST_F(UnzipTest, AJournalThatIsNotWholeMovesNothing) {
   const std::string staging = folders.Scratch("Unzip") + platform::kSeparator + "7";
   platform::MakeFolders(staging);

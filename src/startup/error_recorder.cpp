@@ -33,7 +33,28 @@ std::string LogFile(const Folders& folders) {
   return own + platform::NativePath("\\Errores.log");
 }
 
+ErrorRecorder::Gathering::~Gathering() {
+  recorder_.gathering_ = nullptr;
+  if (entries_.empty()) return;
+  const auto& [first, isError] = entries_.front();
+  if (entries_.size() == 1) {
+    isError ? recorder_.LogError(first) : recorder_.Tell(first);
+    return;
+  }
+  std::vector<std::string> texts;
+  for (const Entry& entry : entries_) texts.push_back(entry.text);
+  recorder_.Tell((isError ? "Error: " : "") + first + "\r\n\r\nY " + std::to_string(entries_.size() - 1) +
+                 " más como este. Están todos en Errores.log.");
+  recorder_.WriteLines(texts);
+}
+
+void ErrorRecorder::Tell(const std::string& text) {
+  if (gathering_) return gathering_->entries_.push_back({text, false});
+  host_.dialogs.Show(text);
+}
+
 void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
+  if (gathering_ && !askToClose) return gathering_->entries_.push_back({text, true});
   showing_ = true;
   host_.dialogs.Show("Error: " + text);
   showing_ = false;
@@ -60,16 +81,20 @@ void ErrorRecorder::Note(const std::string& text) {
   WriteLine(text);
 }
 
-void ErrorRecorder::WriteLine(const std::string& text) {
+void ErrorRecorder::WriteLines(const std::vector<std::string>& texts) {
   if (log_.empty()) log_ = LogFile(folders_);
   Attempt([&] {
     const auto stamp = platform::StampOf(log_);
     if (stamp && stamp->size > kLargestLog) platform::RemoveFile(log_);
   });
   Attempt([&] {
-    const std::string plain = base::Replaced(base::Replaced(text, "{", "-"), "}", "-");
-    const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + plain;
-    platform::AppendTo(log_, platform::ToAnsi(line) + platform::kLineEnd);
+    std::string lines;
+    for (const std::string& text : texts) {
+      const std::string plain = base::Replaced(base::Replaced(text, "{", "-"), "}", "-");
+      const std::string line = host_.clock.DateText() + " " + host_.clock.TimeText() + " " + plain;
+      lines += platform::ToAnsi(line) + platform::kLineEnd;
+    }
+    platform::AppendTo(log_, lines);
   });
 }
 

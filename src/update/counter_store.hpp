@@ -20,7 +20,8 @@ class CounterStore {
   // 0 when there is none or it is no number of patches.
   std::int16_t Read(const std::string& category);
 
-  // False, and reported, when it could not be written; the old number stays then.
+  // False, and reported, when it could not be written; the old number stays then. A patch brings its number
+  // along (AddedFile), so nothing is written after one.
   bool Write(const std::string& category, std::int16_t number);
 
   // As Write, but raises what the file system does and leaves the report to the caller.

@@ -15,6 +15,8 @@ namespace {
 constexpr std::uint32_t kWatchdogMs = 10'000;
 constexpr std::uint32_t kRoundMs = 10;   // a wait loop's pause, so that it costs no processor
 constexpr const char* kParts = "parts";  // below the scratch folder
+// With the one of the present file a mirror has four connections to serve.
+constexpr web::FetchAhead::Limits kPackedAhead{.files = 12, .connections = 3};
 constexpr int kMostTimeouts = 5;
 constexpr int kMostSilentRetries = 3;
 constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Deseas reintentar la descarga?";
@@ -60,24 +62,38 @@ Attempt Download::NotGood(const web::TransferReport& report, const std::string& 
           .otherFile = report.otherContent};
 }
 
+// From the mirror that is chosen now; nothing when nobody vouches for the file.
+std::optional<web::FileRequest> Download::PackedRequest(const IndexRecord& record) const {
+  const auto expected = with_.trust.ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn");
+  if (!expected) return std::nullopt;
+  return web::FileRequest{
+      .url = UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn"),
+      .path = {},
+      .expected = *expected,
+      .proof = [md5 = record.digest.Hex()](const std::string& file, const std::stop_token& stop) {
+        return PackedFileHolds(file, md5, stop);
+      }};
+}
+
+void Download::FetchPacked(const std::vector<IndexRecord>& records) {
+  std::vector<web::FileRequest> next;
+  for (const IndexRecord& record : records) {
+    if (auto request = PackedRequest(record)) next.push_back(std::move(*request));
+  }
+  with_.transfers.FetchNext(std::move(next), kPackedAhead);
+}
+
 // A page in the place of a file is no file; one that came whole is worth nothing unless it is what the index
 // names.
-Attempt Download::AttemptPacked(const std::string& local, const IndexRecord& record,
-                                const web::Expected& expected) {
+Attempt Download::AttemptPacked(const web::FileRequest& request) {
+  const std::string &local = request.path, &url = request.url;
   if (platform::IsFile(local)) platform::RemoveFile(local);
-  const std::string url = UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn");
-  const web::TransferReport report = with_.transfers.DownloadUrlToFile(url, local, expected);
-  if (!report.Good()) {
-    platform::TryRemoveFile(local);
-    return NotGood(report, url);
-  }
-  Attempt attempt;
-  startup::RunBlocking(with_.services, [&](std::stop_token stop) {
-    if (PackedFileHolds(local, record.digest.Hex(), stop) || stop.stop_requested()) return;
-    attempt = {Attempt::Kind::BadContent, kOtherContent, kOtherContent};
-    attempt.digest = util::clsHashing().MD5File(local, stop);
-  });
-  if (attempt.kind != Attempt::Kind::Good) platform::TryRemoveFile(local);
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(request);
+  if (report.Good() && !report.disproved) return {};
+  Attempt attempt =
+      report.Good() ? Attempt{Attempt::Kind::BadContent, kOtherContent, kOtherContent} : NotGood(report, url);
+  if (report.Good()) attempt.digest = util::clsHashing().MD5File(local);
+  platform::TryRemoveFile(local);
   return attempt;
 }
 
@@ -96,15 +112,16 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         const std::string local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
         line = 40;
-        const auto expected = ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn");
-        if (!expected) return;
+        if (!ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn")) return;
         const std::string place = std::to_string(index) + "/" + std::to_string(count);
         end = with_.mirrors
                   .Fetch(record.Path(),
                          [&] {
                            frmMain.lblEstado.Caption =
                                "Progreso de actualización: " + place;  // while the file is on its way
-                           return AttemptPacked(local, record, *expected);
+                           web::FileRequest request = PackedRequest(record).value();
+                           request.path = local;
+                           return WithRoom([&] { return AttemptPacked(request); });
                          })
                   .end;
         line = 50;
@@ -119,7 +136,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
   return end == MirrorRound::End::Good;
 }
 
-Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const Use& use) {
+Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const FileUse& use) {
   int line = 0;
   try {
     return FetchArchive(name, unpack, use, line);
@@ -131,6 +148,14 @@ Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const U
         " Nombre: " + name + " U: " + UrlOf(name));
     return {DownloadResult::Stopped, failure.description};
   }
+}
+
+// What lies ready for later may be what leaves the present file no room.
+Attempt Download::WithRoom(const std::function<Attempt()>& attempt) {
+  Attempt first = attempt();
+  if (first.kind != Attempt::Kind::OwnFailure || !with_.transfers.Next()) return first;
+  ForgetFollowing();
+  return attempt();
 }
 
 std::string Download::UrlOf(const std::string& name) const {
@@ -152,10 +177,13 @@ void Download::FetchFollowing() {
     next.push_back(RequestFor(name, *expected));
   }
   with_.transfers.FetchNext(std::move(next), {});
+  if (const auto first = with_.transfers.Next())
+    prepared_ = std::make_unique<ArchivePreparation>(first, with_.services.folders);
 }
 
 void Download::ForgetFollowing() {
   following.clear();
+  prepared_.reset();
   with_.transfers.ForgetNext();
 }
 
@@ -187,14 +215,14 @@ void Download::CountOne(const web::TransferReport& report) {
   if (whole.number++ == whole.count) whole.number = 0;
 }
 
-Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& use, int& line) {
+Fetched Download::FetchArchive(const std::string& name, bool unpack, const FileUse& use, int& line) {
   web::DownloadState& state = with_.state;
   line = 10;
   state.TargetPath = with_.services.folders.FetchDir + platform::kSeparator + base::Replaced(name, "/", "");
   const auto expected = ExpectedOf(remoteFolder + name);
   if (!expected) return {DownloadResult::Stopped, kNotSigned};
-  const MirrorRound::Result result =
-      with_.mirrors.Fetch(name, [&] { return AttemptArchive(name, *expected, unpack, use, line); });
+  const MirrorRound::Result result = with_.mirrors.Fetch(
+      name, [&] { return WithRoom([&] { return AttemptArchive(name, *expected, unpack, use, line); }); });
   if (result.end == MirrorRound::End::Good) return {DownloadResult::Done};
   line = 50;
   if (state.CancelRequested || with_.services.lifetime.Ending()) {
@@ -219,7 +247,7 @@ Fetched Download::FetchArchive(const std::string& name, bool unpack, const Use& 
 }
 
 Attempt Download::AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack,
-                                 const Use& use, int& line) {
+                                 const FileUse& use, int& line) {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   line = 10;
@@ -248,9 +276,8 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
     attempt = NotGood(report, url);
     // A page, which every mirror words in its own way.
     if (attempt.kind == Attempt::Kind::NotArrived) attempt.kind = Attempt::Kind::BadContent;
-  } else if (unpack || use) {
-    if (unpack) FetchFollowing();
-    attempt = UseArchive(unpack, use);
+  } else if (unpack || use.judge) {
+    attempt = unpack ? UseArchive(url, use) : JudgeFile(use);
     attempt.cut = report.resumed;  // its beginning may be at fault: once more from the first byte
   }
   if (unpack || attempt.kind != Attempt::Kind::Good) RemoveTarget();
@@ -258,16 +285,23 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
   return attempt;
 }
 
-Attempt Download::UseArchive(bool unpack, const Use& use) {
+Attempt Download::JudgeFile(const FileUse& use) {
   const std::string& file = with_.state.TargetPath;
-  if (!unpack) {
-    const std::string why = use(file);
-    if (why.empty()) return {};
-    Attempt bad{Attempt::Kind::BadContent, why, why};
-    bad.digest = util::clsHashing().MD5File(file);
-    return bad;
-  }
-  const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator);
+  const std::string why = use.judge(file);
+  if (why.empty()) return {};
+  Attempt bad{Attempt::Kind::BadContent, why, why};
+  bad.digest = util::clsHashing().MD5File(file);
+  return bad;
+}
+
+// While this archive goes into the game, those behind it are fetched and the next one is expanded.
+Attempt Download::UseArchive(const std::string& url, const FileUse& use) {
+  const std::string& file = with_.state.TargetPath;
+  std::unique_ptr<ArchivePreparation> prepared = std::move(prepared_);
+  if (prepared && prepared->Url() != url) prepared.reset();
+  FetchFollowing();
+  const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator,
+                                              {.prepared = prepared.get(), .added = use.added});
   if (unpacked.done) return {};
   Attempt bad{unpacked.ownFailure ? Attempt::Kind::OwnFailure : Attempt::Kind::BadContent, unpacked.reason,
               unpacked.reason};

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,6 +27,12 @@ enum class DownloadResult {
 struct Fetched {
   DownloadResult result = DownloadResult::Stopped;
   std::string reason{};  // of Stopped, for the player: a few words in Spanish, no full stop
+};
+
+// What is done with a file that came whole.
+struct FileUse {
+  std::function<std::string(const std::string& file)> judge{};  // why it is of no use, in a few words
+  std::optional<AddedFile> added{};                             // comes into the game with its archive
 };
 
 // Brings files from the chosen mirror to disk and keeps the player informed; asks before it gives up.
@@ -59,33 +66,37 @@ class Download {
   void BeginWhole(const std::vector<std::string>& archives);
   void EndWhole();
 
+  // The packed files that DownloadClient will be asked for now and next are fetched and proved, several at a
+  // time, until ForgetFollowing.
+  void FetchPacked(const std::vector<IndexRecord>& records);
+
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
   // there is no file then.
   bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record);
 
-  // Makes use of a file that came whole; why it is of none, in a few words.
-  using Use = std::function<std::string(const std::string& file)>;
-
   // One named file into FetchDir, from whichever mirror gives a good one; with `unpack` its archive is
-  // unpacked over the game and deleted. Without, `use` judges it, and nothing is told to the player when no
+  // unpacked over the game and deleted. Without, it is judged, and nothing is told to the player when no
   // mirror has a good one.
-  Fetched DescargarArchivo(const std::string& name, bool unpack, const Use& use = {});
+  Fetched DescargarArchivo(const std::string& name, bool unpack, const FileUse& use = {});
 
   // The complete client archive. Players' launchers have always had it; nothing starts it today.
   void DescargarCliente();
 
  private:
-  Fetched FetchArchive(const std::string& name, bool unpack, const Use& use, int& line);
-  Attempt AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack, const Use& use,
-                         int& line);
+  Fetched FetchArchive(const std::string& name, bool unpack, const FileUse& use, int& line);
+  Attempt AttemptArchive(const std::string& name, const web::Expected& expected, bool unpack,
+                         const FileUse& use, int& line);
   std::optional<web::Expected> ExpectedOf(const std::string& name) const;
   Attempt NotGood(const web::TransferReport& report, const std::string& url);
-  Attempt UseArchive(bool unpack, const Use& use);
+  Attempt UseArchive(const std::string& url, const FileUse& use);
+  Attempt JudgeFile(const FileUse& use);
+  Attempt WithRoom(const std::function<Attempt()>& attempt);
   std::string UrlOf(const std::string& name) const;
   web::FileRequest RequestFor(const std::string& name, const web::Expected& expected) const;
   void FetchFollowing();
-  Attempt AttemptPacked(const std::string& local, const IndexRecord& record, const web::Expected& expected);
+  std::optional<web::FileRequest> PackedRequest(const IndexRecord& record) const;
+  Attempt AttemptPacked(const web::FileRequest& request);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;
@@ -95,6 +106,7 @@ class Download {
   void CountOne(const web::TransferReport& report);
 
   Collaborators with_;
+  std::unique_ptr<ArchivePreparation> prepared_;  // of the first archive that follows
   int TimeoutCount = 0;
   int SilentRetryCount = 0;
 };

@@ -22,6 +22,8 @@ constexpr const char* kIndexName = "Info.kvn";
 constexpr const char* kPackedEnding = ".kvn";
 constexpr std::int32_t kLargestIndex = 64 << 20;  // bytes; a game of half a million files has a smaller one
 constexpr std::size_t kFilesPerRound = 16;        // between two looks at the player's events
+constexpr std::size_t kMostDamaged = 16;          // of whose fetching is begun ahead
+constexpr int kMostMisses = 32;                   // in a row; an index may name whatever it likes
 constexpr std::size_t kFilesAtOnce = 512;         // judged by one thread
 
 // A link may lead to a folder that holds more than the game.
@@ -68,13 +70,13 @@ IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
   fetched_.clear();
-  complaint_.reset();
+  taken_ = {};
   const Fetched fetched = download_.DescargarArchivo(
-      kIndexName, false, [this](const std::string& packed) { return Take(packed); });
+      kIndexName, false, {.judge = [this](const std::string& packed) { return Take(packed); }});
   platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;
-  if (!good && complaint_ && !services_.lifetime.Ending()) compression_.Tell(*complaint_);
+  if (!good && taken_.complaint && !services_.lifetime.Ending()) compression_.Tell(kIndexName, taken_);
   NoteRefusals();
   return good;
 }
@@ -85,10 +87,11 @@ std::string IndexStage::Take(const std::string& packed) {
   std::string why;
   try {
     if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
-    bool done = false;
-    complaint_ = compression_.Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, done);
-    if (complaint_) why = complaint_->text;
-    if (done) startup::RunBlocking(services_, [&](std::stop_token) { index_.Read(unpacked); });
+    startup::RunBlocking(services_, [&](std::stop_token stop) {
+      taken_ = modCompression::Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, stop);
+      if (taken_.done) index_.Read(unpacked);
+    });
+    if (taken_.complaint) why = taken_.complaint->text;
   } catch (...) {
     why = startup::CurrentFailure(0).Opening();
   }
@@ -152,6 +155,9 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
   const bool writable = services_.flags.FolderWritable;
   bool left = false;
+  damaged_.clear();
+  seen_ = 0;
+  misses_ = 0;
   Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
                             services_.lifetime);
   for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
@@ -160,21 +166,42 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
     const IndexRecord record = index_[i];
     if (!Wanted(record) || proof.Has(record.digest) || ended()) continue;
-    if (writable) {
-      FetchAgain(i);
-    } else {
+    if (!writable) {
       left = true;
+    } else if (misses_ < kMostMisses) {
+      FetchAgain(i, verification);
     }
   }
+  download_.ForgetFollowing();
   if (writable && !ended()) Remember(verification, proved);
   return left;
 }
 
-void IndexStage::FetchAgain(std::size_t i) {
+// Which files will have to be fetched from this one on, as far as the proofs have come.
+void IndexStage::LookAhead(std::size_t i, Verification& verification) {
+  while (!damaged_.empty() && damaged_.front() < i) damaged_.pop_front();
+  for (seen_ = std::max(seen_, i); seen_ < index_.Count() && damaged_.size() < kMostDamaged; ++seen_) {
+    const auto proof = verification.Peek(seen_);
+    if (!proof) return;
+    const IndexRecord record = index_[seen_];
+    if (Wanted(record) && !proof->Has(record.digest)) damaged_.push_back(seen_);
+  }
+}
+
+void IndexStage::FetchAgain(std::size_t i, Verification& verification) {
+  LookAhead(i, verification);
+  std::vector<IndexRecord> next;
+  for (const std::size_t at : damaged_) next.push_back(index_[at]);
+  download_.FetchPacked(next);
   const IndexRecord record = index_[i];
   const auto number = static_cast<std::int32_t>(i + 1), count = static_cast<std::int32_t>(index_.Count());
-  if (download_.DownloadClient(number, count, record))
+  if (download_.DownloadClient(number, count, record)) {
     fetched_[Folded(std::string(record.inBin) + kPackedEnding)] = record.digest.Hex();
+    misses_ = 0;
+  } else if (++misses_ == kMostMisses) {
+    services_.recorder.Note("Info.kvn: " + std::to_string(misses_) +
+                            " archivos seguidos que ningún servidor da; los demás quedan para otra vez");
+  }
 }
 
 std::optional<std::string> IndexStage::DigestOf(const std::string& packed) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -44,7 +45,8 @@ class IndexStage {
 
  private:
   std::string Take(const std::string& packed);
-  void FetchAgain(std::size_t i);
+  void LookAhead(std::size_t i, Verification& verification);
+  void FetchAgain(std::size_t i, Verification& verification);
   void Remember(Verification& verification, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;
@@ -55,7 +57,10 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
-  std::optional<modCompression::Complaint> complaint_;    // about the last index that came
+  std::deque<std::size_t> damaged_;  // records that are known to need their file; from the present one on
+  std::size_t seen_ = 0;             // records that have been looked at for them
+  int misses_ = 0;                   // files that no mirror gave, one after the other
+  modCompression::Outcome taken_;    // of the last index that came
   std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 

@@ -7,6 +7,7 @@ namespace update {
 
 // A category's counter: its file in RECURSOS/INIT, and what stands in it when `number` patches are installed.
 std::string CounterFileName(const std::string& category);
+std::string CounterPath(const std::string& category);  // below the game folder, "/" between its parts
 std::string CounterText(int number);
 
 // Whether a path below the game folder (any separators, any case) is the launcher's own state, which no

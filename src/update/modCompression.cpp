@@ -6,53 +6,12 @@
 #include "startup/procedure.hpp"
 
 namespace update {
+namespace {
 
-bool modCompression::Descomprimir(const std::string& source, const std::string& destination,
-                                  const Expansion& how) {
-  bool done = false;
-  const std::optional<Complaint> complaint = Expand(source, destination, how, done);
-  if (complaint) {
-    Tell(*complaint);
-  } else if (!done && !services_.lifetime.Ending()) {
-    services_.recorder.Note(source + ": su contenido no es el que nombra el índice");
-  }
-  return done;
-}
-
-std::optional<modCompression::Complaint> modCompression::Expand(const std::string& source,
-                                                                const std::string& destination,
-                                                                const Expansion& how, bool& done) {
-  done = false;
-  int line = 10;
-  try {
-    const std::int32_t size = ClaimedSize(source);
-    line = 20;
-    if (size < 1) {
-      return Complaint{"Error al descomprimir " + source + ". El archivo pesaba " + std::to_string(size) +
-                       " kb."};
-    }
-    line = 30;
-    platform::MakeFolders(platform::FolderOf(destination));
-    line = 40;
-    startup::RunBlocking(
-        services_, [&](std::stop_token stop) { done = ExpandPackedFile(source, destination, stop, how); });
-    return std::nullopt;
-  } catch (...) {
-    return ComplaintAbout(source, destination, line);
-  }
-}
-
-void modCompression::Tell(const Complaint& complaint) {
-  if (complaint.isError) {
-    services_.recorder.LogError(complaint.text);
-  } else {
-    services_.host.dialogs.Show(complaint.text);
-  }
-}
+using Complaint = modCompression::Complaint;
 
 // Of the error that is being handled.
-modCompression::Complaint modCompression::ComplaintAbout(const std::string& source,
-                                                         const std::string& destination, int line) const {
+Complaint ComplaintAbout(const std::string& source, const std::string& destination, int line) {
   using base::ErrorNumber;
   const startup::Failure failure = startup::CurrentFailure(line);
   const auto is = [&](ErrorNumber number) { return failure.number == static_cast<int>(number); };
@@ -71,6 +30,46 @@ modCompression::Complaint modCompression::ComplaintAbout(const std::string& sour
   return {failure.Opening() + " in procedure Descomprimir of Módulo modCompression in line " +
               failure.Line() + "Parametro 1: " + source + "Parametro 2: " + destination,
           true};
+}
+
+}  // namespace
+
+modCompression::Outcome modCompression::Expand(const std::string& source, const std::string& destination,
+                                               const Expansion& how, const std::stop_token& stop) {
+  int line = 10;
+  try {
+    const std::int32_t size = ClaimedSize(source);
+    line = 20;
+    if (size < 1) {
+      return {false, Complaint{"Error al descomprimir " + source + ". El archivo pesaba " +
+                               std::to_string(size) + " kb."}};
+    }
+    line = 30;
+    platform::MakeFolders(platform::FolderOf(destination));
+    line = 40;
+    return {ExpandPackedFile(source, destination, stop, how)};
+  } catch (...) {
+    return {false, ComplaintAbout(source, destination, line)};
+  }
+}
+
+bool modCompression::Descomprimir(const std::string& source, const std::string& destination,
+                                  const Expansion& how) {
+  Outcome outcome;
+  startup::RunBlocking(services_,
+                       [&](std::stop_token stop) { outcome = Expand(source, destination, how, stop); });
+  Tell(source, outcome);
+  return outcome.done;
+}
+
+void modCompression::Tell(const std::string& source, const Outcome& outcome) {
+  if (outcome.complaint && outcome.complaint->isError) {
+    services_.recorder.LogError(outcome.complaint->text);
+  } else if (outcome.complaint) {
+    services_.recorder.Tell(outcome.complaint->text);
+  } else if (!outcome.done && !services_.lifetime.Ending()) {
+    services_.recorder.Note(source + ": su contenido no es el que nombra el índice");
+  }
 }
 
 }  // namespace update

@@ -25,15 +25,18 @@ class modCompression {
   // one asked for is only logged: it is a download that failed.
   bool Descomprimir(const std::string& source, const std::string& destination, const Expansion& how = {});
 
-  // As Descomprimir, but leaves it to the caller to tell. `done` says whether the destination was written;
-  // there is no complaint about other content or when the program ends.
-  std::optional<Complaint> Expand(const std::string& source, const std::string& destination,
-                                  const Expansion& how, bool& done);
-  void Tell(const Complaint& complaint);
+  struct Outcome {
+    bool done = false;                     // the destination was written
+    std::optional<Complaint> complaint{};  // none about other content or when a stop was requested
+  };
+  // As Descomprimir, but on the thread that calls, and leaves it to the caller to tell.
+  static Outcome Expand(const std::string& source, const std::string& destination, const Expansion& how,
+                        const std::stop_token& stop);
+
+  // What Descomprimir shows or logs of an outcome; on the interface thread.
+  void Tell(const std::string& source, const Outcome& outcome);
 
  private:
-  Complaint ComplaintAbout(const std::string& source, const std::string& destination, int line) const;
-
   const startup::Services& services_;
 };
 

@@ -1,9 +1,14 @@
 #include "update/patch_installation.hpp"
 
+#include <mutex>
+#include <utility>
+
 #include "base/relative_name.hpp"
 #include "base/text.hpp"
 #include "platform/files.hpp"
+#include "startup/blocking.hpp"
 #include "startup/procedure.hpp"
+#include "util/parallel.hpp"
 
 namespace update {
 
@@ -13,19 +18,68 @@ std::string InstalledName(const std::string& inUpdate) {
   return base::WhyUnsafe(name).empty() ? name : std::string{};
 }
 
-void PatchInstallation::InstallOne(const std::string& inUpdate, const DigestOf& digestOf) {
-  const std::string packed = services_.folders.ResourcesUpdateDir + platform::kSeparator + inUpdate;
-  if (!platform::IsFile(packed)) return;
-  const std::string name = InstalledName(inUpdate);
-  const std::optional<std::string> digest = digestOf(inUpdate);
-  if (name.empty() || !digest) {
-    services_.recorder.Note("Archivo rechazado: " + packed);
-  } else {
-    compression_.Descomprimir(packed, services_.folders.BinDir + platform::kSeparator + name,
-                              {.md5 = *digest});
-    if (services_.lifetime.Ending()) return;  // not expanded for want of time: the next start does it
+std::vector<PatchInstallation::Packed> PatchInstallation::Plan(const DigestOf& digestOf) const {
+  std::vector<Packed> files;
+  for (const platform::FoundFile& found : platform::ListTree(services_.folders.ResourcesUpdateDir)) {
+    Packed& file = files.emplace_back();
+    file.path = services_.folders.ResourcesUpdateDir + platform::kSeparator + found.path;
+    const std::string name = InstalledName(found.path);
+    const std::optional<std::string> digest = digestOf(found.path);
+    if (name.empty() || !digest) continue;
+    file.destination = services_.folders.BinDir + platform::kSeparator + name;
+    file.digest = *digest;
   }
-  if (platform::IsFile(packed)) platform::RemoveFile(packed);
+  return files;
+}
+
+// On all processors; what became of them is told in their order.
+void PatchInstallation::Install(std::vector<Packed>& files) {
+  std::mutex mutex;  // over the outcomes
+  std::size_t told = 0;
+  const auto tell = [&] {
+    for (; told < files.size(); ++told) {
+      {
+        const std::lock_guard lock(mutex);
+        if (!files[told].ended) return;
+      }
+      Finish(told + 1, files[told]);
+    }
+  };
+  const auto expand = [&](const std::stop_token& stop, std::size_t i) {
+    Packed& file = files[i];
+    modCompression::Outcome outcome;
+    if (!file.destination.empty())
+      outcome = modCompression::Expand(file.path, file.destination, {.md5 = file.digest}, stop);
+    if (stop.stop_requested() && !outcome.done) return;  // for want of time: it is fetched once more
+    {
+      const std::lock_guard lock(mutex);
+      file.outcome = std::move(outcome);
+      file.ended = true;
+    }
+    services_.host.events.Wake();
+  };
+  startup::RunBlocking(
+      services_,
+      [&](std::stop_token stop) {
+        util::ForEachParallel(files.size(), [&](std::size_t i) {
+          if (!stop.stop_requested()) expand(stop, i);
+        });
+      },
+      tell);
+  tell();
+}
+
+void PatchInstallation::Finish(std::size_t number, const Packed& file) {
+  if (file.destination.empty()) {
+    services_.recorder.Note("Archivo rechazado: " + file.path);
+  } else {
+    compression_.Tell(file.path, file.outcome);
+  }
+  if (platform::IsFile(file.path)) platform::RemoveFile(file.path);
+  const std::string text = std::to_string(number);
+  frmMain_.lblName.Caption = "Instalando parche: " + text + ", por favor aguarde.";
+  frmMain_.lblsize.Caption = "Archivos verificados: " + text;
+  frmMain_.ProgressBar1.Value = static_cast<double>(number) / 10;
 }
 
 void PatchInstallation::DescomprimirArchivos(const DigestOf& digestOf) {
@@ -35,21 +89,13 @@ void PatchInstallation::DescomprimirArchivos(const DigestOf& digestOf) {
         line = 10;
         platform::MakeFolders(services_.folders.ResourcesUpdateDir);
         line = 20;
-        const std::vector<platform::FoundFile> files =
-            platform::ListTree(services_.folders.ResourcesUpdateDir);
+        std::vector<Packed> files = Plan(digestOf);
         if (files.empty()) return;
         frmMain_.lblEstado.Caption = "Verificando archivos...";
         frmMain_.ProgressBar1.Value = static_cast<double>(files.size()) / 10;
-        for (std::size_t i = 1; i <= files.size() && !services_.lifetime.Ending(); ++i) {
-          line = 30;
-          InstallOne(files[i - 1].path, digestOf);
-          line = 40;
-          const std::string number = std::to_string(i);
-          frmMain_.lblName.Caption = "Instalando parche: " + number + ", por favor aguarde.";
-          frmMain_.lblsize.Caption = "Archivos verificados: " + number;
-          frmMain_.ProgressBar1.Value = static_cast<double>(i) / 10;
-          services_.host.events.DoEvents();
-        }
+        line = 30;
+        const startup::ErrorRecorder::Gathering gathering(services_.recorder);
+        Install(files);
       },
       [&](const startup::Failure& failure) {
         return failure.Opening() +

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "controls/main_window.hpp"
 #include "startup/services.hpp"
@@ -29,7 +30,17 @@ class PatchInstallation {
   void DescomprimirArchivos(const DigestOf& digestOf);
 
  private:
-  void InstallOne(const std::string& inUpdate, const DigestOf& digestOf);
+  struct Packed {
+    std::string path;         // of the packed file
+    std::string destination;  // empty: it is refused
+    std::string digest;
+    modCompression::Outcome outcome{};
+    bool ended = false;  // the outcome is there
+  };
+
+  std::vector<Packed> Plan(const DigestOf& digestOf) const;
+  void Install(std::vector<Packed>& files);
+  void Finish(std::size_t number, const Packed& file);
 
   const startup::Services& services_;
   controls::MainWindow& frmMain_;

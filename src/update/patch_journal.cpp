@@ -102,7 +102,7 @@ void UndoMoves(const std::string& staging, const std::string& game, const PatchM
   RemoveJournal(staging);
 }
 
-std::string RecoverInterruptedPatch(const startup::Services& services) {
+std::string UndoInterruptedPatch(const startup::Services& services) {
   const std::string root = services.folders.Scratch("Unzip");
   if (!platform::IsThere(root)) return {};
   try {
@@ -117,8 +117,13 @@ std::string RecoverInterruptedPatch(const startup::Services& services) {
   } catch (const base::RuntimeError& error) {
     return ReasonOf(error);
   }
+  return {};
+}
+
+std::string RecoverInterruptedPatch(const startup::Services& services) {
+  if (std::string why = UndoInterruptedPatch(services); !why.empty()) return why;
   try {
-    platform::RemoveTree(root);
+    platform::RemoveTree(services.folders.Scratch("Unzip"));
   } catch (const base::RuntimeError&) {  // an old program that still runs; it goes the next time
   }
   return {};

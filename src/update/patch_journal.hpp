@@ -31,9 +31,13 @@ void RemoveJournal(const std::string& staging);
 // went wrong with the first one that could not be put back; the journal then stays.
 void UndoMoves(const std::string& staging, const std::string& game, const PatchMoves& moves);
 
-// Takes back a patch that a killed launcher left half applied and removes the staging folders that are there;
-// to be called while no launcher applies one in this game folder. The reason (Spanish, names the file) why
-// the game could not be put back as it was before the patch; empty when nothing is half applied.
+// Takes back a patch that was left half applied; to be called while no launcher applies one in this game
+// folder. The reason (Spanish, names the file) why the game could not be put back as it was before the patch;
+// empty when nothing is half applied.
+std::string UndoInterruptedPatch(const startup::Services& services);
+
+// The same at the beginning of a run, when the staging folders that are there are those of a launcher that
+// was killed: they go.
 std::string RecoverInterruptedPatch(const startup::Services& services);
 
 }  // namespace update

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "startup/services.hpp"
+#include "update/archive_preparation.hpp"
+#include "update/staged_archive.hpp"
 
 namespace update {
 
@@ -18,11 +21,19 @@ class smodUnzip {
  public:
   explicit smodUnzip(const startup::Services& services) : services_(services) {}
 
+  struct Options {
+    ArchivePreparation* prepared = nullptr;  // of the same archive; used up
+    std::optional<AddedFile> added{};        // applied with it
+  };
+
   // Expands the archive into a staging folder while proving it, and then moves every file over its old one,
   // so that the game has all of them or none (see patch_journal.hpp). `directory` is the game folder or one
   // below it. The reason is the caller's to tell. Events are handled meanwhile; no other launcher may apply a
   // patch in this game folder.
-  Unpacked Unzip(const std::string& archive, const std::string& directory);
+  Unpacked Unzip(const std::string& archive, const std::string& directory, const Options& options);
+  Unpacked Unzip(const std::string& archive, const std::string& directory) {
+    return Unzip(archive, directory, {});
+  }
 
  private:
   const startup::Services& services_;

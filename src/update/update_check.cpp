@@ -6,6 +6,7 @@
 #include "platform/files.hpp"
 #include "startup/procedure.hpp"
 #include "update/folder_hold.hpp"
+#include "update/launcher_state.hpp"
 #include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
@@ -110,10 +111,16 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  const bool left = with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
+  const bool left = VerifyAndFetch();
   if (!MayGoOn()) return Interrupted();
   if (left) return Unwritable();
   return std::nullopt;
+}
+
+// A game folder that is in a bad way has one thing to say, not one for each file.
+bool UpdateCheck::VerifyAndFetch() {
+  const startup::ErrorRecorder::Gathering gathering(with_.services.recorder);
+  return with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
 }
 
 UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {
@@ -251,7 +258,8 @@ UpdateCheck::Ended UpdateCheck::ApplyPatch(std::size_t category, int number) {
   const std::size_t ahead = std::min(patches_.size() - installed_, kMostAhead);
   const auto next = patches_.begin() + static_cast<std::ptrdiff_t>(installed_);
   with_.download.following.assign(next, next + static_cast<std::ptrdiff_t>(ahead));
-  const Fetched fetched = with_.download.DescargarArchivo(working_, true);
+  const Fetched fetched = with_.download.DescargarArchivo(
+      working_, true, {.added = AddedFile{CounterPath(kCategories[category]), CounterText(number)}});
   if (!MayGoOn()) return Interrupted();
   switch (fetched.result) {
     case DownloadResult::Done:

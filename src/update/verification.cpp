@@ -257,6 +257,11 @@ void Verification::Publish(Proofs& proofs) {
   if (wake) events_.Wake();
 }
 
+std::optional<FileProof> Verification::Peek(std::size_t index) {
+  const std::lock_guard lock(mutex_);
+  return known_[index] ? std::optional(KeptProof(index)) : std::nullopt;
+}
+
 FileProof Verification::Take(std::size_t index) {
   for (;;) {
     {

@@ -48,6 +48,9 @@ class Verification {
   // asked for again.
   FileProof Take(std::size_t index);
 
+  // The same without waiting; nothing while it is not there.
+  std::optional<FileProof> Peek(std::size_t index);
+
  private:
   class Worker;
   using Indices = std::vector<std::uint32_t>;

@@ -38,6 +38,13 @@ FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_toke
   return fetched;
 }
 
+std::string FetchAhead::Item::WaitFetched(const std::stop_token& stop) {
+  std::unique_lock lock(mutex_);
+  const auto settled = [this] { return state_ == State::Done || state_ == State::Passed; };
+  while (!settled() && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
+  return fetched_.kept && fetched_.report.Good() ? request.path : std::string{};
+}
+
 void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
   if (threads_.empty()) platform::RemoveTree(folder_);  // what a launcher that was killed has left
   if (!next.empty()) platform::MakeFolders(folder_);
@@ -134,7 +141,7 @@ void FetchAhead::Work() {
 
 bool FetchAhead::Fetch(Item& item) {
   FetchedFile fetched = FetchFile(http_, item.request, item.received, item.stop_.get_token());
-  const bool good = fetched.report.Good();
+  const bool good = fetched.report.Good() && !fetched.report.disproved;
   {
     const std::lock_guard lock(item.mutex_);
     item.state_ = fetched.tooLarge ? Item::State::Passed : Item::State::Done;

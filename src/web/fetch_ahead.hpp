@@ -35,6 +35,10 @@ class FetchAhead {
     // Waits, on a working thread, until it is there or `stop` is requested, and gives it the name `path`.
     FetchedFile Wait(const std::string& path, const std::stop_token& stop);
 
+    // Waits, on a working thread, for the file under the name that it has until Wait gives it another one;
+    // empty when it did not come as it should, when it has got another name, or when `stop` is requested.
+    std::string WaitFetched(const std::stop_token& stop);
+
     const FileRequest request;
     Received received;
 
@@ -50,6 +54,9 @@ class FetchAhead {
 
   FetchAhead(platform::HttpClient& http, std::string folder) : http_(http), folder_(std::move(folder)) {}
   ~FetchAhead() { Stop(); }
+
+  // The file that is wanted next, which stays here; null when there is none.
+  std::shared_ptr<Item> First() const { return items_.empty() ? nullptr : items_.front(); }
 
   // From now on exactly these are fetched, as far as the limits allow; what is there or on its way stays when
   // it is among them. After one that failed no other is begun before the next call. `path` of the requests is

@@ -45,6 +45,8 @@ FetchedFile FetchFile(platform::HttpClient& http, const FileRequest& request, Re
   FetchedFile fetched;
   try {
     GetOrGoOn(http, request, received, stop, fetched);
+    if (request.proof && fetched.kept && fetched.report.Good())
+      fetched.report.disproved = !request.proof(request.path, stop) && !stop.stop_requested();
   } catch (...) {
     fetched.report.own = startup::CurrentError();
   }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <stop_token>
 #include <string>
 
@@ -18,6 +19,8 @@ struct FileRequest {
   std::string part{};               // where what an interruption leaves lies; empty: it leaves nothing
   std::uint64_t most = UINT64_MAX;  // bytes; nothing is taken of a file that is larger
   std::uint32_t wholeLimitMs = 0;   // 0: only standstill ends it
+  // Whether what came is of use; asked on the thread that fetches.
+  std::function<bool(const std::string& path, const std::stop_token& stop)> proof{};
 };
 
 struct FetchedFile {

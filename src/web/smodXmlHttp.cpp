@@ -52,24 +52,20 @@ void smodXmlHttp::ShowUnreachable() {
   frmMain_.lblName.Caption = "No se pudo acceder a " + host;
 }
 
-TransferReport smodXmlHttp::DownloadUrlToFile(const std::string& url, const std::string& localPath,
-                                              const Expected& expected, const std::string& part) {
+TransferReport smodXmlHttp::DownloadUrlToFile(FileRequest request) {
+  const std::string& localPath = request.path;
+  request.wholeLimitMs = pace_.LimitMs(request.expected);
   state_.Finished = false;
   TransferReport report;
   // Nothing is fetched where the save would be refused.
   if (platform::IsFile(localPath)) report.own = base::RuntimeError(base::ErrorNumber::FileAlreadyExists);
   if (services_.lifetime.Ending()) report.outcome.error = platform::HttpError::Cancelled;
   if (services_.lifetime.Ending() || report.own) return report;
-  const std::shared_ptr<FetchAhead::Item> item = ahead_.Claim(url);
+  const std::shared_ptr<FetchAhead::Item> item = ahead_.Claim(request.url);
   Received direct;
   FetchedFile fetched;
   Progress progress(services_.host.clock, frmMain_, item ? item->received : direct, whole);
   const auto work = [&](std::stop_token stop) {
-    const FileRequest request{.url = url,
-                              .path = localPath,
-                              .expected = expected,
-                              .part = part,
-                              .wholeLimitMs = pace_.LimitMs(expected)};
     fetched = item ? item->Wait(localPath, stop) : FetchFile(services_.host.http, request, direct, stop);
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -41,11 +42,15 @@ class smodXmlHttp {
   // folder of its own, holds what an interrupted transfer left, and the next one goes on there. A file that
   // FetchNext began is taken over.
   TransferReport DownloadUrlToFile(const std::string& url, const std::string& localPath,
-                                   const Expected& expected = {}, const std::string& part = {});
+                                   const Expected& expected = {}, const std::string& part = {}) {
+    return DownloadUrlToFile({.url = url, .path = localPath, .expected = expected, .part = part});
+  }
+  TransferReport DownloadUrlToFile(FileRequest request);
 
   // Begins to fetch what will be asked for next, see FetchAhead; ForgetNext ends that.
   void FetchNext(std::vector<FileRequest> next, const FetchAhead::Limits& limits);
   void ForgetNext() { ahead_.Stop(); }
+  std::shared_ptr<FetchAhead::Item> Next() const { return ahead_.First(); }  // of them; null: none is left
 
   WholeUpdate whole;  // that the next downloads belong to
 

@@ -19,6 +19,7 @@ struct TransferReport {
   bool resumed = false;                      // it went on where an earlier transfer was interrupted
 
   bool otherContent = false;  // what came is not the file that was expected
+  bool disproved = false;     // it came as it should, but its proof failed (FileRequest)
 
   // Whether the whole answer came and was kept, or was a page, whatever its status.
   bool Arrived() const { return outcome.Complete() && !own && !otherContent; }

@@ -60,6 +60,12 @@ std::vector<std::string> GameMirror::Asked() const {
     if (!target.starts_with(kBase) || target.ends_with("Online.txt")) continue;
     asked.push_back(target.substr(std::string_view(kBase).size()));
   }
+  const auto packed = [](const std::string& name) { return name.starts_with("NewAct2/Bin/"); };
+  for (auto at = asked.begin(); at != asked.end();) {
+    const auto from = std::find_if(at, asked.end(), packed);
+    at = std::find_if_not(from, asked.end(), packed);
+    std::sort(from, at);
+  }
   return asked;
 }
 

@@ -35,7 +35,8 @@ class GameMirror {
 
   std::string Url() const { return server.Url(kBase); }
   std::string PathOf(const std::string& relative) const { return kBase + relative; }
-  // What was asked below the base, in order, the probe and the web scripts left out.
+  // What was asked below the base, in order, the probe and the web scripts left out; packed files, which are
+  // asked for several at a time, by their names.
   std::vector<std::string> Asked() const;
 
   FaultyServer server;
