@@ -65,7 +65,7 @@ void WriteIndexes() {
   Write("packed_file/text", support::MakePacked("mapa 1\r\nmapa 2\r\n"));
   Write("packed_file/claims-less", support::MakePacked("mapa 1\r\nmapa 2\r\n", 5));
   Write("packed_file/claims-more", support::MakePacked("mapa 1\r\nmapa 2\r\n", 500));
-  Write("packed_file/zeros", support::MakePacked(std::string(1'000'000, '\0')));
+  Write("packed_file/zeros", support::MakePacked(std::string(200'000, '\0')));
   Write("packed_file/cut", support::MakePacked("mapa 1\r\nmapa 2\r\n").substr(0, 15));
 }
 
@@ -135,6 +135,12 @@ const std::pair<const char*, std::string> kTexts[] = {
      "1"
      "\1"
      "200\ncache-control: no-store\n\n\xF0\x9F\x8E\xAE\xED\xA0\x80"},
+    {"file_transfer/plain",
+     "whole\n5 abcde\n200\ncontent-length: 5\n\nabcde\1whole\n4\n200\n\nabcde\1parts\n\n404\n\npage"},
+    {"file_transfer/resumed",
+     "parts\n\n200\ncontent-length: 2000000\netag: \"v1\"\naccept-ranges: bytes\n\nthe first bytes"
+     "\1parts\n\n206\netag: \"v1\"\ncontent-range: bytes 15-1999999/2000000\nx-cut: 1\n\nmore"
+     "\1parts\n30\n206\netag: \"v1\"\ncontent-range: bytes 19-1999999/2000000\n\nand the last"},
 };
 
 }  // namespace

@@ -128,4 +128,15 @@ TEST(IndexFile, MoreRecordsThanAGameHasAreNotRead) {
   EXPECT_LE(memory.Most(), 64u * 1024);
 }
 
+TEST(IndexFile, WhatLiesBehindTheRecordsTakesNoMemory) {
+  const support::TempFolder folder;
+  folder.Put("i", MakeIndex({{std::string(32, 'a'), "\\Bin\\a"}}));
+  std::filesystem::resize_file(folder / "i", 256u << 20);
+  update::IndexFile index;
+  const support::CountedMemory memory;
+  index.Read(folder / "i");
+  EXPECT_EQ(index.Count(), 1u);
+  EXPECT_LE(memory.Most(), 128u * 1024);
+}
+
 }  // namespace

@@ -23,9 +23,9 @@ constexpr std::size_t kCut = 1'300'000;
 const support::Headers kRanges = {{"ETag", "\"v1\""}, {"Accept-Ranges", "bytes"}};
 
 struct ResumeTest : testing::Test, support::WebWorld {
-  web::TransferReport Fetch(const std::string& path = "/a.zip") {
+  web::TransferReport Fetch(const std::string& path = "/a.zip", const web::Expected& expected = {}) {
     platform::TryRemoveFile(target);
-    return transfers.DownloadUrlToFile(server.Url(path), target, {}, part);
+    return transfers.DownloadUrlToFile(server.Url(path), target, expected, part);
   }
   // The first transfer is cut.
   void Interrupt(const support::Headers& headers) {
@@ -109,6 +109,22 @@ TEST_F(ResumeTest, WhatLiesThereOfAnotherAddressIsDropped) {
   EXPECT_TRUE(Fetch("/b.zip").Good());
   EXPECT_EQ(server.Seen()[0].Header("range"), "");
   EXPECT_EQ(Came(), 0u);
+}
+
+// A mirror that goes on with it without a length could otherwise fill the disk.
+TEST_F(ResumeTest, MoreThanThereMustBeByNowBeginsAgain) {
+  Interrupt(kRanges);
+  const std::size_t came = Came();
+  const std::string small = Body(1'000);
+  server.On("/a.zip", [&](const SeenRequest& request) {
+    if (request.Header("range").empty()) return support::Text(small);
+    Answer rest = Rest(came);
+    rest.framing = Answer::Framing::Chunked;
+    return rest;
+  });
+  const web::TransferReport report = Fetch("/a.zip", {small.size()});
+  EXPECT_TRUE(report.Good()) << report.Details();
+  EXPECT_TRUE(platform::ReadWhole(target, 1 << 24) == small);
 }
 
 TEST_F(ResumeTest, AnUnreadableNoteOrAGrownPartBeginsAgain) {

@@ -2,6 +2,7 @@
 
 #include <sanitizer/allocator_interface.h>
 
+#include "base/relative_name.hpp"
 #include "base/runtime_error.hpp"
 #include "fuzz/support/promises.hpp"
 #include "platform/files.hpp"
@@ -10,9 +11,10 @@
 namespace fuzz {
 namespace {
 
-// A record's own 34 bytes become no more than this many, a letter of its name at most three; the rest is for
-// the first refusals, whose names are kept.
-constexpr std::size_t kPerRecord = 34, kMostGrowth = 4, kForRefusals = 3'000'000;
+constexpr std::size_t kBytesOfRecord = 34;  // at least
+// What is kept of a record: twice its longest name, since names are gathered in one text, and the rest of it;
+// and in all, the first refusals with their names.
+constexpr std::size_t kMostOfRecord = 2 * base::kLongestName + 32, kMostInAll = 3'000'000, kMostGrowth = 4;
 
 }  // namespace
 
@@ -27,9 +29,10 @@ void JudgeIndex(const std::string& path) {
     whole = false;
   }
   const std::size_t taken = __sanitizer_get_current_allocated_bytes() - heapBefore;
-  Require(taken <= size * kMostGrowth + kForRefusals, "memory grows with the index");
+  Require(taken <= index.Count() * kMostOfRecord + kMostInAll || !whole, "memory grows with the records");
+  Require(taken <= size * kMostGrowth + kMostInAll, "memory grows with the index");
   Require(index.ReadWholly() == whole, "an index that was read wholly says so");
-  Require(index.Count() <= size / kPerRecord, "no record is made up");
+  Require(index.Count() <= size / kBytesOfRecord, "no record is made up");
   Require(index.Refusals().size() <= index.RefusedCount() && index.RefusedCount() <= index.Count(),
           "refused records are counted");
   for (std::size_t i = 0; i < index.Count(); ++i) {

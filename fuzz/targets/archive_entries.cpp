@@ -1,5 +1,6 @@
 #include <fuzzer/FuzzedDataProvider.h>
 
+#include "base/relative_name.hpp"
 #include "fuzz/support/game_world.hpp"
 #include "fuzz/support/promises.hpp"
 #include "support/archives.hpp"
@@ -44,6 +45,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   world.RequireOutsideUntouched(before);
+  for (const auto& item : items) {
+    const bool plain = item.flags == support::ZipItem{}.flags && item.extra.empty();
+    if (!plain || item.name.find_last_of("/\\") + 1 == item.name.size()) continue;
+    fuzz::Require(world.folder.Get("game/" + base::WithSlashes(item.name)) == item.bytes,
+                  "a file is what was packed");
+  }
   std::size_t declared = 0, written = 0;
   for (const auto& item : items) declared += item.bytes.size();
   for (const auto& [name, bytes] : world.Files()) {

@@ -1,6 +1,7 @@
 #include <ctime>
 
 #include "base/text.hpp"
+#include "fuzz/support/given_answer.hpp"
 #include "fuzz/support/promises.hpp"
 #include "platform/encoding.hpp"
 #include "web/answer_cache.hpp"
@@ -23,30 +24,6 @@ void JudgeDate(const std::string& text) {
   fuzz::Require(parts.tm_year + 1900 < 1000 || text.substr(5) == written, "a date is the day that it names");
 }
 
-struct Given {
-  platform::HttpHead head;
-  std::string body;
-};
-
-// "status\n", then "name: value\n" each, an empty line, and the body.
-Given AnswerIn(std::string_view input) {
-  Given given;
-  const auto takeLine = [&] {
-    const std::string_view line = input.substr(0, input.find('\n'));
-    input.remove_prefix(std::min(line.size() + 1, input.size()));
-    return line;
-  };
-  given.head.status = takeLine() == "304" ? 304 : 200;
-  while (!input.empty()) {
-    const std::string_view line = takeLine();
-    if (line.empty()) break;
-    const std::size_t colon = std::min(line.find(": "), line.size());
-    given.head.headers.emplace_back(line.substr(0, colon), line.substr(std::min(colon + 2, line.size())));
-  }
-  given.body = input;
-  return given;
-}
-
 }  // namespace
 
 // Two answers to the same question, a byte 1 between them.
@@ -55,7 +32,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   web::AnswerCache cache;
   std::uint64_t now = kNow;
   for (int n = 1; n <= 2; ++n) {
-    const Given given = AnswerIn(base::Field(input, n, '\1'));
+    const fuzz::GivenAnswer given(base::Field(input, n, '\1'));
     for (const auto& [name, value] : given.head.headers) JudgeDate(value);
     const std::string text = web::BodyText(given.head.Header("content-type"), given.body);
     fuzz::Require(platform::CheckedUtf8(text).has_value(), "a body is UTF-8 once it was read");

@@ -17,7 +17,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-constexpr std::size_t kLargestContent = 1 << 20;  // that is mutated; bytes
+constexpr std::size_t kLargestContent = 1 << 16;  // that is mutated; bytes
 
 // What the stream behind the header holds, as far as it goes.
 std::vector<std::uint8_t> ContentOf(const std::uint8_t* data, std::size_t size) {

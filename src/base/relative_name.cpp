@@ -8,7 +8,6 @@
 namespace base {
 namespace {
 
-constexpr std::size_t kLongestName = 240;
 constexpr std::size_t kLongestDevice = 7;  // CONERR$
 
 bool IsDeviceName(std::string_view part) {

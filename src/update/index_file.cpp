@@ -1,5 +1,6 @@
 #include "update/index_file.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -103,8 +104,10 @@ void IndexFile::Read(const std::string& path) {
       static_cast<std::uint64_t>(count) > reader.Left() / (kDigestSize + kLengthSize)) {
     throw base::RuntimeError(base::ErrorNumber::Overflow);
   }
-  entries_.reserve(static_cast<std::size_t>(count));
-  names_.reserve(reader.Left() - static_cast<std::uint64_t>(count) * (kDigestSize + kLengthSize));
+  const auto records = static_cast<std::size_t>(count);
+  entries_.reserve(records);
+  names_.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(
+      reader.Left() - records * (kDigestSize + kLengthSize), records * base::kLongestName)));
   for (std::int32_t i = 0; i < count; ++i) {
     const std::string digest = reader.Take(kDigestSize);
     const std::uint32_t length = reader.TakeNumber(kLengthSize);

@@ -21,7 +21,7 @@ void FileSink::Begin(const platform::HttpHead& head) {
   const std::uint64_t earlier = goesOn ? part_->Size() : 0;
   const std::uint64_t announced = earlier + head.contentLength.value_or(0);
   const std::uint64_t size = options_.expected.size.value_or(announced);
-  otherContent_ = head.contentLength && announced != size;
+  otherContent_ = earlier > size || (head.contentLength && announced != size);
   tooLarge_ = options_.most != UINT64_MAX && (size == 0 || size > options_.most);
   if (otherContent_ || tooLarge_) return;
   received_.total = size;

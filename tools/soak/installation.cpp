@@ -2,6 +2,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <thread>
 #include <vector>
@@ -21,7 +22,8 @@ using Clock = std::chrono::steady_clock;
 constexpr milliseconds kPatience{180'000}, kClientsTime{10'000};
 constexpr int kMostAgain = 4;
 constexpr std::uint64_t kMostKills = 4;
-constexpr double kFullDisk = 0.5;
+constexpr double kDiskIsFull = 0.3, kDiskFills = 0.6;
+constexpr std::uint64_t kLastBytes = 100'000;
 constexpr std::uint64_t kLongestDelay = 6;  // of a kill, in times of an undisturbed installation
 
 // Goes with everything in it, unless it is to be kept.
@@ -35,6 +37,13 @@ struct Folder {
 
   const std::string path;
   bool keep = false;
+};
+
+// What happens to a start of the launcher.
+struct Trouble {
+  std::optional<milliseconds> killedAfter{};
+  std::optional<std::uint64_t> room{};  // bytes that are left on the disk ...
+  milliseconds fullAfter{0};            // ... from then on
 };
 
 // One installation in its folder.
@@ -65,11 +74,11 @@ class Installation {
   }
 
   Mirrors& Ring() { return mirrors_; }
-  Disk& Space() { return disk_; }
+  const Disk& Space() const { return disk_; }
   const std::string& Root() const { return folder_.path; }
   bool GameStarted() const { return gameStarted_; }  // by the last start
 
-  Program::End Start(milliseconds limit, bool killed = false) {
+  Program::End Start(const Trouble& trouble = {}) {
     platform::TryRemoveFile(Root() + "/client.txt");
     const std::vector<std::string> environment = {"XDG_CONFIG_HOME=" + Root() + "/config",
                                                   "XDG_DATA_HOME=" + Root() + "/data",
@@ -80,9 +89,11 @@ class Installation {
                                                   "PATH=/usr/bin:/bin",
                                                   "no_proxy=127.0.0.0/8"};
     mirrors_.NextStart();
+    if (trouble.room && (trouble.fullAfter.count() == 0 || !disk_.Mounted())) disk_.LeaveFree(*trouble.room);
     const std::string screen = Root() + "/screen-" + std::to_string(++starts_) + ".txt";
     Program program(disk_.Limited({game_ + "/launcher"}), environment, screen);
-    const Program::End end = program.Await(limit, killed);
+    const Program::End end = Await(program, trouble);
+    disk_.GiveBack();
     gameStarted_ = program.Says("/Bin/KVN-DX8.exe ") && AwaitClient();
     return end;
   }
@@ -121,6 +132,16 @@ class Installation {
 
  private:
   const Setting& setting_;
+  Program::End Await(Program& program, const Trouble& trouble) {
+    if (trouble.room && trouble.fullAfter.count() > 0 && disk_.Mounted()) {
+      if (const auto end = program.Await(trouble.fullAfter)) return *end;
+      disk_.LeaveFree(*trouble.room);
+    }
+    if (const auto end = program.Await(trouble.killedAfter.value_or(kPatience))) return *end;
+    program.Kill();
+    return trouble.killedAfter ? Program::End::Killed : Program::End::Stuck;
+  }
+
   // The client is not awaited by the launcher.
   bool AwaitClient() const {
     const auto due = Clock::now() + kClientsTime;
@@ -150,14 +171,26 @@ std::string Difference(const std::map<std::string, std::string>& is,
   return {};
 }
 
-enum class Event { Kill, FullDisk };
-
-std::vector<Event> EventsOf(Dice dice) {
-  std::vector<Event> events(dice.Below(kMostKills), Event::Kill);
-  if (dice.Chance(kFullDisk))
-    events.insert(events.begin() + static_cast<std::ptrdiff_t>(dice.Below(events.size() + 1)),
-                  Event::FullDisk);
-  return events;
+// Kills and full disks one after the other. A disk is full from the beginning, or fills meanwhile to the last
+// byte that is in use, as nothing that is asked before can tell.
+std::vector<Trouble> Troubles(Dice dice, const Setting& setting) {
+  const auto moment = [&] {
+    const std::uint64_t latest =
+        static_cast<std::uint64_t>(setting.time.count()) * (1 + dice.Below(kLongestDelay));
+    return milliseconds(1 + dice.Below(latest));
+  };
+  std::vector<Trouble> troubles;
+  for (std::uint64_t i = 0, kills = dice.Below(kMostKills); i < kills; ++i)
+    troubles.push_back({.killedAfter = moment()});
+  Trouble full;
+  if (dice.Chance(kDiskIsFull)) {
+    full.room = dice.Below(setting.gameSize * 3 / 2);
+  } else if (dice.Chance(kDiskFills)) {
+    full = {.room = dice.Below(kLastBytes), .fullAfter = moment()};
+  }
+  if (full.room)
+    troubles.insert(troubles.begin() + static_cast<std::ptrdiff_t>(dice.Below(troubles.size() + 1)), full);
+  return troubles;
 }
 
 // How the launcher itself failed; empty when it did not.
@@ -169,18 +202,12 @@ std::string Failure(Program::End end) {
 
 // Meets the events one after the other; why the launcher is at fault, empty when it is not.
 std::string Disturb(Installation& installation, const Setting& setting, Dice dice, Course& course) {
-  for (const Event event : EventsOf(dice.For("events"))) {
-    const bool kill = event == Event::Kill;
-    const std::uint64_t room = dice.Below(setting.gameSize * 3 / 2);
-    const std::uint64_t latest =
-        static_cast<std::uint64_t>(setting.time.count()) * (1 + dice.Below(kLongestDelay));
-    if (!kill) installation.Space().LeaveFree(room);
-    const Program::End end = installation.Start(kill ? milliseconds(dice.Below(latest)) : kPatience, kill);
-    if (!kill) installation.Space().GiveBack();
+  for (const Trouble& trouble : Troubles(dice, setting)) {
+    const Program::End end = installation.Start(trouble);
     if (end == Program::End::Killed) ++course.kills;
-    if (!kill && !installation.GameStarted()) ++course.fullDisks;
+    if (trouble.room && !installation.GameStarted()) ++course.fullDisks;
     if (std::string failure = Failure(end); !failure.empty())
-      return failure + (kill ? "" : " on a full disk");
+      return failure + (trouble.room ? " on a full disk" : "");
     if (std::string torn = installation.Torn(); !torn.empty()) return torn;
   }
   return {};
@@ -189,7 +216,7 @@ std::string Disturb(Installation& installation, const Setting& setting, Dice dic
 // Starts the launcher until it starts the game, which the first time should do.
 std::string Finish(Installation& installation, Course& course) {
   for (int again = 0; again <= kMostAgain; ++again) {
-    const Program::End end = installation.Start(kPatience);
+    const Program::End end = installation.Start();
     course.again = again;
     if (std::string failure = Failure(end); !failure.empty()) return failure;
     if (installation.GameStarted()) return {};
@@ -204,7 +231,7 @@ std::string Prove(Installation& installation, const Setting& setting) {
   if (std::string wrong = installation.WrongFiles(); !wrong.empty()) return wrong;
   installation.Ring().Behave();
   const int fetched = installation.Ring().Fetched();
-  if (installation.Start(kPatience) != Program::End::Ended || !installation.GameStarted())
+  if (installation.Start() != Program::End::Ended || !installation.GameStarted())
     return "the installed game does not start again";
   if (installation.Ring().Fetched() != fetched) return "the installed game is fetched again";
   if (std::string wrong = installation.WrongFiles(); !wrong.empty()) return wrong;
@@ -223,9 +250,9 @@ Setting Measured(Setting setting) {
   Installation installation(setting, "undisturbed", Dice(0));
   installation.Ring().Behave();
   const auto start = Clock::now();
-  installation.Start(kPatience);
+  installation.Start();
   setting.time = std::chrono::duration_cast<milliseconds>(Clock::now() - start);
-  installation.Start(kPatience);  // which leaves a record of the digests
+  installation.Start();  // which leaves a record of the digests
   setting.left = installation.Left();
   if (!installation.GameStarted() || !installation.WrongFiles().empty())
     throw std::runtime_error("an undisturbed installation fails: " + installation.Root());
@@ -240,8 +267,8 @@ Course Install(const Setting& setting, const std::string& name, const Dice& dice
   course.lost = Disturb(installation, setting, dice.For("disturb"), course);
   if (course.lost.empty()) course.lost = Finish(installation, course);
   course.seconds = SecondsSince(start);
+  course.starts = installation.Starts();
   if (course.lost.empty()) course.lost = Prove(installation, setting);
-  course.starts = installation.Starts() - 1;  // without the last one, which only proves
   course.faults = installation.Ring().Faults();
   if (!course.lost.empty()) installation.Keep();
   return course;

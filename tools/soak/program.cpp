@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <mutex>
 #include <stdexcept>
@@ -20,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint64_t kLargestScreen = 256 << 20;
-constexpr std::chrono::milliseconds kGoodbye{3'000};
+constexpr std::chrono::milliseconds kGoodbye{3'000}, kPause{10};
 
 std::mutex copyingOrStarting;
 
@@ -58,23 +59,18 @@ Program::Program(const std::vector<std::string>& command, const std::vector<std:
   if (failed != 0) throw std::runtime_error(command.front() + " does not start");
 }
 
-Program::~Program() { Kill(); }
-
-Program::End Program::Await(std::chrono::milliseconds limit, bool killed) {
+std::optional<Program::End> Program::Await(std::chrono::milliseconds limit) {
   const auto due = Clock::now() + limit;
   while (!HasEnded()) {
     if (Says("ProgressBar1.Failed: True")) {
       kill(pid_, SIGTERM);
       for (const auto end = Clock::now() + kGoodbye; !HasEnded() && Clock::now() < end;)
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        std::this_thread::sleep_for(kPause);
       Kill();
       return End::Stopped;
     }
-    if (Clock::now() >= due) {
-      Kill();
-      return killed ? End::Killed : End::Stuck;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(killed ? 1 : 10));
+    if (Clock::now() >= due) return std::nullopt;
+    std::this_thread::sleep_for(std::min<Clock::duration>(kPause, due - Clock::now()));
   }
   return HasCrashed() ? End::Crashed : End::Ended;
 }

@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <chrono>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,18 +23,17 @@ class Program {
   // `screen`.
   Program(const std::vector<std::string>& command, const std::vector<std::string>& environment,
           const std::string& screen);
-  ~Program();
+  ~Program() { Kill(); }
   Program(const Program&) = delete;
 
-  // Waits until it ends, stops with a reason on its screen, or the time is over. With `killed` it is killed
-  // at the end of that time.
-  End Await(std::chrono::milliseconds limit, bool killed);
+  // Waits until it ends or stops with a reason on its screen; none when it does neither in this time.
+  std::optional<End> Await(std::chrono::milliseconds limit);
+  void Kill();
   bool Says(std::string_view words) const;  // on its screen, so far
 
  private:
   bool HasEnded();
   bool HasCrashed() const;
-  void Kill();
 
   pid_t pid_ = -1;
   int status_ = 0;  // as waitpid tells it
