@@ -98,7 +98,9 @@ Attempt Download::AttemptPacked(const web::FileRequest& request) {
   return attempt;
 }
 
-bool Download::DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record) {
+bool Download::DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record,
+                              const std::function<void()>& meanwhile) {
+  with_.transfers.meanwhile = meanwhile;
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   MirrorRound::End end = MirrorRound::End::Failed;
@@ -134,6 +136,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
       [&](const startup::Failure& failure) {
         return failure.Opening() + " in procedure DownloadClient of Formulario frmMain";
       });
+  with_.transfers.meanwhile = {};
   return end == MirrorRound::End::Good;
 }
 

@@ -66,14 +66,16 @@ class Download {
   void BeginWhole(const std::vector<std::string>& archives);
   void EndWhole();
 
-  // The packed files that DownloadClient will be asked for now and next are fetched and proved, several at a
-  // time, until ForgetFollowing.
+  // The packed files that DownloadClient will be asked for next are fetched and proved, several at a time,
+  // until ForgetFollowing.
   void FetchPacked(const std::vector<IndexRecord>& records);
 
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
   // there is no file then.
-  bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record);
+  // `meanwhile` is called again and again while it is on its way.
+  bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record,
+                      const std::function<void()>& meanwhile);
 
   // One named file into FetchDir, from whichever mirror gives a good one; with `unpack` its archive is
   // unpacked over the game and deleted. Without, it is judged, and nothing is told to the player when no

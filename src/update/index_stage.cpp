@@ -177,25 +177,28 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   return left;
 }
 
-// Which files will have to be fetched from this one on, as far as the proofs have come.
-void IndexStage::LookAhead(std::size_t i, Verification& verification) {
-  while (!damaged_.empty() && damaged_.front() < i) damaged_.pop_front();
-  for (seen_ = std::max(seen_, i); seen_ < index_.Count() && damaged_.size() < kMostDamaged; ++seen_) {
+// Has those fetched that will be needed behind this file, as far as the proofs have come.
+void IndexStage::FetchBehind(std::size_t i, Verification& verification) {
+  while (!damaged_.empty() && damaged_.front() <= i) damaged_.pop_front();
+  bool more = false;
+  for (seen_ = std::max(seen_, i + 1); seen_ < index_.Count() && damaged_.size() < kMostDamaged; ++seen_) {
     const auto proof = verification.Peek(seen_);
-    if (!proof) return;
+    if (!proof) break;
     const IndexRecord record = index_[seen_];
-    if (Wanted(record) && !proof->Has(record.digest)) damaged_.push_back(seen_);
+    if (!Wanted(record) || proof->Has(record.digest)) continue;
+    damaged_.push_back(seen_);
+    more = true;
   }
-}
-
-void IndexStage::FetchAgain(std::size_t i, Verification& verification) {
-  LookAhead(i, verification);
+  if (!more) return;
   std::vector<IndexRecord> next;
   for (const std::size_t at : damaged_) next.push_back(index_[at]);
   download_.FetchPacked(next);
+}
+
+void IndexStage::FetchAgain(std::size_t i, Verification& verification) {
   const IndexRecord record = index_[i];
   const auto number = static_cast<std::int32_t>(i + 1), count = static_cast<std::int32_t>(index_.Count());
-  if (download_.DownloadClient(number, count, record)) {
+  if (download_.DownloadClient(number, count, record, [&] { FetchBehind(i, verification); })) {
     fetched_[Folded(std::string(record.inBin) + kPackedEnding)] = record.digest.Hex();
     misses_ = 0;
   } else if (++misses_ == kMostMisses) {

@@ -45,7 +45,7 @@ class IndexStage {
 
  private:
   std::string Take(const std::string& packed);
-  void LookAhead(std::size_t i, Verification& verification);
+  void FetchBehind(std::size_t i, Verification& verification);
   void FetchAgain(std::size_t i, Verification& verification);
   void Remember(Verification& verification, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
@@ -57,7 +57,7 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
-  std::deque<std::size_t> damaged_;  // records that are known to need their file; from the present one on
+  std::deque<std::size_t> damaged_;  // records that are known to need their file; behind the present one
   std::size_t seen_ = 0;             // records that have been looked at for them
   int misses_ = 0;                   // files that no mirror gave, one after the other
   modCompression::Outcome taken_;    // of the last index that came

@@ -45,7 +45,7 @@ RunOutcome UpdateCheck::tmrUpdates_Timer(bool hostInDoubt) {
   FolderHold hold;
   if (!hold.Take(with_.services, with_.frmMain, [this] { return with_.mode.MayGoOn(); }))
     return Interrupted();
-  RunOutcome outcome = StoppedAndTold("La actualización se detuvo por un error.");
+  RunOutcome outcome = StoppedAndTold({});
   startup::Guarded(
       with_.services.recorder, [&](int& line) { outcome = Run(line, hostInDoubt); },
       [&](const startup::Failure& failure) {

@@ -100,7 +100,7 @@ void FetchAhead::Stop() {
   for (std::thread& thread : threads_) thread.join();
   threads_.clear();
   try {
-    platform::RemoveTree(folder_);  // what a launcher that was killed has left there as well
+    platform::RemoveTree(folder_);       // what a launcher that was killed has left there as well
   } catch (const base::RuntimeError&) {  // the next stop tries again
   }
   stopping_ = false;

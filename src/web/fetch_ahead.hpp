@@ -66,8 +66,8 @@ class FetchAhead {
   // The item of an address, which is the caller's from now on; null when it was not begun or is too large.
   std::shared_ptr<Item> Claim(const std::string& url);
 
-  // Forgets everything; returns when no transfer is under way any longer. To be called when no claimed item is
-  // waited for.
+  // Forgets everything; returns when no transfer is under way any longer. To be called when no claimed item
+  // is waited for.
   void Stop();
 
  private:

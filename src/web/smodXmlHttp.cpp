@@ -73,8 +73,11 @@ TransferReport smodXmlHttp::DownloadUrlToFile(FileRequest request) {
     if (fetched.kept && fetched.report.Good())
       Attempt([&] { platform::ShareFile(localPath, services_.folders.Scratch("tmp.tmp")); });
   };
-  RunTransfer(
-      work, [&] { progress.Show(); }, fetched.report);
+  const auto round = [&] {
+    progress.Show();
+    if (meanwhile) meanwhile();
+  };
+  RunTransfer(work, round, fetched.report);
   state_.Finished = fetched.kept && fetched.report.Arrived();
   if (state_.Finished) progress.ShowEnd();
   return fetched.report;

@@ -54,6 +54,8 @@ class smodXmlHttp {
 
   WholeUpdate whole;  // that the next downloads belong to
 
+  std::function<void()> meanwhile;  // called again and again, on the interface thread, while one goes on
+
   // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
   // whole file arrived.
   bool DownloadFile(const std::string& Url, const std::string& LocalFilename);

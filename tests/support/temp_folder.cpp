@@ -7,9 +7,10 @@
 
 namespace support {
 
-TempFolder::TempFolder() {
+TempFolder::TempFolder(const std::string& parent) {
   static std::atomic<int> count{0};
-  const std::filesystem::path base = std::filesystem::temp_directory_path();
+  const bool there = !parent.empty() && platform::CanWriteTo(parent);
+  const auto base = there ? std::filesystem::path(parent) : std::filesystem::temp_directory_path();
   do {
     const auto name = "launcher-test-" + std::to_string(reinterpret_cast<std::uintptr_t>(&count) >> 4) + "-" +
                       std::to_string(++count);

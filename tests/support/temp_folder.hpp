@@ -8,7 +8,8 @@ namespace support {
 // A fresh folder of its own for one test, removed with everything below it at the end.
 class TempFolder {
  public:
-  TempFolder();
+  // Below `parent` where there is such a folder, or else below the system's own for temporary files.
+  explicit TempFolder(const std::string& parent = {});
   ~TempFolder();
   TempFolder(const TempFolder&) = delete;
 
