@@ -165,6 +165,17 @@ TEST_F(UnzipTest, WhatIsAddedComesWithTheArchiveOrNotAtAll) {
   EXPECT_EQ(folder.Get("juego ñ/" + counter), "7\r\n");
 }
 
+// Its turn came before its transfer was begun, so it was fetched for itself.
+TEST_F(UnzipTest, WhatNobodyFetchesAheadIsNotWaitedFor) {
+  folder.Put("juego ñ/p.zip", MakeZip({{"a", "nueva"}}));
+  web::FileRequest wanted;
+  wanted.url = "http://mirror/p.zip";
+  const auto item = std::make_shared<web::FetchAhead::Item>(wanted);
+  update::ArchivePreparation preparation(item, folders);
+  EXPECT_TRUE(unzip.Unzip(folder / "juego ñ/p.zip", folders.AppPath, {.prepared = &preparation}).done);
+  EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+}
+
 TEST_F(UnzipTest, AJournalThatIsNotWholeMovesNothing) {
   const std::string staging = folders.Scratch("Unzip") + platform::kSeparator + "7";
   platform::MakeFolders(staging);

@@ -14,10 +14,10 @@ constexpr std::string_view kMonths[] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun"
 
 // The digits at a place, all of them; -1 when one is none.
 int Number(std::string_view text, std::size_t at, std::size_t length) {
-  int number = 0;
+  unsigned number = 0;  // of which from_chars takes no sign
   const char* const end = text.data() + at + length;
   const auto [stopped, error] = std::from_chars(text.data() + at, end, number);
-  return stopped == end && error == std::errc{} && number >= 0 ? number : -1;
+  return stopped == end && error == std::errc{} ? static_cast<int>(number) : -1;
 }
 
 // Whether blanks, commas and colons stand where a date has them.

@@ -11,6 +11,7 @@ namespace soak {
 namespace {
 
 constexpr const char* kAnySize = "size=1g";
+constexpr int kAttempts = 1000;
 
 bool Mount(const std::string& folder, const std::string& size, unsigned long flags) {
   return mount("soak", folder.c_str(), "tmpfs", flags, size.c_str()) == 0;
@@ -25,18 +26,22 @@ Disk::~Disk() {
   if (mounted_) umount2(folder_.c_str(), MNT_DETACH);
 }
 
+// What is written meanwhile may make the new size too small.
 void Disk::LeaveFree(std::uint64_t bytes) {
   largestFile_ = bytes;
-  struct statvfs now;
-  if (!mounted_ || statvfs(folder_.c_str(), &now) != 0) return;
-  const std::uint64_t used = (now.f_blocks - now.f_bfree) * now.f_frsize;
-  if (!Mount(folder_, "size=" + std::to_string(used + bytes), MS_REMOUNT))
-    throw std::runtime_error("no smaller disk");
+  for (int attempt = 0; mounted_ && attempt < kAttempts; ++attempt) {
+    struct statvfs now;
+    if (statvfs(folder_.c_str(), &now) != 0) break;
+    const std::uint64_t used = (now.f_blocks - now.f_bfree) * now.f_frsize;
+    if (Mount(folder_, "size=" + std::to_string(used + bytes), MS_REMOUNT)) return;
+  }
+  if (mounted_) throw std::runtime_error("the disk cannot be made smaller");
 }
 
 void Disk::GiveBack() {
   largestFile_ = 0;
-  if (mounted_ && !Mount(folder_, kAnySize, MS_REMOUNT)) throw std::runtime_error("no larger disk");
+  if (mounted_ && !Mount(folder_, kAnySize, MS_REMOUNT))
+    throw std::runtime_error("the disk cannot be made larger");
 }
 
 std::vector<std::string> Disk::Limited(std::vector<std::string> command) const {

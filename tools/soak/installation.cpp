@@ -56,7 +56,7 @@ class Installation {
         game_(Root() + "/disk/Juego de Jos\xC3\xA9"),
         mirrors_(setting.game, dice) {
     platform::MakeFolders(game_);
-    CopyProgram(setting.launcher, game_ + "/launcher");
+    std::filesystem::copy_file(setting.launcher, game_ + "/launcher");
     std::string ring = "[MIRRORS]\n";
     int entry = 0;
     for (const std::string& address : mirrors_.Addresses())

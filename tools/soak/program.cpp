@@ -7,8 +7,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <mutex>
+#include <cerrno>
 #include <stdexcept>
 #include <thread>
 
@@ -21,9 +20,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uint64_t kLargestScreen = 256 << 20;
-constexpr std::chrono::milliseconds kGoodbye{3'000}, kPause{10};
-
-std::mutex copyingOrStarting;
+constexpr std::chrono::milliseconds kGoodbye{3'000}, kStarting{10'000}, kPause{10};
 
 std::vector<char*> Pointers(const std::vector<std::string>& words) {
   std::vector<char*> pointers;
@@ -33,11 +30,6 @@ std::vector<char*> Pointers(const std::vector<std::string>& words) {
 }
 
 }  // namespace
-
-void CopyProgram(const std::string& from, const std::string& to) {
-  const std::lock_guard lock(copyingOrStarting);
-  std::filesystem::copy_file(from, to);
-}
 
 Program::Program(const std::vector<std::string>& command, const std::vector<std::string>& environment,
                  const std::string& screen)
@@ -51,10 +43,13 @@ Program::Program(const std::vector<std::string>& command, const std::vector<std:
   posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, screen.c_str(), O_WRONLY | O_CREAT | O_TRUNC,
                                    0644);
   posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-  std::unique_lock lock(copyingOrStarting);
-  const int failed = posix_spawn(&pid_, command.front().c_str(), &actions, nullptr, Pointers(command).data(),
-                                 Pointers(environment).data());
-  lock.unlock();
+  // A process that is just being started elsewhere may hold the fresh copy of the program open for writing.
+  int failed = ETXTBSY;
+  for (const auto end = Clock::now() + kStarting; failed == ETXTBSY && Clock::now() < end;) {
+    failed = posix_spawn(&pid_, command.front().c_str(), &actions, nullptr, Pointers(command).data(),
+                         Pointers(environment).data());
+    if (failed == ETXTBSY) std::this_thread::sleep_for(kPause);
+  }
   posix_spawn_file_actions_destroy(&actions);
   if (failed != 0) throw std::runtime_error(command.front() + " does not start");
 }

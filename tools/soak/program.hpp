@@ -10,10 +10,6 @@
 
 namespace soak {
 
-// Copies a program to where it is to be started from. Not while another one is being started, which would
-// hold the copy open for writing, and nothing that is can be run.
-void CopyProgram(const std::string& from, const std::string& to);
-
 // One start of the launcher, whose player presses the play button and says nothing more.
 class Program {
  public:
