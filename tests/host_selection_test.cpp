@@ -244,13 +244,14 @@ TEST_F(HostSelectionTest, ScriptsThatFailSpendOneBudgetTogether) {
   EXPECT_FALSE(server.Seen()[0].Header("content-type").empty()) << "first by the one way, then by the other";
   EXPECT_TRUE(server.Seen()[1].Header("content-type").empty());
   world.scripts.Renew();
-  server.Forget();
-  server.On(script, support::Silent());
+  support::FaultyServer silent;
+  silent.On(script, support::Silent());
+  world.Use(silent.Url(kPath));
   EXPECT_EQ(world.selection.ClientAddressQuery(), "");
-  EXPECT_EQ(server.Count(script), 1u) << "the first one spent it";
+  EXPECT_EQ(silent.Count(script), 1u) << "the first one spent it";
   EXPECT_EQ(world.servers.GetServersList(), "");
   world.selection.ClientAddressQuery();
-  EXPECT_EQ(server.Seen().size(), 1u);
+  EXPECT_EQ(silent.Seen().size(), 1u);
 }
 
 TEST_F(HostSelectionTest, AddressQueryAsksTheSecondHostsApiAndOnlyOnce) {

@@ -9,6 +9,10 @@
 
 namespace update {
 
+// What the player reads of an archive that could not be unpacked.
+inline constexpr const char* kUnzipFailed =
+    "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR";
+
 // How the unpacking of an archive ended.
 struct Unpacked {
   bool done = false;
