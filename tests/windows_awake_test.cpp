@@ -37,7 +37,7 @@ TEST(WindowsKeepAwake, LastsAsLongAsARun) {
                             during = IsKeptAwake();
                             return update::RunOutcome{end, {}, {}};
                           },
-                          [] {}});
+                          [] {}, [] { return true; }});
     mode.StartUpDone();
     EXPECT_FALSE(IsKeptAwake());
     mode.cmdIniciar_Click();
