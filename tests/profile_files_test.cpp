@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <memory>
 
+#include "platform/files.hpp"
 #include "platform/machine.hpp"
 #include "support/temp_folder.hpp"
 
@@ -114,6 +116,17 @@ TEST_F(ProfileFilesTest, NoByteMovesThatIsNotWritten) {
   profiles->WriteVar(folder / "own.ini", "x", "b", "3");
   EXPECT_EQ(folder.Get("own.ini"), "\n[INIT]\n  Old = 1 \nA=1\r\nNew=5\r\n\r\n\t\n[X]\nB=3\n\n");
   EXPECT_EQ(profiles->GetVar(folder / "own.ini", "INIT", "New"), "5") << "nothing of before is remembered";
+}
+
+TEST_F(ProfileFilesTest, AReadOnlyFileStaysAndNothingIsLeftBeside) {
+  using std::filesystem::perms;
+  folder.Put("a.ini", "[INIT]\r\nKey=1\r\n");
+  std::filesystem::permissions(folder / "a.ini",
+                               perms::owner_write | perms::group_write | perms::others_write,
+                               std::filesystem::perm_options::remove);
+  profiles->WriteVar(folder / "a.ini", "INIT", "Key", "2");
+  EXPECT_EQ(folder.Get("a.ini"), "[INIT]\r\nKey=1\r\n");
+  EXPECT_EQ(ListTree(folder.Path()).size(), 1u);
 }
 
 }  // namespace
