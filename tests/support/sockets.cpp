@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "native_sockets.hpp"
+#include "support/native_sockets.hpp"
 
 namespace support {
 namespace {

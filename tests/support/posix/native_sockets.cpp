@@ -4,7 +4,7 @@
 
 #include <cerrno>
 
-#include "native_sockets.hpp"
+#include "support/native_sockets.hpp"
 
 namespace support::native {
 

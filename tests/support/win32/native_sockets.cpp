@@ -1,6 +1,6 @@
 #include <stdexcept>
 
-#include "native_sockets.hpp"
+#include "support/native_sockets.hpp"
 
 namespace support::native {
 namespace {
