@@ -28,6 +28,6 @@ target_link_libraries(fuzz_seeds PRIVATE publisher_core)
 # Installs among bad mirrors, kills and full disks (bench/soak).
 file(GLOB soak_sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/tools/soak/*.cpp)
 add_executable(soak EXCLUDE_FROM_ALL ${soak_sources} ${test_support}/archives.cpp ${test_support}/faulty_server.cpp
-               ${test_support}/posix/sockets.cpp)
-target_include_directories(soak PRIVATE ${CMAKE_SOURCE_DIR}/tests)
+               ${test_support}/sockets.cpp ${test_support}/posix/native_sockets.cpp)
+target_include_directories(soak PRIVATE ${CMAKE_SOURCE_DIR}/tests ${test_support}/posix)
 target_link_libraries(soak PRIVATE publisher_core)

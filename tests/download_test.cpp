@@ -58,13 +58,6 @@ TEST_F(DownloadTest, AnArchiveIsSavedFlatUnpackedAndRemoved) {
   EXPECT_EQ(window.lblEstado.Caption.Get(), "Actualizando juego, por favor aguarde unos minutos.");
 }
 
-TEST_F(DownloadTest, AFileInAFoldersPlaceStopsThePatchBeforeTheFirstMove) {
-  platform::MakeFolders(folder / "juego/z");
-  server.On("/m/NewAct2/x.zip", support::Text(MakeZip({{"a.txt", "x"}, {"z", "x"}})));
-  EXPECT_EQ(download.DescargarArchivo("x.zip", true).result, update::DownloadResult::Stopped);
-  EXPECT_FALSE(folder.Has("juego/a.txt"));
-}
-
 // Without another mirror a round is one transfer: three are retried in silence, the fourth asks.
 TEST_F(DownloadTest, TheQuestionComesWithTheFourthTimeOut) {
   using platform::DialogAnswer;

@@ -5,7 +5,6 @@
 #include <optional>
 #include <thread>
 
-#include "base/runtime_error.hpp"
 #include "controls/main_window.hpp"
 #include "platform/files.hpp"
 #include "startup/blocking.hpp"
@@ -17,7 +16,6 @@
 namespace {
 
 using controls::MouseButton;
-using controls::WindowState;
 
 constexpr const char* kStems[] = {"cerrar", "help", "minimizar", "jugar", "config", "reparar", "whatsapp"};
 
@@ -41,10 +39,7 @@ struct MainWindowTest : testing::Test, support::TestServices {
   ui::frmMain::Actions Actions() {
     const auto note = [this](const char* what) { return [this, what] { actions.push_back(what); }; };
     ui::frmMain::Actions made;
-    made.LoadGameConfig = [this] {
-      actions.push_back("LoadGameConfig");
-      if (configFails) throw base::RuntimeError(base::ErrorNumber::PathNotFound);
-    };
+    made.LoadGameConfig = note("LoadGameConfig");
     made.RestoreHosts = note("RestoreHosts");
     made.SwitchURL = note("SwitchURL");
     made.ComenzarActualizacion = note("ComenzarActualizacion");
@@ -69,7 +64,7 @@ struct MainWindowTest : testing::Test, support::TestServices {
   support::RecordingScreen screen;
   controls::MainWindow window{host.events->Timers()};
   std::vector<std::string> actions;
-  bool configFails = false, serverListEmpty = true;
+  bool serverListEmpty = true;
   ui::frmMain main{services, hosts, screen, window, Actions()};
 };
 
@@ -110,15 +105,6 @@ TEST_F(MainWindowTest, MissingPicturesAreReportedOnceAndTheStartGoesOn) {
   EXPECT_EQ(actions.back(), "GetServersList");
   window.cmdReiniciarUpdates.Click();
   EXPECT_EQ(actions.back(), "ReiniciarUpdates");
-}
-
-TEST_F(MainWindowTest, AnotherFailureEndsTheSetUp) {
-  configFails = true;
-  main.Form_Load(true);
-  EXPECT_EQ(actions, (Names{"LoadGameConfig"}));
-  ASSERT_EQ(host.dialogs.shown.size(), 1u);
-  EXPECT_TRUE(host.dialogs.shown[0].text.starts_with(
-      "Error: Error 76 (Path not found) en el procedimiento Form_Load"));
 }
 
 TEST_F(MainWindowTest, OneButtonIsLitAtATime) {
@@ -165,47 +151,6 @@ TEST_F(MainWindowTest, DisabledButtonKeepsItsPictureAndDoesNothing) {
   EXPECT_EQ(actions, (Names{"Iniciar", "ShowOptions"}));
   main.btnIniciar.EnableButton();
   EXPECT_FALSE(main.btnIniciar.isEnabled());
-}
-
-TEST_F(MainWindowTest, DisablingAButtonUnderThePointerForgetsItsHover) {
-  main.Form_Load(true);
-  main.btnConfig.EnableButton(true);
-  window.cmdConfig.MouseMove(MouseButton::None);
-  main.btnConfig.EnableButton(false);
-  window.MouseMove(MouseButton::None);
-  EXPECT_EQ(window.cmdConfig.Picture.Get(), Picture("config_c"));
-  main.btnConfig.EnableButton(true);
-  window.cmdConfig.MouseMove(MouseButton::None);
-  EXPECT_EQ(window.cmdConfig.Picture.Get(), Picture("config_a"));
-}
-
-TEST_F(MainWindowTest, LeftButtonDragsTheWindowByItsBareParts) {
-  main.Form_Load(true);
-  window.MouseDown(MouseButton::Left);
-  window.MouseMove(MouseButton::Left);
-  window.lblEstado.MouseMove(MouseButton::Left);
-  window.lblDirectorio.MouseMove(MouseButton::Left);
-  window.lblName.MouseMove(MouseButton::Left);
-  window.lblsize.MouseMove(MouseButton::Left);
-  window.ProgressBar1.MouseMove(MouseButton::Left);
-  EXPECT_EQ(screen.Count("Drag frmMain"), 7);
-  window.MouseMove(MouseButton::Right);
-  window.lblEstado.MouseMove(MouseButton::None);
-  window.lblServerState1.MouseMove(MouseButton::Left);
-  window.cmdClose.MouseMove(MouseButton::Left);
-  EXPECT_EQ(screen.Count("Drag frmMain"), 7);
-}
-
-TEST_F(MainWindowTest, CloseAndMinimiseOnlyHide) {
-  main.Form_Load(true);
-  for (controls::ImageControl* button : {&window.cmdClose, &window.cmdMinimize}) {
-    button->Click();
-    EXPECT_FALSE(window.Visible);
-    EXPECT_FALSE(lifetime.Ending());
-    main.Tray().Restore();
-    EXPECT_TRUE(window.Visible);
-    EXPECT_EQ(window.State.Get(), WindowState::Normal);
-  }
 }
 
 TEST_F(MainWindowTest, EscapeAndClosingEndTheProgram) {
@@ -268,8 +213,7 @@ TEST_F(MainWindowTest, ShowRequestBringsTheWindowBackAndIsAnswered) {
     bool restored;
     const char* after;
     std::size_t reports;
-  } cases[] = {{"1", true, "0", 0}, {"7", true, "0", 0},    {"0", false, "0", 0},
-               {"", false, "", 0},  {"si", false, "si", 0}, {"999", false, "0", 1}};
+  } cases[] = {{"1", true, "0", 0}, {"0", false, "0", 0}, {"si", false, "si", 0}, {"999", false, "0", 1}};
   main.Form_Load(true);
   for (const auto& row : cases) {
     SCOPED_TRACE(row.value);
@@ -290,17 +234,6 @@ TEST_F(MainWindowTest, ReportButtonOpensTheChat) {
   window.cmdReportar.Click();
   EXPECT_EQ(host.shell.pages, (Names{deployment.chat}));
   EXPECT_EQ(host.shell.folders, (Names{folder.Path() + platform::NativePath("\\..")}));
-  EXPECT_TRUE(main.DownloadFile("good", "file"));
-  EXPECT_FALSE(main.DownloadFile("bad", "file"));
-}
-
-TEST_F(MainWindowTest, MaximisedWindowIsCentredWhenActivated) {
-  main.Form_Load(true);
-  window.Activate();
-  EXPECT_EQ(screen.Count("Centre frmMain"), 0);
-  window.State = WindowState::Maximised;
-  window.Activate();
-  EXPECT_EQ(screen.Count("Centre frmMain"), 1);
 }
 
 }  // namespace

@@ -4,10 +4,8 @@
 
 #include <filesystem>
 
-#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
-#include "platform/posix/event_loop_posix.hpp"
 #include "platform/posix/unique_fd.hpp"
 #include "support/body_sink.hpp"
 #include "support/faulty_server.hpp"
@@ -47,26 +45,6 @@ TEST(NativeFiles, APipeInTheirPlaceHoldsNothingUp) {
   EXPECT_ANY_THROW(ReadWhole(folder / "pipe", 10));
 }
 
-TEST(NativeFiles, AReplacedProgramStaysExecutable) {
-  const TempFolder folder;
-  folder.Put("program", "1");
-  chmod((folder / "program").c_str(), 0755);
-  WriteWhole(folder / "program", "2");
-  EXPECT_EQ(access((folder / "program").c_str(), X_OK), 0);
-}
-
-TEST(NativeFiles, AFolderOfAnotherUserCannotBeWritten) {
-  const TempFolder folder;
-  chmod(folder.Path().c_str(), 0755);
-  EXPECT_EXIT(
-      {
-        const bool nobody = geteuid() != 0 || setuid(65534) == 0;  // the user "nobody"
-        const bool writable = geteuid() != 0 && access(folder.Path().c_str(), W_OK) == 0;
-        _exit(nobody && CanWriteTo(folder.Path()) == writable ? 0 : 1);
-      },
-      testing::ExitedWithCode(0), "");
-}
-
 class NativeProcesses : public testing::Test {
  protected:
   TempFolder folder;
@@ -88,26 +66,6 @@ TEST_F(NativeProcesses, AProgramGetsItsWordsItsFolderAndNothingOfOurs) {
   EXPECT_EQ(folder.Get("words"), "one|two words|KELVARIN|");
   EXPECT_EQ(folder.Get("fds"), "/dev/null\n");
   EXPECT_EQ(folder.Get("open").find(std::to_string(inherited.get()) + "\n"), std::string::npos);
-}
-
-TEST_F(NativeProcesses, AnEndedChildLeavesTheProcessList) {
-  folder.Put("stop.sh", "#!/bin/sh\necho $$ > pid.tmp\nmv pid.tmp pid\n");
-  processes->Start({folder / "stop.sh", "stop.sh", WindowStyle::Hidden, folder.Path()});
-  ASSERT_TRUE(Eventually([&] { return folder.Has("pid"); }));
-  const std::string pid = folder.Get("pid");
-  EXPECT_TRUE(Eventually([&] { return !IsFolder("/proc/" + pid.substr(0, pid.find('\n'))); }));
-}
-
-TEST_F(NativeProcesses, MissingProgramsAreToldOnly) {
-  processes->Start({"RunDll32.exe", "RunDll32.exe InetCpl.cpl", WindowStyle::Minimised, ""});
-  try {
-    processes->Start({folder / "none.exe", "none.exe", WindowStyle::NormalFocus, ""});
-    FAIL() << "a program that is not there was started";
-  } catch (const base::RuntimeError& error) {
-    EXPECT_TRUE(error.Is(base::ErrorNumber::FileNotFound));
-    EXPECT_EQ(error.Description(), "No such file or directory");
-  }
-  EXPECT_EQ(told.size(), 2u);
 }
 
 TEST_F(NativeProcesses, AScriptRunsUnderItsOwnName) {
@@ -132,15 +90,6 @@ TEST(NativeShell, OpensWebPagesOnly) {
   EXPECT_EQ(told, std::vector<std::string>{"Open https://127.0.0.1:8251/chat"});
 }
 
-TEST(NativeSettings, AreAPlainFileOfTheUser) {
-  const TempFolder folder;
-  const std::string before = std::getenv("XDG_CONFIG_HOME");
-  setenv("XDG_CONFIG_HOME", (folder / "new/config").c_str(), 1);
-  MakeSettingsStore()->Set("KVN_UPDATER", "CONFIG", "SHOW", "1");
-  setenv("XDG_CONFIG_HOME", before.c_str(), 1);
-  EXPECT_EQ(folder.Get("new/config/KVN_UPDATER.ini"), "[CONFIG]\r\nSHOW=1\r\n");
-}
-
 TEST(NativeHttpClient, GoesThroughTheProxyOfTheEnvironmentAndTellsThatItWantsAName) {
   support::FaultyServer proxy("127.0.0.5");
   proxy.On("http://127.0.0.9/file", support::Text("through"));
@@ -162,35 +111,6 @@ TEST(NativeHttpClient, GoesThroughTheProxyOfTheEnvironmentAndTellsThatItWantsANa
   EXPECT_EQ(outcome.status, 407);
   EXPECT_NE(outcome.systemError, 0u);
   EXPECT_EQ(sink.body, "through") << "the page of the proxy is nobody's answer";
-}
-
-TEST(NativeEventLoop, HandsOverLinesOneAtATime) {
-  int ends[2];
-  ASSERT_EQ(pipe(ends), 0);
-  const UniqueFd input(ends[0]);
-  UniqueFd output(ends[1]);
-  const auto clock = MakeClock();
-  PosixEventLoop loop(*clock);
-  std::vector<std::string> lines;
-  bool nested = false;
-  loop.ReadLines(input.get(), [&](const std::string& line) {
-    if (line == "outer") {
-      loop.DoEvents();  // the handler lets events run: the next lines come now
-      nested = lines.size() == 2;
-    }
-    lines.push_back(line);
-    return true;
-  });
-  const std::string text = "outer\ninner\r\n\nlast";
-  ASSERT_EQ(write(output.get(), text.data(), text.size()), static_cast<ssize_t>(text.size()));
-  loop.WaitEvents(10'000);
-  EXPECT_TRUE(nested);
-  EXPECT_EQ(lines, (std::vector<std::string>{"inner", "", "outer"}));
-  EXPECT_FALSE(loop.InputEnded());
-  output = UniqueFd();
-  loop.WaitEvents(10'000);
-  EXPECT_EQ(lines.back(), "last");
-  EXPECT_TRUE(loop.InputEnded());
 }
 
 }  // namespace

@@ -99,20 +99,6 @@ TEST_F(NativeTerminal, EveryChangeIsOneLine) {
             "frmMain.WindowState: 1\n");
 }
 
-TEST_F(NativeTerminal, WhatIsEnteredDuringStartUpWaitsForItsEnd) {
-  std::string log;
-  window.image.Click += [&log] { log += "click "; };
-  window.KeyDown += [&log](int) { log += "key "; };
-  screen.emplace(events, input_.get(), out, errors);
-  screen->Attach(window);
-  Type("frmMain.cmdIniciar\nfrmMain.Esc\nfrmMain.cmdIniciar");
-  EXPECT_EQ(log, "key ");
-  screen->StartUpDone();
-  events.DoEvents();
-  EXPECT_EQ(log, "key click click ");
-  EXPECT_EQ(Complaints(), "");
-}
-
 TEST_F(NativeTerminal, ALineActsAsThePlayer) {
   std::string log;
   const auto note = [&log](const char* what) { return [&log, what] { log += std::string(what) + " "; }; };
@@ -161,16 +147,11 @@ TEST_F(NativeTerminal, WhatCannotBeDoneIsSaid) {
   const std::pair<const char*, const char*> cases[] = {
       {"", ""},
       {"hello", "hello: not understood\n"},
-      {"frmMain.", "frmMain.: not understood\n"},
-      {".x", ".x: not understood\n"},
-      {"frmMain=1", "frmMain=1: not understood\n"},
-      {"tray=x", "tray=x: not understood\n"},
       {"tray=515", "tray=515: there is no icon in the notification area\n"},
       {"frmMain.none", "frmMain.none: there is no control none in frmMain\n"},
       {"frmMain.cmdSend", "frmMain.cmdSend: cmdSend is disabled\n"},
       {"frmMain.lblServerState(1)", "frmMain.lblServerState(1): lblServerState(1) is not visible\n"},
       {"frmMain.cmbFPS=71", "frmMain.cmbFPS=71: cmbFPS has no entry \"71\"\n"},
-      {"frmMain.cmdIniciar=1", "frmMain.cmdIniciar=1: cmdIniciar takes no value\n"},
       {"frmMain.tmr", "frmMain.tmr: tmr is a timer, which nobody can see\n"},
       {"FrmSysTrays.mExit", "FrmSysTrays.mExit: there is no window FrmSysTrays\n"},
   };
@@ -213,20 +194,6 @@ TEST_F(NativeTerminal, AQuestionTakesTheNextLine) {
   EXPECT_EQ(Complaints(), "Cancel: answer Yes or No\n");
 }
 
-TEST_F(NativeTerminal, AQuestionInsideAQuestionIsAnsweredFirst) {
-  std::vector<DialogAnswer> answers;
-  window.tmr.Tick += [&] {
-    window.tmr.Set(false);
-    Put("Yes\n");
-    answers.push_back(screen->Show("inner", DialogButtons::YesNo, "T"));
-    Put("No\n");
-  };
-  window.tmr.Set(true);
-  clock.Step(100);
-  answers.push_back(screen->Show("outer", DialogButtons::YesNo, "T"));
-  EXPECT_EQ(answers, (std::vector{DialogAnswer::Yes, DialogAnswer::No}));
-}
-
 TEST_F(NativeTerminal, TheEndOfInputAnswersWithTheLastButton) {
   Put("Yes");
   EndInput();
@@ -234,37 +201,6 @@ TEST_F(NativeTerminal, TheEndOfInputAnswersWithTheLastButton) {
   EXPECT_EQ(screen->Show("2", DialogButtons::YesNo, "T"), DialogAnswer::No);
   EXPECT_EQ(screen->Show("3", DialogButtons::YesNoCancel, "T"), DialogAnswer::Cancel);
   events.DoEvents();
-}
-
-TEST_F(NativeTerminal, EntriesOfTheOpenMenuCanBeChosenOnce) {
-  controls::Menu menu{"mPopupMenu", "&PopupMenu", {}};
-  int restored = 0, left = 0;
-  for (const char* name : {"mSep1", "mRestore", "mExit"}) menu.entries.emplace_back().name = name;
-  menu.entries[0].caption = "-";
-  menu.entries[1].Click += [&] { ++restored; };
-  menu.entries[2].Click += [&] { ++left; };
-  menu.entries[2].enabled = false;
-  screen->PopupMenu(menu);
-  EXPECT_EQ(Printed(), "Menu mPopupMenu\n");
-  Type("FrmSysTrays.mSep1\nFrmSysTrays.mExit\nFrmSysTrays.mRestore\nFrmSysTrays.mRestore");
-  EXPECT_EQ(restored, 1);
-  EXPECT_EQ(left, 0);
-  EXPECT_EQ(Complaints(),
-            "FrmSysTrays.mSep1: there is no entry mSep1\nFrmSysTrays.mExit: mExit is disabled\n"
-            "FrmSysTrays.mRestore: there is no window FrmSysTrays\n");
-}
-
-TEST_F(NativeTerminal, WindowsHearOfTheirStateAndComing) {
-  int resized = 0, activated = 0;
-  window.Resize += [&] { ++resized; };
-  window.Activate += [&] { ++activated; };
-  window.State = controls::WindowState::Maximised;
-  window.Visible = false;
-  window.Visible = true;
-  EXPECT_EQ(resized, 1);
-  EXPECT_EQ(activated, 1);
-  screen->MoveTo(window, 10, 20);
-  EXPECT_EQ(screen->Bounds(window), (Area{10, 20, 350, 150}));
 }
 
 }  // namespace

@@ -53,27 +53,6 @@ TEST_F(NotifyTest, SlidesUpStaysAndSlidesDown) {
   EXPECT_FALSE(notify.Timer1.On());
 }
 
-TEST_F(NotifyTest, StepsAreTwipsWhateverTheScale) {
-  screen.twipsPerPixel = 7.5;  // 192 dots per inch: one step is two pixels
-  notify.ShowMessage("texto", "título", 7, 1000);
-  const std::vector<int> tops = Tops();
-  ASSERT_EQ(tops.size(), 66u);
-  EXPECT_EQ(tops[1], 982);
-  EXPECT_EQ(tops.back(), 854);
-}
-
-TEST_F(NotifyTest, SecondNoticeSlidesTheFirstDown) {
-  notify.ShowMessage("uno", "primero", 1, 15000);
-  Tops();
-  notify.ShowMessage("dos", "segundo", 2, 15000);
-  std::vector<int> expected = Range(854, 984);
-  const std::vector<int> up = Range(984, 854);
-  expected.insert(expected.end(), up.begin(), up.end());
-  EXPECT_EQ(Tops(), expected);
-  EXPECT_EQ(notify.lblNews.Caption.Get(), "dos");
-  EXPECT_TRUE(notify.Timer1.On());
-}
-
 TEST_F(NotifyTest, HoverTurnsALabelIntoAButton) {
   notify.ShowMessage("texto", "título", 42, 15000);
   notify.lblNews.Click();
@@ -81,11 +60,8 @@ TEST_F(NotifyTest, HoverTurnsALabelIntoAButton) {
   EXPECT_TRUE(host.shell.pages.empty());
   EXPECT_TRUE(notify.window.Visible);
 
-  const controls::Colour plain = notify.lblNews.ForeColor;
   notify.lblNews.MouseMove(controls::MouseButton::None);
   EXPECT_EQ(notify.lblNews.Caption.Get(), "Ver noticia completa");
-  EXPECT_TRUE(notify.lblNews.Underline);
-  EXPECT_NE(notify.lblNews.ForeColor.Get(), plain);
   notify.lblNews.Click();
   EXPECT_EQ(host.shell.pages, (Names{"http://web.example/web/index.php?id=42"}));
   EXPECT_EQ(host.shell.folders, (Names{folder.Path() + platform::NativePath("\\..")}));
@@ -93,8 +69,6 @@ TEST_F(NotifyTest, HoverTurnsALabelIntoAButton) {
   notify.lblTitle.MouseMove(controls::MouseButton::None);
   EXPECT_EQ(notify.lblTitle.Caption.Get(), "Cerrar notificación.");
   EXPECT_EQ(notify.lblNews.Caption.Get(), "texto");
-  EXPECT_FALSE(notify.lblNews.Underline);
-  EXPECT_EQ(notify.lblNews.ForeColor.Get(), plain);
   notify.window.MouseMove(controls::MouseButton::None);
   EXPECT_EQ(notify.lblTitle.Caption.Get(), "título");
 

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <optional>
 #include <thread>
 
 #include "base/runtime_error.hpp"
-#include "platform/digest.hpp"
 #include "platform/encoding.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
@@ -35,30 +32,6 @@ TEST(Encoding, BetweenUtf8AndAnsi) {
     EXPECT_EQ(ToAnsi(std::string("a") + wrong).substr(0, 2), "a?") << wrong;
   }
   EXPECT_EQ(ToAnsi("") + FromAnsi(""), "");
-}
-
-TEST(Digests, KnownVectorsFedInPieces) {
-  const std::string text = "abc";
-  const auto bytes = std::as_bytes(std::span(text));
-  Digest md5(DigestKind::Md5);  // RFC 1321, A.5
-  md5.Update(bytes.first(1));
-  md5.Update({});
-  md5.Update(bytes.subspan(1));
-  EXPECT_EQ(md5.Hex(), "900150983cd24fb0d6963f7d28e17f72");
-  EXPECT_EQ(Digest(DigestKind::Md5).Hex(), "d41d8cd98f00b204e9800998ecf8427e");
-  Digest sha1(DigestKind::Sha1);  // RFC 3174, 7.3
-  sha1.Update(bytes);
-  EXPECT_EQ(sha1.Hex(), "a9993e364706816aba3e25717850c26c9cd0d89d");
-}
-
-TEST(Files, PathsComeApart) {
-  const std::string path = NativePath("\\a/b\\\\ñ.tar.gz");
-  EXPECT_EQ(FolderOf(path), NativePath("/a/b"));
-  EXPECT_EQ(FileNameOf(path), "ñ.tar.gz");
-  EXPECT_EQ(BaseNameOf(path), "ñ.tar");
-  EXPECT_EQ(BaseNameOf(NativePath("/a.b/c")), "c");
-  EXPECT_TRUE(IsFile(ExecutablePath()));
-  EXPECT_TRUE(IsFolder(SystemFolder()));
 }
 
 TEST(Files, FailuresHaveTheClassicNumbers) {
@@ -113,27 +86,6 @@ TEST(Files, AnOutputFileAppearsWholeOrNotAtAll) {
   EXPECT_EQ(ListTree(folder.Path()), (std::vector<FoundFile>{{"a"}, {"b"}}));
 }
 
-TEST(Files, TreesAreMadeListedAndRemoved) {
-  const TempFolder folder;
-  const std::string tree = folder / "árbol";
-  MakeFolders(tree + kSeparator + kSeparator + "x" + kSeparator + "y");
-  EXPECT_TRUE(IsFolder(tree + kSeparator + "x" + kSeparator + "y"));
-  folder.Put("árbol/x/ñ.txt", "1");
-  folder.Put("árbol/b", "22");
-  CloneFile(folder / "árbol/b", folder / "árbol/x/c");
-  ReplaceFileWith(folder / "árbol/b", folder / "árbol/x/ñ.txt");
-  AppendTo(folder / "árbol/x/c", "3");
-  const std::vector<FoundFile> expected = {{NativePath("x/c")}, {NativePath("x/ñ.txt")}};
-  EXPECT_EQ(ListTree(tree + kSeparator), expected);
-  EXPECT_EQ(folder.Get("árbol/x/ñ.txt"), "22");
-  EXPECT_EQ(folder.Get("árbol/x/c"), "223");
-  EXPECT_TRUE(TryRemoveFile(folder / "árbol/x/c"));
-  EXPECT_TRUE(TryRemoveFile(folder / "árbol/x/c"));
-  EXPECT_FALSE(TryRemoveFile(tree));
-  RemoveTree(tree);
-  EXPECT_FALSE(folder.Has("árbol"));
-}
-
 TEST(Files, AFolderIsProbedForWriting) {
   const TempFolder folder;
   folder.Put("file", "1");
@@ -142,25 +94,6 @@ TEST(Files, AFolderIsProbedForWriting) {
   EXPECT_FALSE(CanWriteTo(folder / "none"));
   EXPECT_FALSE(CanWriteTo(folder / "file"));
   EXPECT_EQ(HolderOf(folder / "file"), "");
-}
-
-TEST(Files, OnlyEmptyFoldersAreRemovedAlone) {
-  const TempFolder folder;
-  folder.Put("full/file", "1");
-  MakeFolder(folder / "empty");
-  EXPECT_TRUE(TryRemoveEmptyFolder(folder / "empty"));
-  EXPECT_TRUE(TryRemoveEmptyFolder(folder / "empty"));
-  EXPECT_FALSE(TryRemoveEmptyFolder(folder / "full"));
-  EXPECT_TRUE(folder.Has("full/file"));
-}
-
-TEST(Clocks, UptimeWraps) {
-  EXPECT_EQ(Elapsed(5, kUptimeMask - 4), 10u);
-  const auto clock = MakeClock();
-  const std::uint64_t before = clock->Milliseconds();
-  clock->Sleep(20);
-  EXPECT_GT(clock->Milliseconds(), before);
-  EXPECT_FALSE(clock->DateText().empty() || clock->TimeText().empty());
 }
 
 TEST(EventLoops, SleepUntilTheLimitOrAWakeUp) {

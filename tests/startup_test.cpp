@@ -30,11 +30,6 @@ TEST_F(Recorder, ShowsEveryTextAndWritesNoRepeats) {
   EXPECT_EQ(Log(), Line("A") + Line("B") + Line("A") + Line("") + Line(""));
 }
 
-TEST_F(Recorder, WritesARepeatAgainAfter1500) {
-  for (int i = 0; i < 1502; ++i) recorder.LogError("A");
-  EXPECT_EQ(Log(), Line("A") + Line("A"));
-}
-
 TEST_F(Recorder, NotesAreWrittenOnceInARowAndShownToNobody) {
   for (const char* text : {"A {1}", "A {1}", "B", "A {1}"}) recorder.Note(text);
   EXPECT_EQ(Log(), Line("A -1-") + Line("B") + Line("A -1-"));
@@ -172,14 +167,6 @@ TEST(Main, MeetsOtherInstances) {
   }
 }
 
-TEST(Main, AsksForServersAgainWhileNoneIsUp) {
-  LauncherRun run;
-  run.mirror.Publish();
-  run.mirror.server.On("/web/include/info.php", support::Text("1@Alpha@OFFLINE@x@5@0@@8|"));
-  run.Start();
-  EXPECT_EQ(run.mirror.server.Count("/web/include/info.php"), 2u);
-}
-
 TEST(Main, ARenamedLauncherEndsAStaleClient) {
   LauncherRun run;
   run.program = "actualizador.exe";
@@ -191,15 +178,6 @@ TEST(Main, ARenamedLauncherEndsAStaleClient) {
   EXPECT_EQ(run.machine.processes.started[0].commandLine, "taskkill.exe /f /t /im Kelvarin.exe");
   EXPECT_EQ(run.machine.processes.started[0].style, platform::WindowStyle::Minimised);
   EXPECT_EQ(run.machine.processes.locksTaken[0], "Global\\actualizador");
-}
-
-TEST(Main, StartsMinimisedTogetherWithTheSystem) {
-  LauncherRun run;
-  run.mirror.Publish();
-  run.machine.clock.Set(29'000);
-  run.Start();
-  EXPECT_FALSE(run.Launched().MainWindow().Visible);
-  EXPECT_EQ(run.Launched().MainWindow().State.Get(), controls::WindowState::Minimised);
 }
 
 TEST(Main, ReportsAMirrorThatCannotBeUsedAndPassesItOver) {

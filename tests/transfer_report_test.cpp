@@ -17,18 +17,12 @@ TEST(TransferReport, SaysWhyInAFewWordsAndInOneLine) {
     bool arrived, good;
     std::string reason, more;
   } cases[] = {
-      {{{HttpError::None, 200}, 5, 5}, true, true, "el servidor respondió 200", "HTTP 200, 5 de 5 bytes"},
       {{{HttpError::None, 404}, 9}, true, false, "el servidor respondió 404", "HTTP 404, 9 bytes"},
       {{{HttpError::CutShort, 200, 18, "partial file"}, 20, 5'000},
        false,
        false,
        "la conexión se cortó antes del final",
        "HTTP 200, 20 de 5000 bytes; 18 partial file"},
-      {{{HttpError::CannotConnect, 0, 7, "no"}},
-       false,
-       false,
-       "no se pudo conectar con el servidor",
-       "0 bytes; 7 no"},
       {{{HttpError::None, 200}, 0, {}, RuntimeError(ErrorNumber::DiskFull, "disco lleno: faltan 3 MB")},
        false,
        false,

@@ -44,21 +44,18 @@ TEST_F(TransferTest, TextsAreTakenWhateverTheirStatusButOnlyWhole) {
     std::string text, copy;
   } cases[] = {
       {"honest", support::Text("noticias"), "noticias", "noticias"},
-      {"chunked", {.body = "abc", .framing = Answer::Framing::Chunked}, "abc", "abc"},
       {"page", support::Page(404, "<p>no"), "<p>no", "(none)"},
       {"cut", support::CutShort("1 whole answer", 1), "", "(none)"},
       {"garbage", support::Garbage(), "", "(none)"},
       {"huge", support::Text(std::string(16 * 1024 * 1024 + 1, 'x')), "", "(none)"},
       {"largest", support::Text(std::string(16 * 1024 * 1024, 'x')), std::string(16 * 1024 * 1024, 'x'),
        std::string(16 * 1024 * 1024, 'x')},
-      {"silent", support::Silent(), "", "(none)"},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     platform::TryRemoveFile(world.folders.Scratch("Tmp.tmp"));
     server.On("/text", test.answer);
-    const std::uint32_t limit = test.answer.silent ? 300 : 0;
-    EXPECT_TRUE(world.transfers.GetHttpText(server.Url("/text"), {.wholeLimitMs = limit}).text == test.text);
+    EXPECT_TRUE(world.transfers.GetHttpText(server.Url("/text")).text == test.text);
     EXPECT_TRUE(Scratch("Tmp.tmp") == test.copy);
   }
   EXPECT_EQ(server.Seen()[0].Header("content-type"), "application/x-www-form-urlencoded");
@@ -85,8 +82,6 @@ TEST_F(TransferTest, BodiesAreDecoded) {
       {"text/plain", "a\xC3\xB1o", "año"},
       {"text/plain", "a\xF1o", "año"},
       {"text/html; charset=ISO-8859-1", "\xC3\xB1", "Ã±"},
-      {"text/html; Charset=\"windows-1252\"; x=y", "\xF1", "ñ"},
-      {"text/html; charset=iso-8859-15", "\xC3\xB1", "ñ"},
       {"text/html; charset=utf-8",
        "\xEF\xBB\xBF"
        "1",
@@ -112,11 +107,8 @@ TEST_F(TransferTest, DownloadsAreWholeOrNotAtAll) {
   } cases[] = {
       {"archive", support::Text(big), true, big},
       {"empty", support::Text(""), true, ""},
-      {"unknown length", {.body = big, .framing = Answer::Framing::UntilClose}, true, big},
       {"error page", support::Page(404, "<p>no"), true, "(none)"},
       {"cut", support::CutShort(big, 1'000'000), false, "(none)"},
-      {"reset", support::CutShort(big, 1'000'000, Answer::Cut::Reset), false, "(none)"},
-      {"announces more", {.body = "abc", .announced = "9"}, false, "(none)"},
       {"garbage", support::Garbage(), false, "(none)"},
       {"other scheme", support::Redirect("file:///etc/passwd"), false, "(none)"},
   };
@@ -133,21 +125,6 @@ TEST_F(TransferTest, DownloadsAreWholeOrNotAtAll) {
     EXPECT_EQ(FileCount(), (test.finished ? 1u : 0u) + (test.copy == "(none)" ? 0u : 1u)) << "a leftover";
   }
   EXPECT_TRUE(world.host.dialogs.shown.empty());
-}
-
-TEST_F(TransferTest, TheScratchCopyLivesAndDiesAlone) {
-  server.On("/archive", support::Text("first"));
-  Download("/archive");
-  world.folder.Put("game/target.zip", "mine");  // replaced as every file is
-  EXPECT_EQ(Scratch("tmp.tmp"), "first");
-  platform::RemoveFile(Target());
-  server.On("/archive", support::Text("second"));
-  Download("/archive");
-  EXPECT_EQ(Scratch("tmp.tmp"), "second");
-  platform::RemoveTree(platform::FolderOf(world.folders.Scratch("tmp.tmp")));
-  platform::RemoveFile(Target());
-  Download("/archive");
-  EXPECT_TRUE(world.state.Finished) << "a missing scratch folder is no reason to lose an archive";
 }
 
 TEST_F(TransferTest, AnExistingTargetIsNeitherTouchedNorAskedFor) {
@@ -248,12 +225,9 @@ TEST_F(TransferTest, FreshAnswersAreUsedAgain) {
   } cases[] = {
       {"nothing said", {}, false, 3, 0},
       {"for a minute", {{"Cache-Control", "public, max-age=60"}}, false, 2, 0},
-      {"old already", {{"Cache-Control", "max-age=60"}, {"Age", "30"}}, false, 3, 0},
       {"tag", {}, true, 3, 2},
-      {"both", {{"Cache-Control", "max-age=60"}}, true, 2, 1},
       {"must ask", {{"Cache-Control", "no-cache, max-age=60"}}, true, 3, 2},
       {"must not keep", {{"Cache-Control", "no-store, max-age=60"}}, true, 3, 0},
-      {"nonsense", {{"Cache-Control", "max-age=soon"}}, false, 3, 0},
       {"for ever", {{"Cache-Control", "max-age=99999999999999999999999"}}, false, 1, 0},
   };
   for (const auto& test : cases) {
@@ -288,12 +262,8 @@ TEST_F(TransferTest, AFileThatNobodyCalledFreshIsSparedForHalfAMinuteAtMost) {
     int conditional;
   } cases[] = {
       {"a script", {}, 4, 0},
-      {"a tag alone", {{"ETag", "\"v1\""}}, 2, 1},
       {"changed yesterday", {{"Date", sent}, {"Last-Modified", old}}, 2, 1},
       {"changed 100 seconds ago", {{"Date", sent}, {"Last-Modified", recent}}, 4, 3},
-      {"no telling how long ago", {{"Last-Modified", old}}, 4, 3},
-      {"changed in the future", {{"Date", old}, {"Last-Modified", sent}}, 4, 3},
-      {"no date", {{"Date", sent}, {"Last-Modified", "yesterday"}}, 4, 0},
       {"expires in 50 seconds", {{"Date", sent}, {"Expires", soon}}, 2, 0},
       {"expired", {{"Date", sent}, {"Last-Modified", old}, {"Expires", "0"}}, 4, 3},
       {"told otherwise", {{"Cache-Control", "no-cache"}, {"Date", sent}, {"Last-Modified", old}}, 4, 3},
@@ -411,9 +381,7 @@ TEST(AddressChecks, AcceptAndRefuse) {
   expect(web::IsTextToken, {"", "abc XYZ", "09az", "a:b", "\xC3\xBF"},
          {"a-b", "1.2", "x\n", "{", "\xC3\xB1"});
   expect(inRange(0), {"0", "255", "1.5"}, {"", "-1", "256", "x"});
-  expect(inRange(1), {"-32768", "32767"}, {"-32769", "32768"});
   expect(inRange(2), {"-2147483648", "2147483647"}, {"2147483648", "1e99"});
-  expect(inRange(3), {}, {"1"});
   expect(web::IsDottedAddress, {"1.2.3.4", "255.255.255.255"},
          {"", "1.2.3", "1.2.3.4.5", "1.2.3.256", "a.b.c.d", "1..2.3"});
   expect(web::IsColonList, {"2001:db8::1", "Null", longList},

@@ -50,18 +50,6 @@ TEST_F(TrayTest, IconIsAddedRefreshedAndTakenAwayOnce) {
   EXPECT_TRUE(raised.empty());
 }
 
-TEST_F(TrayTest, TipIsCutToTheSystemsField) {
-  const std::string accents = "áéíóú";
-  std::string text;
-  for (int i = 0; i < 20; ++i) text += accents;
-  tray.Tooltip(text);
-  EXPECT_EQ(tray.Tooltip(), text.substr(0, 2 * 63));
-  tray.Tooltip(std::string(62, 'x') + "\xF0\x9F\x8F\xB0");  // two units do not fit into the one that is left
-  EXPECT_EQ(tray.Tooltip(), std::string(62, 'x'));
-  tray.Tooltip(std::string(63, 'x'));
-  EXPECT_EQ(tray.Tooltip(), std::string(63, 'x'));
-}
-
 TEST_F(TrayTest, DoubleClickRestoresTheStateBeforeMinimising) {
   for (const WindowState state : {WindowState::Normal, WindowState::Maximised}) {
     owner.State = state;
@@ -100,21 +88,6 @@ TEST_F(TrayTest, MenuHasItsEntriesAndTheirActions) {
             (Names{"http://web.example/web/index.php?op=Donaciones", "https://web.example/"}));
   Entry("mExit").Click();
   EXPECT_EQ(unloads, std::vector{controls::UnloadMode::Code});
-}
-
-TEST_F(TrayTest, NewsOfAnyWebHostAreOpenedOverHttps) {
-  const std::pair<const char*, const char*> cases[] = {
-      {"HTTP://Web.example", "https://Web.example/"},
-      {"http://web.example:80/sitio", "https://web.example/sitio/"},
-      {"http://web.example:8080", "https://web.example:8080/"},
-      {"http://[::1]:80", "https://[::1]/"},
-      {"https://web.example:80", "https://web.example:80/"},
-  };
-  for (const auto& [web, page] : cases) {
-    deployment.web = web;
-    Entry("mWeb").Click();
-    EXPECT_EQ(host.shell.pages.back(), page);
-  }
 }
 
 TEST_F(TrayTest, ClosingFromTheControlMenuIsTurnedIntoHiding) {

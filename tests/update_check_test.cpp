@@ -113,8 +113,6 @@ TEST(UpdateCheck, ABadPatchStageLeavesTheFolderAsItWas) {
   } cases[] = {
       {"page for the list", "OldAct/Update.ini", support::Page(404, "<h1>404</h1>"), "",
        "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
-      {"letters in the list", "OldAct/Update.ini", support::Text("[INIT] Init=abc"), "",
-       "Error no se ha logrado leer las actualizaciones de la base de datos de Kelvarin."},
       {"empty list", "OldAct/Update.ini", support::Text(""), "",
        "No se pudo obtener la lista de actualizaciones: la respuesta está vacía."},
       {"a count beyond 16 bits", "OldAct/Update.ini", support::Text("[INIT] Init=40000"),
@@ -122,8 +120,6 @@ TEST(UpdateCheck, ABadPatchStageLeavesTheFolderAsItWas) {
        "línea 60 Tmp: InitReporta esto mediante el soporte WEB en http://soporte.example/",
        ""},
       {"page for an archive", "OldAct/Extras/Extras1.zip", support::Page(500, "<h1>500</h1>"), kBadZip, ""},
-      {"truncated archive", "OldAct/Extras/Extras1.zip", support::Text(zip.substr(0, zip.size() - 30)),
-       kBadZip, ""},
       {"damaged archive", "OldAct/Extras/Extras1.zip",
        support::Text(MakeZip({{"a", "x"}, {"leame.txt", "x", false, 1 << 11, 8, 0100644, 1}})), kBadZip, ""},
       {"hostile archive", "OldAct/Extras/Extras1.zip", support::Text(MakeZip({{"a", "x"}, {"../../x", "x"}})),
@@ -166,7 +162,6 @@ TEST(UpdateCheck, RetriesATransferThatDoesNotArrive) {
     std::size_t asked;
   } cases[] = {
       {"cut short", support::CutShort(zip, 20), 6},
-      {"too long a Content-Length", {.body = zip, .announced = "99999"}, 6},
       {"another scheme", support::Redirect("ftp://127.0.0.1/x.zip"), 4},
       {"garbage", support::Garbage(), 4},
   };
@@ -199,7 +194,6 @@ TEST(UpdateCheck, ABadIndexDeletesNothingAndDoesNotKeepThePlayerFromPlaying) {
     bool asked;
   } cases[] = {
       {"page", support::Page(404, "<!DOCTYPE html>"), true},
-      {"truncated", support::Text(good.substr(0, good.size() - 6)), true},
       {"cut record", support::Text(MakePacked(MakeIndex({{digest, "\\Bin\\a"}}).substr(0, 40))), true},
       {"cut behind a good record",
        support::Text(MakePacked(MakeIndex({{support::Md5Of("a"), "\\Bin\\a"}, {digest, "\\Bin\\b"}})
@@ -270,16 +264,6 @@ TEST(UpdateCheck, AnIndexThatNamesNoFileForCertainDeletesNothing) {
   EXPECT_EQ(run.GameFiles(), before);
 }
 
-TEST(UpdateCheck, UpdateOnlyModeEndsByItself) {
-  LauncherRun run;
-  PublishGame(run.mirror);
-  run.Start("x/UPDATESy");
-  run.UntilEnded();
-  EXPECT_EQ(run.Launched().Life().ExitStatus(), 0);
-  EXPECT_EQ(run.Counter("Extras"), "1\r\n");
-  EXPECT_EQ(run.mirror.server.Count(run.mirror.PathOf("NewAct2/Info.kvn")), 0u);
-  EXPECT_EQ(run.screen.Count("frmMain.Visible: True"), 0);
-}
 TEST(UpdateCheck, ClosingDuringADownloadEndsItAndLeavesNoPiece) {
   LauncherRun run;
   run.mirror.AddPatch("Extras", {{"leame.txt", "x"}});
@@ -324,31 +308,6 @@ TEST(Launch, RegistersTheLibrariesOncePerSet) {
   EXPECT_EQ(run.machine.settings->Get(startup::keys::kLibraries, startup::keys::kVersion, startup::keys::kV),
             "0.4.1");
   EXPECT_NE(run.machine.settings->Get(startup::keys::kOpen, startup::keys::kF, startup::keys::kA), "");
-}
-
-TEST(Launch, StartsTheSecondClientOnYes) {
-  const struct {
-    DialogAnswer answer;
-    const char* client;
-  } cases[] = {{DialogAnswer::Yes, "KVN-DX8G.exe"},
-               {DialogAnswer::No, "KVN-DX8.exe"},
-               {DialogAnswer::Cancel, nullptr}};
-  for (const auto& entry : cases) {
-    LauncherRun run;
-    run.mirror.AddBinFile("KVN-DX8.exe", "cliente");
-    run.mirror.AddBinFile("KVN-DX8G.exe", "otro");
-    run.mirror.Publish();
-    run.machine.settings->Set("LauncherTestStaff", startup::keys::kStaff, startup::keys::kStaff, "si");
-    run.machine.dialogs.answers = {entry.answer};
-    run.Start();
-    run.machine.processes.started.clear();
-    run.Play();
-    run.UntilEnded();
-    ASSERT_EQ(run.machine.processes.started.size(), entry.client ? 1u : 0u);
-    if (entry.client) {
-      EXPECT_EQ(platform::FileNameOf(run.machine.processes.started[0].program), entry.client);
-    }
-  }
 }
 
 }  // namespace

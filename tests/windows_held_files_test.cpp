@@ -71,25 +71,6 @@ TEST_F(HeldFilesTest, WhatIsHeldForGoodIsPermissionDeniedButNoHindranceToAFlush)
   EXPECT_EQ(ListTree(folder.Path()).size(), 2u);
 }
 
-TEST_F(HeldFilesTest, ALockedPartIsWaitedFor) {
-  const unique_file scanner = Held(held, FILE_SHARE_READ | FILE_SHARE_WRITE);
-  for (const bool reads : {true, false}) {
-    OVERLAPPED whole{};
-    ASSERT_TRUE(LockFileEx(scanner.get(), LOCKFILE_EXCLUSIVE_LOCK, 0, MAXDWORD, 0, &whole));
-    const std::jthread end([&scanner] {
-      Sleep(40);
-      OVERLAPPED same{};
-      UnlockFileEx(scanner.get(), 0, MAXDWORD, 0, &same);
-    });
-    if (reads) {
-      EXPECT_EQ(ReadWhole(held, 100), "old");
-    } else {
-      EXPECT_NO_THROW(AppendTo(held, "!"));
-    }
-  }
-  EXPECT_EQ(folder.Get("held"), "old!");
-}
-
 TEST_F(HeldFilesTest, WhoHoldsAFileIsNamed) {
   EXPECT_EQ(HolderOf(held), "");
   EXPECT_EQ(HolderOf(folder / "none"), "");

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <thread>
 
 #include "support/win32/gui_objects.hpp"
@@ -55,16 +54,6 @@ TEST_F(WindowsMainWindowTest, RealPointerBringsTheHoverTexts) {
   EXPECT_FALSE(window.lblErrorWhatsApp.Visible);
 }
 
-TEST_F(WindowsMainWindowTest, APressLastsUntilTheButtonGoesUp) {
-  Point(window.cmdReiniciarUpdates);
-  Send(Child(window.cmdReiniciarUpdates), WM_LBUTTONDOWN, MK_LBUTTON, 12, 12);
-  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kPressed));
-  EXPECT_EQ(repairs, 0);
-  Send(Child(window.cmdReiniciarUpdates), WM_LBUTTONUP, 0, 12, 12);
-  EXPECT_TRUE(Shows(window.cmdReiniciarUpdates, kHover));
-  EXPECT_EQ(repairs, 1);
-}
-
 TEST_F(WindowsMainWindowTest, RestingPointerDoesNotClearTheStatus) {
   Send(handle, WM_MOUSEMOVE, 0, 5, 5);
   window.lblEstado.Caption = std::string("Descargando");
@@ -115,29 +104,6 @@ TEST_F(WindowsMainWindowTest, CloseHidesAndADoubleClickOnTheIconRestores) {
   EXPECT_TRUE(Shows(window.cmdReportar, kNormal));
 }
 
-TEST_F(WindowsMainWindowTest, MenuOffersRestoringOnlyWhileTheWindowIsAway) {
-  const auto greyed = [](HMENU menu) { return (GetMenuState(menu, 3, MF_BYPOSITION) & MF_GRAYED) != 0; };
-  WithMenu([&](HMENU menu) {
-    EXPECT_EQ(GetMenuItemCount(menu), 6);
-    EXPECT_TRUE(greyed(menu));
-  });
-  Click(window.cmdClose);
-  WithMenu([&](HMENU menu) { EXPECT_FALSE(greyed(menu)); });
-}
-
-TEST_F(WindowsMainWindowTest, KeyboardPressesTheButtons) {
-  SetFocus(Child(window.cmdIniciar));
-  Key(VK_RETURN);
-  EXPECT_EQ(plays, 1);
-  Key(VK_SPACE);
-  EXPECT_EQ(plays, 2);
-  SetFocus(Child(window.cmdConfig));
-  Key(VK_RETURN);
-  EXPECT_EQ(options, 1);
-  Key(VK_ESCAPE);
-  EXPECT_TRUE(lifetime.Ending());
-}
-
 TEST_F(WindowsMainWindowTest, KeyHeldDownIsOnePress) {
   SetFocus(Child(window.cmdIniciar));
   Key(VK_RETURN, 5);
@@ -147,6 +113,8 @@ TEST_F(WindowsMainWindowTest, KeyHeldDownIsOnePress) {
   PostMessageW(handle, WM_KEYDOWN, VK_ESCAPE, 0x40000001);  // held since another window closed by it
   host.events->DoEvents();
   EXPECT_FALSE(lifetime.Ending());
+  Key(VK_ESCAPE);
+  EXPECT_TRUE(lifetime.Ending());
 }
 
 TEST_F(WindowsMainWindowTest, EndOfSessionIsAllowedAndEndsTheProgram) {
@@ -262,10 +230,7 @@ TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
       resampled({4, 2}, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060},
                 {2, 1}),
       (Picture{0x000040, 0x204060}));
-  EXPECT_EQ(resampled({1, 3}, {0x000030, 0x000060, 0x000090}, {1, 2}), (Picture{0x000040, 0x000080}));
   EXPECT_EQ(resampled({2, 1}, {0x000000, 0x640000}, {4, 1}),
-            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
-  EXPECT_EQ(resampled({1, 2}, {0x000000, 0x640000}, {1, 4}),
             (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
   std::uint32_t pixel = 0;
   EXPECT_FALSE(ui::win32::Resample(

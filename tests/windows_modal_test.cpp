@@ -75,27 +75,4 @@ TEST_F(WindowsModalTest, MenuGetsItsKeys) {
   WhileOpen([&] { WithMenu([&](HMENU) { AwaitTicks(); }); });
 }
 
-WNDPROC formProcedure = nullptr;
-// The loop in which the system moves a window ends when it sees the button go up.
-LRESULT CALLBACK MoveUntilButtonUp(HWND target, UINT message, WPARAM wParam, LPARAM lParam) {
-  if (message != WM_NCLBUTTONDOWN || wParam != HTCAPTION) {
-    return CallWindowProcW(formProcedure, target, message, wParam, lParam);
-  }
-  MSG next;
-  while (GetMessageW(&next, nullptr, 0, 0) > 0 && next.message != WM_LBUTTONUP) DispatchMessageW(&next);
-  return 0;
-}
-
-TEST_F(WindowsModalTest, DragEndsWhenTheButtonGoesUp) {
-  formProcedure = reinterpret_cast<WNDPROC>(
-      SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&MoveUntilButtonUp)));
-  std::thread player([&] {
-    AwaitTicks();
-    PostMessageW(handle, WM_LBUTTONUP, 0, MAKELPARAM(5, 5));
-  });
-  WhileOpen([&] { Send(handle, WM_LBUTTONDOWN, MK_LBUTTON, 5, 5); });
-  player.join();
-  SetWindowLongPtrW(handle, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(formProcedure));
-}
-
 }  // namespace

@@ -25,26 +25,6 @@ TEST(WindowsNames, NoCodePageTurnsACharacterIntoOneThatLooksAlike) {
   EXPECT_EQ(ToCodePage(1251, "я"), "\xFF");
 }
 
-TEST(WindowsNames, TextInTheSystemsOwnCodePageComesBack) {
-  std::string own;  // every character that one byte of this system's code page stands for
-  for (int byte = 0x20; byte < 0x100; ++byte) {
-    if (!IsDBCSLeadByte(static_cast<BYTE>(byte))) own += FromAnsi(std::string(1, static_cast<char>(byte)));
-  }
-  EXPECT_EQ(FromAnsi(ToAnsi(own)), own) << "code page " << GetACP();
-}
-
-TEST(WindowsNames, SettingsFilesAndTheRegistryTakeEveryName) {
-  const support::TempFolder folder;
-  const std::string file = folder / "настройки 漢/AÑO.ini";
-  MakeFolders(FolderOf(file));
-  const auto profiles = MakeProfileFiles();
-  profiles->WriteVar(file, "INIT", "Key", "1");
-  EXPECT_EQ(profiles->GetVar(file, "INIT", "Key"), "1");
-  const auto settings = MakeSettingsStore();
-  settings->Set("LauncherTests", "CONFIG", "путь", file);
-  EXPECT_EQ(settings->Get("LauncherTests", "CONFIG", "путь"), file);
-}
-
 TEST(WindowsNames, AProgramStartsInAFolderWithALongName) {
   const support::TempFolder folder;
   std::string deep = folder.Path();

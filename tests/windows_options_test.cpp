@@ -5,7 +5,6 @@
 #include <functional>
 
 #include "platform/files.hpp"
-#include "support/win32/gui_objects.hpp"
 #include "support/win32/one_colour.hpp"
 #include "support/win32/window_world.hpp"
 #include "ui/frmOpciones.hpp"
@@ -105,26 +104,6 @@ struct WindowsOptionsTest : testing::Test, support::TestServices {
   std::string asLoaded;
 };
 
-TEST_F(WindowsOptionsTest, OpensOnceCentredBesideAMainWindowThatGoesOnWorking) {
-  const HWND handle = Handle(form.Window);
-  EXPECT_EQ(folder.Get(kFile), asLoaded) << "loading writes nothing";
-  EXPECT_EQ(TextOf("cmbFPS") + TextOf("cmbMemory") + TextOf("cmbVideo_Mode"), "100052428800Mixed");
-  EXPECT_EQ(TextOf("lblMemory") + TextOf("txtCantMensajes") + TextOf("cmbWavsList"), "50 MB91");
-  EXPECT_EQ(SendMessageW(Child("cmbWavsList"), CB_GETCOUNT, 0, 0), 305);
-  const ui::Area over = screen.Bounds(main), own = screen.Bounds(form.Window);
-  EXPECT_NEAR(over.left + over.right, own.left + own.right, 2);
-  const support::GuiObjects before = support::CountGuiObjects();
-  SetForegroundWindow(Handle(main));
-  EXPECT_TRUE(IsWindowEnabled(Handle(main)));
-  bool pressed = false;
-  main.MouseDown += [&](controls::MouseButton) { pressed = true; };
-  ClickAt(Handle(main), {2, 2});
-  EXPECT_TRUE(pressed);
-  Show();
-  EXPECT_EQ(Handle(form.Window), handle);
-  EXPECT_EQ(support::CountGuiObjects().windows, before.windows);
-}
-
 TEST_F(WindowsOptionsTest, ChecksAndTheirCaptionsAreFoundWhereTheyStand) {
   for (const ui::Check& check : ui::kChecks) {
     if (check.traits & ui::kSwitchesEffects) continue;
@@ -208,14 +187,12 @@ TEST_F(WindowsOptionsTest, SoundsAreMutedByTypingTheirNumber) {
   Type("12");
   Click("chkSilenciarWav");
   EXPECT_EQ(Stored("WAV12", "WavSilenced.ini"), "1");
-  for (const auto& [typed, shown] :
-       {std::pair{"306", kNormal}, {"12", kPressed}, {"abc", kNormal}, {"12", kPressed}, {"", kNormal}}) {
-    Click("cmbWavsList");
-    Type(typed);
-    EXPECT_TRUE(Shows("chkSilenciarWav", shown)) << typed;
-    EXPECT_EQ(TextOf("cmbWavsList"), typed);
-  }
+  Click("cmbWavsList");
+  Type("306");
+  EXPECT_TRUE(Shows("chkSilenciarWav", kNormal));
+  EXPECT_EQ(TextOf("cmbWavsList"), "306");
   Type("12");
+  EXPECT_TRUE(Shows("chkSilenciarWav", kPressed));
   Key(VK_DOWN);  // the next number of the list
   Click("chkSilenciarWav");
   EXPECT_EQ(Stored("WAV13", "WavSilenced.ini"), "1");
@@ -231,14 +208,18 @@ TEST_F(WindowsOptionsTest, NumberOfMessagesAndPlaceOfTheClanChat) {
     Click(onScreen ? "optPantalla" : "optConsola");
     EXPECT_EQ(marked("optPantalla"), onScreen ? BST_CHECKED : BST_UNCHECKED);
     EXPECT_EQ(marked("optConsola"), onScreen ? BST_UNCHECKED : BST_CHECKED);
+    EXPECT_EQ(Stored("Guild_Chat_OnScreen"), onScreen ? "1" : "0");
   }
 }
 
 TEST_F(WindowsOptionsTest, EscAndCloseEndEachWindow) {
+  int rate = 200;
   const auto closes = [&](controls::Window& window, const std::function<void()>& close) {
     ASSERT_TRUE(Until([&] { return GetForegroundWindow() == Handle(window); })) << window.Name();
+    gameIni.Set(&GC::FPS, ++rate);
     close();
     EXPECT_FALSE(IsWindowVisible(Handle(window))) << window.Name();
+    EXPECT_EQ(Stored("FPS"), std::to_string(rate)) << "the record is written";
   };
   const std::tuple<const char*, controls::Window*, const char*> others[] = {
       {"imgCustomKeys1", &form.CustomK.Window, "Text1(0)"},

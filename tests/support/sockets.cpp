@@ -1,23 +1,13 @@
 #include "support/sockets.hpp"
 
-#include <winsock2.h>
-#include <ws2tcpip.h>
-
 #include <stdexcept>
+
+#include "support/native_sockets.hpp"
 
 namespace support {
 namespace {
 
-class Winsock {
- public:
-  Winsock() {
-    WSADATA data;
-    if (WSAStartup(MAKEWORD(2, 2), &data) != 0) throw std::runtime_error("no Winsock");
-  }
-  ~Winsock() { WSACleanup(); }
-};
-
-SOCKET HandleOf(std::intptr_t handle) { return static_cast<SOCKET>(handle); }
+native::Handle HandleOf(std::intptr_t handle) { return static_cast<native::Handle>(handle); }
 
 sockaddr_in AddressOf(const std::string& address, std::uint16_t port) {
   sockaddr_in result{};
@@ -27,31 +17,26 @@ sockaddr_in AddressOf(const std::string& address, std::uint16_t port) {
   return result;
 }
 
-void MakeReady(SOCKET handle) {
-  u_long nonBlocking = 1;
-  ioctlsocket(handle, FIONBIO, &nonBlocking);
-  const BOOL on = TRUE;
-  setsockopt(handle, IPPROTO_TCP, TCP_NODELAY, reinterpret_cast<const char*>(&on), sizeof on);
+template <class Value>
+void SetOption(native::Handle handle, int level, int option, const Value& value) {
+  setsockopt(handle, level, option, reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+void MakeReady(std::intptr_t handle) {
+  native::MakeNonBlocking(HandleOf(handle));
+  SetOption(HandleOf(handle), IPPROTO_TCP, TCP_NODELAY, 1);
 }
 
 Socket New() {
-  static const Winsock winsock;
+  native::Start();
   Socket socket(static_cast<std::intptr_t>(::socket(AF_INET, SOCK_STREAM, IPPROTO_TCP)));
   if (!socket.Valid()) throw std::runtime_error("no socket");
   return socket;
 }
 
-bool Wait(SOCKET handle, bool reading, int milliseconds) {
-  fd_set set;
-  FD_ZERO(&set);
-  FD_SET(handle, &set);
-  timeval limit{milliseconds / 1000, milliseconds % 1000 * 1000};
-  return select(0, reading ? &set : nullptr, reading ? nullptr : &set, nullptr, &limit) > 0;
-}
-
-std::ptrdiff_t Outcome(int count) {
+std::ptrdiff_t Outcome(std::ptrdiff_t count) {
   if (count >= 0) return count;
-  return WSAGetLastError() == WSAEWOULDBLOCK ? 0 : -1;
+  return native::WouldBlock() ? 0 : -1;
 }
 
 }  // namespace
@@ -68,13 +53,13 @@ Socket Socket::Bound(const std::string& address) {
   if (bind(HandleOf(socket.handle_), reinterpret_cast<const sockaddr*>(&where), sizeof where) != 0) {
     throw std::runtime_error("cannot bind " + address);
   }
-  MakeReady(HandleOf(socket.handle_));
+  MakeReady(socket.handle_);
   return socket;
 }
 
 Socket Socket::Connected(const std::string& address, std::uint16_t port) {
   Socket socket = New();
-  MakeReady(HandleOf(socket.handle_));
+  MakeReady(socket.handle_);
   const sockaddr_in where = AddressOf(address, port);
   connect(HandleOf(socket.handle_), reinterpret_cast<const sockaddr*>(&where), sizeof where);
   return socket;
@@ -86,37 +71,39 @@ void Socket::Listen(int backlog) {
 
 Socket Socket::Accept() {
   Socket accepted(static_cast<std::intptr_t>(accept(HandleOf(handle_), nullptr, nullptr)));
-  if (accepted.Valid()) MakeReady(HandleOf(accepted.handle_));
+  if (accepted.Valid()) MakeReady(accepted.handle_);
   return accepted;
 }
 
 std::uint16_t Socket::Port() const {
   sockaddr_in where{};
-  int size = sizeof where;
+  native::Size size = sizeof where;
   getsockname(HandleOf(handle_), reinterpret_cast<sockaddr*>(&where), &size);
   return ntohs(where.sin_port);
 }
 
-bool Socket::WaitReadable(int milliseconds) const { return Wait(HandleOf(handle_), true, milliseconds); }
+bool Socket::WaitReadable(int milliseconds) const {
+  return native::Wait(HandleOf(handle_), true, milliseconds);
+}
 
-bool Socket::WaitWritable(int milliseconds) const { return Wait(HandleOf(handle_), false, milliseconds); }
+bool Socket::WaitWritable(int milliseconds) const {
+  return native::Wait(HandleOf(handle_), false, milliseconds);
+}
 
 std::ptrdiff_t Socket::Receive(char* into, std::size_t size) {
-  const int count = recv(HandleOf(handle_), into, static_cast<int>(size), 0);
+  const std::ptrdiff_t count = recv(HandleOf(handle_), into, static_cast<native::Size>(size), 0);
   return count == 0 ? -1 : Outcome(count);
 }
 
 std::ptrdiff_t Socket::Send(std::string_view bytes) {
-  return Outcome(send(HandleOf(handle_), bytes.data(), static_cast<int>(bytes.size()), 0));
+  return Outcome(
+      send(HandleOf(handle_), bytes.data(), static_cast<native::Size>(bytes.size()), native::kSendFlags));
 }
 
-void Socket::ResetOnClose() {
-  const linger now{1, 0};
-  setsockopt(HandleOf(handle_), SOL_SOCKET, SO_LINGER, reinterpret_cast<const char*>(&now), sizeof now);
-}
+void Socket::ResetOnClose() { SetOption(HandleOf(handle_), SOL_SOCKET, SO_LINGER, linger{1, 0}); }
 
 void Socket::Close() {
-  if (Valid()) closesocket(HandleOf(Release()));
+  if (Valid()) native::Close(HandleOf(Release()));
 }
 
 }  // namespace support
