@@ -1,6 +1,7 @@
 // Preloaded into a program, fails or ends it at one step of its work on the files below a folder:
 //   FAULT_BELOW   the folder
-//   FAULT_KIND    full: from that step on the disk takes nothing more; denied: that step is refused; kill: the
+//   FAULT_KIND    full: from that step on the disk takes nothing more; denied: that step is refused; kill:
+//   the
 //                 program is gone before it
 //   FAULT_AT      the number of the step, from 1
 //   FAULT_REPORT  a file that is made when the step has come
