@@ -162,6 +162,7 @@ TEST_F(UnzipTest, WhatIsAddedComesWithTheArchiveOrNotAtAll) {
   platform::TryRemoveEmptyFolder(folder / "juego ñ/" + platform::NativePath(counter));
   EXPECT_TRUE(unzip.Unzip(archive, folders.AppPath, options).done);
   EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  EXPECT_FALSE(platform::IsFile(archive)) << "whoever is killed now never comes back to it";
   EXPECT_EQ(folder.Get("juego ñ/" + counter), "7\r\n");
 }
 

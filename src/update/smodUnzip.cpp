@@ -19,7 +19,7 @@ Unpacked smodUnzip::Unzip(const std::string& archive, const std::string& directo
       std::unique_ptr<StagedArchive> staged = options.prepared ? options.prepared->Take(stop) : nullptr;
       if (!staged) staged = std::make_unique<StagedArchive>(archive, directory, services_.folders, stop);
       if (!staged->Whole() || stop.stop_requested()) return;
-      staged->Apply(options.added);  // once begun it is finished
+      staged->Apply(archive, options.added);  // once begun it is finished
       done = true;
     });
     return {done};

@@ -27,7 +27,7 @@ class smodUnzip {
 
   struct Options {
     ArchivePreparation* prepared = nullptr;  // of the same archive; used up
-    std::optional<AddedFile> added{};        // applied with it
+    std::optional<AddedFile> added{};        // applied with it; the archive's file goes then
   };
 
   // Expands the archive into a staging folder while proving it, and then moves every file over its old one,

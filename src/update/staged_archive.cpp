@@ -77,7 +77,7 @@ void StagedArchive::ExpandOne(const ZipArchive& zip, const ZipArchive::Entry& en
   zip.Expand(entry, inflater, write, stop);
 }
 
-void StagedArchive::Apply(const std::optional<AddedFile>& added) {
+void StagedArchive::Apply(const std::string& archive, const std::optional<AddedFile>& added) {
   std::size_t files = 0;
   for (const Piece& piece : pieces_) {
     if (piece.folder) {
@@ -91,6 +91,7 @@ void StagedArchive::Apply(const std::optional<AddedFile>& added) {
     if (added) {
       patch_.AddFile(added->name);
       platform::NewFile(NewFileOf(patch_.Folder(), files)).Write(std::as_bytes(std::span(added->content)));
+      platform::TryRemoveFile(archive);
     }
     patch_.Apply();
   } catch (const base::RuntimeError& error) {

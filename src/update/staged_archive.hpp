@@ -30,8 +30,9 @@ class StagedArchive {
   bool Whole() const { return whole_; }  // no stop was requested before everything was there
 
   // Moves every file over its old one, so that the game has all of them or none; see StagedPatch::Apply. To
-  // be called once, for a whole one.
-  void Apply(const std::optional<AddedFile>& added);
+  // be called once, for a whole one. With the file `added`, which records that this is installed, nobody
+  // comes back for `archive`, the file that it was expanded from: it goes before the first move.
+  void Apply(const std::string& archive, const std::optional<AddedFile>& added);
 
  private:
   struct Piece {
