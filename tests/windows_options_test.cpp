@@ -241,7 +241,8 @@ TEST_F(WindowsOptionsTest, EscAndCloseEndEachWindow) {
   Show();
   closes(form.Window, [&] { Click("imgCerrar"); });
   Show();
-  closes(form.Window, [&] { SendMessageW(Handle(form.Window), WM_SYSCOMMAND, SC_CLOSE, 0); });
+  SendMessageW(Handle(form.Window), WM_SYSCOMMAND, SC_CLOSE, 0);
+  EXPECT_FALSE(IsWindowVisible(Handle(form.Window)));
 }
 
 }  // namespace
