@@ -1,6 +1,8 @@
 // Single downloads: what the player sees while they run, and how they end.
 #include <gtest/gtest.h>
 
+#include <atomic>
+
 #include "platform/files.hpp"
 #include "support/archives.hpp"
 #include "support/faulty_server.hpp"
@@ -100,6 +102,29 @@ TEST_F(DownloadTest, ADiskWithoutRoomIsNamedBeforeAByteIsTaken) {
   EXPECT_TRUE(host.dialogs.shown.empty());
   EXPECT_NE(folder.Get("Errores.log").find("x.zip: disco lleno: faltan"), std::string::npos);
   EXPECT_FALSE(folder.Has("juego/x.zip"));
+}
+
+// What was fetched ahead gives way to the file whose turn it is, and only for want of room.
+TEST_F(DownloadTest, WhatLiesReadyMakesRoomAndAFileInUseIsNotFetchedTwice) {
+  server.On("/m/NewAct2/a.zip", support::Text(MakeZip({{"a", "a"}})));
+  std::atomic<int> asked = 0;
+  server.On("/m/NewAct2/b.zip", [&](const support::SeenRequest&) {
+    support::Answer answer = support::Text(MakeZip({{"b", "b"}}));
+    if (++asked == 1) answer.announced = "9000000000000000";
+    return answer;
+  });
+  server.On("/m/NewAct2/c.zip", support::Text(MakeZip({{"c", "c"}})));
+  server.On("/m/NewAct2/d.zip", support::Text(MakeZip({{"d", "d"}})));
+  download.following = {"b.zip", "c.zip", "d.zip"};
+  EXPECT_EQ(download.DescargarArchivo("a.zip", true).result, update::DownloadResult::Done);
+  download.following = {"c.zip", "d.zip"};
+  EXPECT_EQ(download.DescargarArchivo("b.zip", true).result, update::DownloadResult::Done);
+  EXPECT_EQ(folder.Get("juego/b"), "b");
+  folder.Put("juego/c/x", "");  // a folder in the file's place
+  download.following = {"d.zip"};
+  EXPECT_EQ(download.DescargarArchivo("c.zip", true).result, update::DownloadResult::Stopped);
+  EXPECT_EQ(server.Count("/m/NewAct2/c.zip"), 1u);
+  download.ForgetFollowing();
 }
 
 TEST_F(DownloadTest, TheEndOfTheProgramDuringADownloadClosesTheLauncher) {

@@ -33,28 +33,29 @@ std::string LogFile(const Folders& folders) {
   return own + platform::NativePath("\\Errores.log");
 }
 
-ErrorRecorder::Gathering::~Gathering() {
-  recorder_.gathering_ = nullptr;
-  if (entries_.empty()) return;
-  const auto& [first, isError] = entries_.front();
-  if (entries_.size() == 1) {
-    isError ? recorder_.LogError(first) : recorder_.Tell(first);
-    return;
+FailureList::~FailureList() {
+  if (failures_.empty()) return;
+  const auto& [first, isError] = failures_.front();
+  if (failures_.size() > 1) {
+    std::vector<std::string> lines;
+    for (const Failure& failure : failures_) lines.push_back(failure.text);
+    recorder_.LogTogether((isError ? "Error: " : "") + first + "\r\n\r\nY " +
+                              std::to_string(lines.size() - 1) +
+                              " más como este. Están todos en Errores.log.",
+                          lines);
+  } else if (isError) {
+    recorder_.LogError(first);
+  } else {
+    recorder_.LogTogether(first, {});
   }
-  std::vector<std::string> texts;
-  for (const Entry& entry : entries_) texts.push_back(entry.text);
-  recorder_.Tell((isError ? "Error: " : "") + first + "\r\n\r\nY " + std::to_string(entries_.size() - 1) +
-                 " más como este. Están todos en Errores.log.");
-  recorder_.WriteLines(texts);
 }
 
-void ErrorRecorder::Tell(const std::string& text) {
-  if (gathering_) return gathering_->entries_.push_back({text, false});
-  host_.dialogs.Show(text);
+void ErrorRecorder::LogTogether(const std::string& shown, const std::vector<std::string>& lines) {
+  host_.dialogs.Show(shown);
+  if (!lines.empty()) WriteLines(lines);
 }
 
 void ErrorRecorder::LogError(const std::string& text, bool askToClose) {
-  if (gathering_ && !askToClose) return gathering_->entries_.push_back({text, true});
   showing_ = true;
   host_.dialogs.Show("Error: " + text);
   showing_ = false;

@@ -24,26 +24,8 @@ class ErrorRecorder {
   // `askToClose` adds the question whether the launcher is to be closed, whose Yes ends the process at once.
   void LogError(const std::string& text, bool askToClose = false);
 
-  // A message box without a line in the log.
-  void Tell(const std::string& text);
-
-  // What LogError and Tell are given while one of these lives is shown when it goes: one alone as ever, more
-  // as one box, with every one of them in the log. They do not nest.
-  class Gathering {
-   public:
-    explicit Gathering(ErrorRecorder& recorder) : recorder_(recorder) { recorder_.gathering_ = this; }
-    ~Gathering();
-    Gathering(const Gathering&) = delete;
-
-   private:
-    friend class ErrorRecorder;
-    struct Entry {
-      std::string text;
-      bool isError = false;
-    };
-    ErrorRecorder& recorder_;
-    std::vector<Entry> entries_;
-  };
+  // One message box, and one entry of the log with all these lines; none: only the box.
+  void LogTogether(const std::string& shown, const std::vector<std::string>& lines);
 
   // Appends a line to the log without showing anything: what an operator wants to find there. A line that
   // repeats the one before it is not written again, nor is what LogError is just showing.
@@ -60,8 +42,27 @@ class ErrorRecorder {
   std::string LastErrorText;
   std::int32_t RepeatCount = 0;
   std::string lastNote_;
-  Gathering* gathering_ = nullptr;
   bool showing_ = false;  // LogError has a box open or announced
+};
+
+// What goes wrong in one piece of work, told when the list goes: one failure alone as ever, more as one box,
+// with every one of them in the log.
+class FailureList {
+ public:
+  explicit FailureList(ErrorRecorder& recorder) : recorder_(recorder) {}
+  ~FailureList();
+  FailureList(const FailureList&) = delete;
+
+  void LogError(const std::string& text) { failures_.push_back({text, true}); }
+  void Show(const std::string& text) { failures_.push_back({text, false}); }  // alone it is not logged
+
+ private:
+  struct Failure {
+    std::string text;
+    bool isError = false;
+  };
+  ErrorRecorder& recorder_;
+  std::vector<Failure> failures_;
 };
 
 }  // namespace startup

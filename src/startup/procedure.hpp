@@ -26,15 +26,15 @@ base::RuntimeError CurrentError();
 Failure CurrentFailure(int line);
 
 // The boundary of a named procedure: runs body(int& line); whatever it throws is worded by words(const
-// Failure&) and recorded. True when nothing was thrown.
-template <class Body, class Words>
-bool Guarded(ErrorRecorder& recorder, Body&& body, Words&& words) {
+// Failure&) and recorded by the ErrorRecorder or in a FailureList. True when nothing was thrown.
+template <class Recorder, class Body, class Words>
+bool Guarded(Recorder& recorder, Body&& body, Words&& words) {
   int line = 0;
   try {
     std::forward<Body>(body)(line);
     return true;
   } catch (...) {
-    recorder.LogError(words(CurrentFailure(line)), false);
+    recorder.LogError(words(CurrentFailure(line)));
     return false;
   }
 }

@@ -24,6 +24,8 @@ constexpr const char* kTimeOutQuestion = "Error, tiempo de espera agotado. ¿Des
 constexpr const char* kOtherContent = "su contenido no es el que nombra el índice";
 constexpr const char* kNotSigned = "no está en la publicación firmada";
 
+std::string PackedName(const IndexRecord& record) { return "Bin/" + std::string(record.inBin) + ".kvn"; }
+
 Attempt::Kind KindOf(const web::TransferReport& report) {
   if (report.own) return Attempt::Kind::OwnFailure;
   return report.otherContent ? Attempt::Kind::BadContent : Attempt::Kind::NotArrived;
@@ -58,12 +60,13 @@ Attempt Download::NotGood(const web::TransferReport& report, const std::string& 
           .details = report.Details(),
           .cut = report.outcome.error == platform::HttpError::CutShort,
           .digest = url,
-          .otherFile = report.otherContent};
+          .otherFile = report.otherContent,
+          .noRoom = report.own && report.own->Is(base::ErrorNumber::DiskFull)};
 }
 
 // From the mirror that is chosen now; nothing when nobody vouches for the file.
 std::optional<web::FileRequest> Download::PackedRequest(const IndexRecord& record) const {
-  const auto expected = with_.trust.ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn");
+  const auto expected = with_.trust.ExpectedOf(remoteFolder + PackedName(record));
   if (!expected) return std::nullopt;
   return web::FileRequest{
       .url = UrlOf("Bin/" + base::UrlPath(record.inBin) + ".kvn"),
@@ -84,26 +87,30 @@ void Download::FetchPacked(const std::vector<IndexRecord>& records) {
 
 // A page in the place of a file is no file; one that came whole is worth nothing unless it is what the index
 // names.
-Attempt Download::AttemptPacked(const web::FileRequest& request) {
+Attempt Download::AttemptPacked(const web::FileRequest& request, const std::function<void()>& meanwhile) {
   const std::string &local = request.path, &url = request.url;
   if (platform::IsFile(local)) platform::RemoveFile(local);
-  const web::TransferReport report = with_.transfers.DownloadUrlToFile(request);
+  const web::TransferReport report = with_.transfers.DownloadUrlToFile(request, meanwhile);
   if (report.Good() && !report.disproved) return {};
-  Attempt attempt =
-      report.Good() ? Attempt{Attempt::Kind::BadContent, kOtherContent, kOtherContent} : NotGood(report, url);
-  if (report.Good()) attempt.digest = util::clsHashing().MD5File(local);
+  Attempt attempt = report.Good() ? BadContent(local, kOtherContent) : NotGood(report, url);
   platform::TryRemoveFile(local);
   return attempt;
 }
 
+Attempt Download::BadContent(const std::string& file, const std::string& why) {
+  Attempt bad{Attempt::Kind::BadContent, why, why};
+  startup::RunBlocking(with_.services,
+                       [&](std::stop_token stop) { bad.digest = util::clsHashing().MD5File(file, stop); });
+  return bad;
+}
+
 bool Download::DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record,
-                              const std::function<void()>& meanwhile) {
-  with_.transfers.meanwhile = meanwhile;
+                              const PackedWork& work) {
   web::DownloadState& state = with_.state;
   controls::MainWindow& frmMain = with_.frmMain;
   MirrorRound::End end = MirrorRound::End::Failed;
   startup::Guarded(
-      with_.services.recorder,
+      work.failures,
       [&](int& line) {
         line = 10;
         frmMain.lblEstado.Caption = "Actualizando, aguarde un momento...";
@@ -113,7 +120,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
         const std::string local = state.TargetPath + ".kvn";
         platform::MakeFolders(platform::FolderOf(local));
         line = 40;
-        if (!ExpectedOf(remoteFolder + "Bin/" + std::string(record.inBin) + ".kvn")) return;
+        if (!ExpectedOf(remoteFolder + PackedName(record))) return;
         const std::string place = std::to_string(index) + "/" + std::to_string(count);
         end = with_.mirrors
                   .Fetch(record.Path(),
@@ -122,7 +129,7 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
                                "Progreso de actualización: " + place;  // while the file is on its way
                            web::FileRequest request = PackedRequest(record).value();
                            request.path = local;
-                           return WithRoom([&] { return AttemptPacked(request); });
+                           return WithRoom([&] { return AttemptPacked(request, work.meanwhile); });
                          })
                   .end;
         line = 50;
@@ -134,7 +141,6 @@ bool Download::DownloadClient(std::int32_t index, std::int32_t count, const Inde
       [&](const startup::Failure& failure) {
         return failure.Opening() + " in procedure DownloadClient of Formulario frmMain";
       });
-  with_.transfers.meanwhile = {};
   return end == MirrorRound::End::Good;
 }
 
@@ -155,7 +161,7 @@ Fetched Download::DescargarArchivo(const std::string& name, bool unpack, const F
 // What lies ready for later may be what leaves the present file no room.
 Attempt Download::WithRoom(const std::function<Attempt()>& attempt) {
   Attempt first = attempt();
-  if (first.kind != Attempt::Kind::OwnFailure || !with_.transfers.Next()) return first;
+  if (!first.noRoom || !with_.transfers.Next()) return first;
   ForgetFollowing();
   return attempt();
 }
@@ -288,12 +294,8 @@ Attempt Download::AttemptArchive(const std::string& name, const web::Expected& e
 }
 
 Attempt Download::JudgeFile(const FileUse& use) {
-  const std::string& file = with_.state.TargetPath;
-  const std::string why = use.judge(file);
-  if (why.empty()) return {};
-  Attempt bad{Attempt::Kind::BadContent, why, why};
-  bad.digest = util::clsHashing().MD5File(file);
-  return bad;
+  const std::string why = use.judge(with_.state.TargetPath);
+  return why.empty() ? Attempt{} : BadContent(with_.state.TargetPath, why);
 }
 
 // While this archive goes into the game, those behind it are fetched and the next one is expanded.
@@ -305,11 +307,11 @@ Attempt Download::UseArchive(const std::string& url, const FileUse& use) {
   const Unpacked unpacked = with_.unzip.Unzip(file, with_.services.folders.AppPath + platform::kSeparator,
                                               {.prepared = prepared.get(), .added = use.added});
   if (unpacked.done) return {};
-  Attempt bad{unpacked.ownFailure ? Attempt::Kind::OwnFailure : Attempt::Kind::BadContent, unpacked.reason,
-              unpacked.reason};
-  if (!unpacked.ownFailure && !with_.services.lifetime.Ending())
-    bad.digest = util::clsHashing().MD5File(file);
-  return bad;
+  if (!unpacked.ownFailure) return BadContent(file, unpacked.reason);
+  return {.kind = Attempt::Kind::OwnFailure,
+          .reason = unpacked.reason,
+          .details = unpacked.reason,
+          .noRoom = unpacked.noRoom};
 }
 
 // A round in which nothing arrived is over. The pause keeps a launcher from asking a server that is in

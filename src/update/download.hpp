@@ -70,12 +70,17 @@ class Download {
   // until ForgetFollowing.
   void FetchPacked(const std::vector<IndexRecord>& records);
 
+  // What DownloadClient reports to, and calls again and again while a file is on its way.
+  struct PackedWork {
+    startup::FailureList& failures;
+    std::function<void()> meanwhile;
+  };
+
   // One packed file of the index, numbered from 1 among `count`, into the update folder, from whichever
   // mirror gives it with the content that the index names. False when none did, or nobody vouches for it;
   // there is no file then.
-  // `meanwhile` is called again and again while it is on its way.
   bool DownloadClient(std::int32_t index, std::int32_t count, const IndexRecord& record,
-                      const std::function<void()>& meanwhile);
+                      const PackedWork& work);
 
   // One named file into FetchDir, from whichever mirror gives a good one; with `unpack` its archive is
   // unpacked over the game and deleted. Without, it is judged, and nothing is told to the player when no
@@ -98,7 +103,8 @@ class Download {
   web::FileRequest RequestFor(const std::string& name, const web::Expected& expected) const;
   void FetchFollowing();
   std::optional<web::FileRequest> PackedRequest(const IndexRecord& record) const;
-  Attempt AttemptPacked(const web::FileRequest& request);
+  Attempt AttemptPacked(const web::FileRequest& request, const std::function<void()>& meanwhile);
+  Attempt BadContent(const std::string& file, const std::string& why);
   Fetched OnTimeOut(int timeouts, const std::string& why);
   void AwaitClient();
   bool TimedOut() const;

@@ -158,6 +158,7 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   damaged_.clear();
   seen_ = 0;
   misses_ = 0;
+  startup::FailureList failures(services_.recorder);  // a folder in a bad way has one thing to say
   Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
                             services_.lifetime);
   for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
@@ -169,7 +170,7 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     if (!writable) {
       left = true;
     } else if (misses_ < kMostMisses) {
-      FetchAgain(i, verification);
+      FetchAgain(i, {failures, [&, i] { FetchBehind(i, verification); }});
     }
   }
   download_.ForgetFollowing();
@@ -195,10 +196,10 @@ void IndexStage::FetchBehind(std::size_t i, Verification& verification) {
   download_.FetchPacked(next);
 }
 
-void IndexStage::FetchAgain(std::size_t i, Verification& verification) {
+void IndexStage::FetchAgain(std::size_t i, const Download::PackedWork& work) {
   const IndexRecord record = index_[i];
   const auto number = static_cast<std::int32_t>(i + 1), count = static_cast<std::int32_t>(index_.Count());
-  if (download_.DownloadClient(number, count, record, [&] { FetchBehind(i, verification); })) {
+  if (download_.DownloadClient(number, count, record, work)) {
     fetched_[Folded(std::string(record.inBin) + kPackedEnding)] = record.digest.Hex();
     misses_ = 0;
   } else if (++misses_ == kMostMisses) {

@@ -46,7 +46,7 @@ class IndexStage {
  private:
   std::string Take(const std::string& packed);
   void FetchBehind(std::size_t i, Verification& verification);
-  void FetchAgain(std::size_t i, Verification& verification);
+  void FetchAgain(std::size_t i, const Download::PackedWork& work);
   void Remember(Verification& verification, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;

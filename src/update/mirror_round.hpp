@@ -25,6 +25,7 @@ struct Attempt {
   bool cut = false;        // worth a second try at the same mirror
   std::string digest{};    // of bad content, so that the same bytes of another mirror are recognised
   bool otherFile = false;  // bad content that is not what the operator signed
+  bool noRoom = false;     // an own failure: the disk is full
 };
 
 // Asks the mirrors of the ring in turn for one piece of the publication until one gives it whole and good.

@@ -66,7 +66,7 @@ void modCompression::Tell(const std::string& source, const Outcome& outcome) {
   if (outcome.complaint && outcome.complaint->isError) {
     services_.recorder.LogError(outcome.complaint->text);
   } else if (outcome.complaint) {
-    services_.recorder.Tell(outcome.complaint->text);
+    services_.host.dialogs.Show(outcome.complaint->text);
   } else if (!outcome.done && !services_.lifetime.Ending()) {
     services_.recorder.Note(source + ": su contenido no es el que nombra el índice");
   }

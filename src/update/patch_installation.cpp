@@ -34,6 +34,7 @@ std::vector<PatchInstallation::Packed> PatchInstallation::Plan(const DigestOf& d
 
 // On all processors; what became of them is told in their order.
 void PatchInstallation::Install(std::vector<Packed>& files) {
+  startup::FailureList failures(services_.recorder);
   std::mutex mutex;  // over the outcomes
   std::size_t told = 0;
   const auto tell = [&] {
@@ -42,7 +43,7 @@ void PatchInstallation::Install(std::vector<Packed>& files) {
         const std::lock_guard lock(mutex);
         if (!files[told].ended) return;
       }
-      Finish(told + 1, files[told]);
+      Finish(told + 1, files[told], failures);
     }
   };
   const auto expand = [&](const std::stop_token& stop, std::size_t i) {
@@ -69,11 +70,16 @@ void PatchInstallation::Install(std::vector<Packed>& files) {
   tell();
 }
 
-void PatchInstallation::Finish(std::size_t number, const Packed& file) {
+void PatchInstallation::Finish(std::size_t number, const Packed& file, startup::FailureList& failures) {
+  const auto& complaint = file.outcome.complaint;
   if (file.destination.empty()) {
     services_.recorder.Note("Archivo rechazado: " + file.path);
-  } else {
+  } else if (!complaint) {
     compression_.Tell(file.path, file.outcome);
+  } else if (complaint->isError) {
+    failures.LogError(complaint->text);
+  } else {
+    failures.Show(complaint->text);
   }
   if (platform::IsFile(file.path)) platform::RemoveFile(file.path);
   const std::string text = std::to_string(number);
@@ -94,7 +100,6 @@ void PatchInstallation::DescomprimirArchivos(const DigestOf& digestOf) {
         frmMain_.lblEstado.Caption = "Verificando archivos...";
         frmMain_.ProgressBar1.Value = static_cast<double>(files.size()) / 10;
         line = 30;
-        const startup::ErrorRecorder::Gathering gathering(services_.recorder);
         Install(files);
       },
       [&](const startup::Failure& failure) {

@@ -40,7 +40,7 @@ class PatchInstallation {
 
   std::vector<Packed> Plan(const DigestOf& digestOf) const;
   void Install(std::vector<Packed>& files);
-  void Finish(std::size_t number, const Packed& file);
+  void Finish(std::size_t number, const Packed& file, startup::FailureList& failures);
 
   const startup::Services& services_;
   controls::MainWindow& frmMain_;

@@ -38,11 +38,10 @@ void Repair::cmdReiniciarUpdates_Click() {
 bool Repair::ForgetInstalled() {
   bool forgotten = false;
   Reported([&](int& line) {
-    line = 25;
+    line = 30;
     FolderHold hold;
     const bool installed = platform::IsFolder(services_.folders.InitDir);  // which the hold would make
     if (installed && !hold.Take(services_, frmMain_, [this] { return !services_.lifetime.Ending(); })) return;
-    line = 30;
     DigestRecord(RecordFile(services_.folders)).Clear();
     for (const char* category : kCategories) {
       line += 10;

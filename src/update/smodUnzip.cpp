@@ -24,7 +24,8 @@ Unpacked smodUnzip::Unzip(const std::string& archive, const std::string& directo
     });
     return {done};
   } catch (const base::RuntimeError& error) {
-    if (!error.Is(base::ErrorNumber::InvalidFileFormat)) return {false, ReasonOf(error), true};
+    if (!error.Is(base::ErrorNumber::InvalidFileFormat))
+      return {false, ReasonOf(error), true, error.Is(base::ErrorNumber::DiskFull)};
     const std::string name = platform::FileNameOf(archive);
     services_.recorder.Note(name + ": " + error.Description());
     return {false, name + " está dañado o no es un archivo ZIP"};

@@ -18,6 +18,7 @@ struct Unpacked {
   bool done = false;
   std::string reason{};     // one plain line (Spanish); empty when it is done, or when the program ends
   bool ownFailure = false;  // not the archive is at fault but this machine (a full disk, a file in use)
+  bool noRoom = false;      // the disk is full
 };
 
 // Unpacks whole archives over a folder of the game.

@@ -113,16 +113,10 @@ UpdateCheck::Ended UpdateCheck::IndexLoop(int& line, bool hostInDoubt) {
   line = 120;
   with_.index.RemoveForeignFiles();
   line = 130;
-  const bool left = VerifyAndFetch();
+  const bool left = with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
   if (!MayGoOn()) return Interrupted();
   if (left) return Unwritable();
   return std::nullopt;
-}
-
-// A game folder that is in a bad way has one thing to say, not one for each file.
-bool UpdateCheck::VerifyAndFetch() {
-  const startup::ErrorRecorder::Gathering gathering(with_.services.recorder);
-  return with_.index.VerifyAndFetch([this] { return !MayGoOn(); });
 }
 
 UpdateCheck::Ended UpdateCheck::PatchStage(int& line, bool hostInDoubt) {

@@ -68,7 +68,6 @@ class UpdateCheck {
   void PlanPatches(const PatchCounts& remote, const PatchCounts& local);
   Ended ApplyPatch(std::size_t category, int number);
   Ended Record(std::size_t category, int number);
-  bool VerifyAndFetch();
   RunOutcome Complete(int& line);
   RunOutcome Unwritable();
   bool FolderWritable() const { return with_.services.flags.FolderWritable; }

@@ -52,7 +52,7 @@ void smodXmlHttp::ShowUnreachable() {
   frmMain_.lblName.Caption = "No se pudo acceder a " + host;
 }
 
-TransferReport smodXmlHttp::DownloadUrlToFile(FileRequest request) {
+TransferReport smodXmlHttp::DownloadUrlToFile(FileRequest request, const std::function<void()>& meanwhile) {
   const std::string& localPath = request.path;
   request.wholeLimitMs = pace_.LimitMs(request.expected);
   state_.Finished = false;

@@ -45,7 +45,8 @@ class smodXmlHttp {
                                    const Expected& expected = {}, const std::string& part = {}) {
     return DownloadUrlToFile({.url = url, .path = localPath, .expected = expected, .part = part});
   }
-  TransferReport DownloadUrlToFile(FileRequest request);
+  // `meanwhile` is called again and again, on this thread, while the transfer goes on.
+  TransferReport DownloadUrlToFile(FileRequest request, const std::function<void()>& meanwhile = {});
 
   // Begins to fetch what will be asked for next, see FetchAhead; ForgetNext ends that.
   void FetchNext(std::vector<FileRequest> next, const FetchAhead::Limits& limits);
@@ -53,8 +54,6 @@ class smodXmlHttp {
   std::shared_ptr<FetchAhead::Item> Next() const { return ahead_.First(); }  // of them; null: none is left
 
   WholeUpdate whole;  // that the next downloads belong to
-
-  std::function<void()> meanwhile;  // called again and again, on the interface thread, while one goes on
 
   // Saves the body of a successful answer to a file, an older one of that name being replaced: true when the
   // whole file arrived.
