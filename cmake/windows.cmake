@@ -12,8 +12,10 @@ target_link_options(project_options INTERFACE -Wl,--gc-sections -fstack-protecto
                     -Wl,--major-os-version,6,--minor-os-version,1)
 # GCC takes its stack slots for wide vectors to be aligned, which on Windows they are not.
 set_source_files_properties(src/util/md5_kernel.cpp PROPERTIES COMPILE_OPTIONS -Wa,-muse-unaligned-vector-move)
+# The window waits for its picture: vectors, whatever size the rest is made for.
+set_source_files_properties(src/ui/win32/resample.cpp PROPERTIES COMPILE_OPTIONS -O3)
 include(cmake/DelayLoad.cmake)
-delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi gdiplus comctl32 ole32 oleaut32 shell32 advapi32)
+delay_loaded(DELAYED_LIBRARIES winhttp bcrypt winmm shlwapi comctl32 ole32 oleaut32 shell32 advapi32)
 find_package(ZLIB REQUIRED)
 target_link_libraries(launcher_core PUBLIC ZLIB::ZLIB ${DELAYED_LIBRARIES} gdi32 uuid user32)
 

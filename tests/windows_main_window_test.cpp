@@ -8,7 +8,6 @@
 #include "support/win32/one_colour.hpp"
 #include "support/win32/window_world.hpp"
 #include "ui/frmNotify.hpp"
-#include "ui/win32/resample.hpp"
 #include "ui/win32/win32_dialogs.hpp"
 
 namespace {
@@ -212,30 +211,6 @@ TEST_F(WindowsMainWindowTest, AnHourOfTicksLeaksNothing) {
   const support::GuiObjects after = support::CountGuiObjects();
   EXPECT_LE(after.drawing, before.drawing + 5);
   EXPECT_LE(after.windows, before.windows);
-}
-
-TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
-  using Picture = std::vector<std::uint32_t>;
-  const auto resampled = [](ui::win32::PixelSize from, const Picture& source, ui::win32::PixelSize to) {
-    Picture result(static_cast<std::size_t>(to.width * to.height));
-    std::size_t row = 0;
-    const auto next = [&] {
-      const std::size_t at = row++ * static_cast<std::size_t>(from.width);
-      return at < source.size() ? source.data() + at : nullptr;
-    };
-    EXPECT_TRUE(ui::win32::Resample(from, next, to, result.data()));
-    return result;
-  };
-  EXPECT_EQ(
-      resampled({4, 2}, {0x000000, 0x000040, 0x204060, 0x204060, 0x000040, 0x000080, 0x204060, 0x204060},
-                {2, 1}),
-      (Picture{0x000040, 0x204060}));
-  EXPECT_EQ(resampled({2, 1}, {0x000000, 0x640000}, {4, 1}),
-            (Picture{0x000000, 0x190000, 0x4B0000, 0x640000}));
-  std::uint32_t pixel = 0;
-  EXPECT_FALSE(ui::win32::Resample(
-      {1, 2}, [] { return nullptr; }, {1, 1}, &pixel))
-      << "a file that is cut";
 }
 
 }  // namespace

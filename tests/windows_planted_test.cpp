@@ -10,7 +10,7 @@
 namespace {
 
 // Of those that the program uses, the ones that Wine itself does not load with every window.
-constexpr const char* kLibraries[] = {"winmm", "winhttp", "bcrypt", "gdiplus"};
+constexpr const char* kLibraries[] = {"winmm", "winhttp", "bcrypt"};
 
 TEST(WindowsPlantedLibraries, AreNotLoadedByTheProgramThatLiesBesideThem) {
   const support::TempFolder folder;

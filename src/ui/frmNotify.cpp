@@ -35,10 +35,11 @@ frmNotify::frmNotify(const startup::Services& services, Screen& screen)
   lblTitle.Click += [this] { lblTitle_Click(); };
   Timer1.Tick += [this] { Hide(); };
   tmrWaiting.Tick += [this] { tmrWaiting_Timer(); };
-  Form_Load();
 }
 
-frmNotify::~frmNotify() { screen_.Detach(window); }
+frmNotify::~frmNotify() {
+  if (attached_) screen_.Detach(window);
+}
 
 void frmNotify::Form_Load() {
   startup::Guarded(
@@ -49,6 +50,7 @@ void frmNotify::Form_Load() {
         StyleNews(false);
         line = 20;
         screen_.Attach(window);
+        attached_ = true;
         line = 30;
         screen_.SetTopmost(window);
       },
@@ -67,6 +69,8 @@ void frmNotify::ShowMessage(const std::string& text, const std::string& title, s
   tmrWaiting.Set(false);
   text_ = text;
   title_ = title;
+  if (!attached_) Form_Load();
+  if (!attached_) return;
   if (Timer1.On()) Hide();
   number_ = number;
   ShowTexts();

@@ -50,6 +50,7 @@ class frmNotify {
 
   const startup::Services& services_;
   Screen& screen_;
+  bool attached_ = false;  // from the first notice on
   Notice waiting_;
   std::string text_, title_;
   std::int32_t number_ = 0;

@@ -29,9 +29,13 @@ std::string FreshSecret() {
 
 }  // namespace
 
-// Windows names one folder in any case.
 TrustMemory::TrustMemory(platform::SettingsStore& settings, const startup::Folders& folders)
-    : settings_(settings), folder_(ShortNameOf(base::UpperLatin(folders.AppPath))) {}
+    : settings_(settings), folders_(folders) {}
+
+// Windows names one folder in any case.
+std::string TrustMemory::OfFolder(const char* name) const {
+  return ShortNameOf(base::UpperLatin(folders_.AppPath)) + name;
+}
 
 std::string TrustMemory::Get(const std::string& name) const {
   return settings_.Get(keys::kApplication, keys::kTrust, name);
@@ -41,11 +45,11 @@ void TrustMemory::Set(const std::string& name, const std::string& value) {
   if (Get(name) != value) settings_.Set(keys::kApplication, keys::kTrust, name, value);
 }
 
-TrustMemory::Keys TrustMemory::KeysInUse() const { return {Get(folder_ + kCurrent), Get(folder_ + kNext)}; }
+TrustMemory::Keys TrustMemory::KeysInUse() const { return {Get(OfFolder(kCurrent)), Get(OfFolder(kNext))}; }
 
 void TrustMemory::Remember(const Keys& keys) {
-  Set(folder_ + kNext, keys.next);
-  Set(folder_ + kCurrent, keys.current);
+  Set(OfFolder(kNext), keys.next);
+  Set(OfFolder(kCurrent), keys.current);
 }
 
 std::optional<TrustMemory::Publication> TrustMemory::NewestUnder(const std::string& key) const {
@@ -63,10 +67,10 @@ void TrustMemory::Remember(const std::string& key, const Publication& publicatio
 }
 
 std::string TrustMemory::Secret() {
-  if (const std::string kept = Get(folder_ + kSecret); !kept.empty()) return kept;
+  if (const std::string kept = Get(OfFolder(kSecret)); !kept.empty()) return kept;
   const std::string secret = FreshSecret();
   try {
-    Set(folder_ + kSecret, secret);
+    Set(OfFolder(kSecret), secret);
   } catch (const base::RuntimeError&) {
     return {};
   }

@@ -39,11 +39,12 @@ class TrustMemory {
   std::string Secret();
 
  private:
+  std::string OfFolder(const char* name) const;  // the name of a value that belongs to the game folder
   std::string Get(const std::string& name) const;
   void Set(const std::string& name, const std::string& value);
 
   platform::SettingsStore& settings_;
-  const std::string folder_;  // stands for the game folder in the names of values
+  const startup::Folders& folders_;
 };
 
 }  // namespace update

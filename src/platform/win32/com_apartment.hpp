@@ -9,14 +9,14 @@ namespace platform {
 // COM on the calling thread, for as long as this lives. What the shell calls to open something may need it.
 class ComApartment {
  public:
-  ComApartment() : ready_(SUCCEEDED(CoInitializeEx(nullptr, kMode))) {}
+  explicit ComApartment(COINIT kind = COINIT_APARTMENTTHREADED)
+      : ready_(SUCCEEDED(CoInitializeEx(nullptr, kind | COINIT_DISABLE_OLE1DDE))) {}
   ~ComApartment() {
     if (ready_) CoUninitialize();
   }
   ComApartment(const ComApartment&) = delete;
 
  private:
-  static constexpr DWORD kMode = COINIT_APARTMENTTHREADED | COINIT_DISABLE_OLE1DDE;
   bool ready_;
 };
 

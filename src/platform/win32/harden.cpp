@@ -11,16 +11,14 @@
 namespace platform {
 namespace {
 
-// The system itself directs these to the folder of their version, as the manifest says, before it looks
-// anywhere else; by their path the wrong version would come.
-constexpr const char* kDirected[] = {"comctl32.dll", "gdiplus.dll"};
+// The system itself directs this one to the folder of its version, as the manifest says, before it looks
+// anywhere else; by its path the wrong version would come.
+constexpr const char* kDirected = "comctl32.dll";
 
 // Libraries that are loaded at the first call of one of their functions come from the system folder.
 FARPROC WINAPI OnDelayLoad(unsigned event, DelayLoadInfo* information) {
   if (event != dliNotePreLoadLibrary) return nullptr;
-  for (const char* directed : kDirected) {
-    if (base::EqualIgnoringCase(information->szDll, directed)) return nullptr;  // loaded by its name
-  }
+  if (base::EqualIgnoringCase(information->szDll, kDirected)) return nullptr;  // loaded by its name
   return reinterpret_cast<FARPROC>(LoadSystemLibrary(Wide(information->szDll).c_str()).release());
 }
 

@@ -145,6 +145,11 @@ class ImageView : public ButtonView {
     View::Changed(property);
   }
 
+  void PreparePicture() override {
+    const RECT box = Box();
+    if (image_.Visible) form_.Pictures().Prepare(image_.Picture, Width(box), Height(box));
+  }
+
  protected:
   // Of the control itself: its window was made before it had one.
   std::wstring Name() const override { return platform::Wide(image_.description); }

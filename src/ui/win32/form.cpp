@@ -152,26 +152,30 @@ int Form::LineHeight(HFONT font) const {
   return metrics.tmHeight;
 }
 
+// The picture becomes the surface.
 void Form::PaintBackground() {
   const RECT all{0, 0, Scaled(layout_.width), Scaled(layout_.height)};
+  UniqueBitmap picture;
+  if (!Colours().plain) picture = Pictures().OwnPicture(window_.Picture, Width(all), Height(all));
+  const bool bare = !picture;
   const HDC screen = GetDC(Handle());
-  background_ = std::make_unique<Canvas>(screen, Width(all), Height(all));
+  background_ = bare ? std::make_unique<Canvas>(screen, Width(all), Height(all))
+                     : std::make_unique<Canvas>(screen, std::move(picture));
   ReleaseDC(Handle(), screen);
   const HDC dc = background_->Dc();
-  const HBITMAP picture =
-      Colours().plain ? nullptr : Pictures().Picture(window_.Picture, Width(all), Height(all));
-  if (picture) {
-    const UniqueDc source(CreateCompatibleDC(dc));
-    const HGDIOBJ before = SelectObject(source.get(), picture);
-    BitBlt(dc, 0, 0, Width(all), Height(all), source.get(), 0, 0, SRCCOPY);
-    SelectObject(source.get(), before);
-  } else {
+  if (bare) {
     Fill(dc, all, Colours().plain ? Colours().panel : Rgb(layout_.colour));
     if (layout_.chrome != Chrome::Dialog) Outline(dc, all, Scaled(1), Colours().border);
     if (layout_.chrome == Chrome::Borderless) PaintTitle(dc);
   }
-  Pictures().Forget(window_.Picture);  // the surface holds it from here on
   for (const auto& view : views_) view->PaintBehind(dc);
+}
+
+// What is about to be seen is read while the system brings up the window.
+void Form::PreparePictures() {
+  if (Colours().plain) return;
+  if (!background_) Pictures().Prepare(window_.Picture, Scaled(layout_.width), Scaled(layout_.height));
+  for (const auto& view : views_) view->PreparePicture();
 }
 
 // In place of the title that the picture holds.
@@ -230,7 +234,10 @@ void Form::ShowNow() {
     }
   }
   const bool appears = window_.Visible && !IsWindowVisible(Handle());
-  if (appears) BringOntoMonitor();
+  if (appears) {
+    BringOntoMonitor();
+    PreparePictures();
+  }
   moving_ = true;
   ShowWindow(Handle(), command);
   moving_ = false;

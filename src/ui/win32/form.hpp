@@ -74,6 +74,7 @@ class Form {
   void Rescale(const POINT* corner);
   void FitClient(SIZE size);
   void PaintBackground();
+  void PreparePictures();
   void PaintTitle(HDC dc);
   void ForgetBackground();
   void Paint();

@@ -1,6 +1,7 @@
 #include "ui/win32/gdi.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace ui::win32 {
 namespace {
@@ -13,9 +14,26 @@ RECT ClientOf(HWND window) {
 
 }  // namespace
 
+UniqueBitmap MakePixels(int width, int height, std::uint32_t*& pixels) {
+  BITMAPINFO info{};
+  info.bmiHeader.biSize = sizeof info.bmiHeader;
+  info.bmiHeader.biWidth = width;
+  info.bmiHeader.biHeight = -height;
+  info.bmiHeader.biPlanes = 1;
+  info.bmiHeader.biBitCount = 32;
+  info.bmiHeader.biCompression = BI_RGB;
+  void* bits = nullptr;
+  UniqueBitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  pixels = static_cast<std::uint32_t*>(bits);
+  return bitmap;
+}
+
 Canvas::Canvas(HDC like, int width, int height)
+    : Canvas(like, UniqueBitmap(CreateCompatibleBitmap(like, std::max(width, 1), std::max(height, 1)))) {}
+
+Canvas::Canvas(HDC like, UniqueBitmap bitmap)
     : dc_(CreateCompatibleDC(like)),
-      bitmap_(CreateCompatibleBitmap(like, std::max(width, 1), std::max(height, 1))),
+      bitmap_(std::move(bitmap)),
       before_(SelectObject(dc_.get(), bitmap_.get())) {}
 
 Canvas::~Canvas() { SelectObject(dc_.get(), before_); }

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <cstdint>
 #include <string>
 
 #include "base/unique_handle.hpp"
@@ -19,6 +20,7 @@ struct GdiTraits : base::NullIsNone<Handle> {
 using UniqueBitmap = base::UniqueHandle<GdiTraits<HBITMAP>>;
 using UniqueFont = base::UniqueHandle<GdiTraits<HFONT>>;
 using UniqueBrush = base::UniqueHandle<GdiTraits<HBRUSH>>;
+using UniquePen = base::UniqueHandle<GdiTraits<HPEN>>;
 
 struct DcTraits : base::NullIsNone<HDC> {
   static void Close(HDC dc) { DeleteDC(dc); }
@@ -38,10 +40,14 @@ using UniqueMenu = base::UniqueHandle<MenuTraits>;
 using UniqueIcon = platform::unique_icon;
 using UniqueWindow = platform::unique_window;
 
+// A bitmap whose pixels (0x00RRGGBB, rows from the top) lie in this process's memory at `pixels`.
+UniqueBitmap MakePixels(int width, int height, std::uint32_t*& pixels);
+
 // A drawing surface in memory with its bitmap; gives back everything.
 class Canvas {
  public:
   Canvas(HDC like, int width, int height);
+  Canvas(HDC like, UniqueBitmap bitmap);
   ~Canvas();
   Canvas(const Canvas&) = delete;
   HDC Dc() const { return dc_.get(); }

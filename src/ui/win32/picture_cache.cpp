@@ -1,34 +1,34 @@
 #include "ui/win32/picture_cache.hpp"
 
-// GDI+ asks for these two by their bare names.
-#include <algorithm>
-namespace Gdiplus {
-using std::max;
-using std::min;
-}  // namespace Gdiplus
-#include <objidl.h>
-
-#include <gdiplus.h>
+#include <utility>
 
 #include "ui/win32/dpi.hpp"
 #include "ui/win32/picture_file.hpp"
 
 namespace ui::win32 {
 
-PictureCache::PictureCache() {
-  Gdiplus::GdiplusStartupInput input;
-  Gdiplus::GdiplusStartup(&token_, &input, nullptr);
+namespace {
+
+bool IsNoPicture(const std::string& path, int width, int height) {
+  return path.empty() || width <= 0 || height <= 0;
 }
 
-PictureCache::~PictureCache() {
-  if (token_) Gdiplus::GdiplusShutdown(token_);
+}  // namespace
+
+void PictureCache::Prepare(const std::string& path, int width, int height) {
+  const PictureKey key{path, width, height};
+  if (!IsNoPicture(path, width, height) && !pictures_.contains(key)) reader_.Begin(key);
 }
 
 HBITMAP PictureCache::Picture(const std::string& path, int width, int height) {
-  if (path.empty() || width <= 0 || height <= 0) return nullptr;
+  if (IsNoPicture(path, width, height)) return nullptr;
   const auto [found, isNew] = pictures_.try_emplace({path, width, height});
-  if (isNew) found->second = ReadPicture(path, width, height);
+  if (isNew) found->second = reader_.Take(found->first);
   return found->second.get();
+}
+
+UniqueBitmap PictureCache::OwnPicture(const std::string& path, int width, int height) {
+  return IsNoPicture(path, width, height) ? UniqueBitmap{} : reader_.Take({path, width, height});
 }
 
 HCURSOR PictureCache::Cursor(const std::string& path, int dpi) {
@@ -45,20 +45,13 @@ UniqueIcon PictureCache::Icon(const std::string& path, int size) {
   const std::wstring file = platform::Wide(path);
   UniqueIcon icon(
       static_cast<HICON>(LoadImageW(nullptr, file.c_str(), IMAGE_ICON, size, size, LR_LOADFROMFILE)));
-  if (icon) return icon;
-  Gdiplus::Bitmap bitmap(file.c_str());
-  HICON made = nullptr;
-  if (bitmap.GetLastStatus() == Gdiplus::Ok) bitmap.GetHICON(&made);
-  return UniqueIcon(made);
-}
-
-void PictureCache::Forget(const std::string& path) {
-  std::erase_if(pictures_, [&](const auto& entry) { return std::get<0>(entry.first) == path; });
+  return icon ? std::move(icon) : ReadIcon(path, size);
 }
 
 void PictureCache::Clear() {
   pictures_.clear();
   cursors_.clear();
+  reader_.DropAll();
 }
 
 }  // namespace ui::win32

@@ -18,12 +18,16 @@ namespace {
 constexpr UINT kLargestSide = 8192;  // pixels; more is no skin
 constexpr UINT kRowsAtOnce = 16;
 
-// The first frame of the file in pixels of 32 bits.
-UniqueCom<IWICBitmapSource> Open(const std::string& path) {
-  const auto factory = Made<IWICImagingFactory>([](auto** made) {
+UniqueCom<IWICImagingFactory> MakeFactory() {
+  return Made<IWICImagingFactory>([](auto** made) {
     return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
                             reinterpret_cast<void**>(made));
   });
+}
+
+// The first frame of the file in this form of pixel; null when there is none, or one too large.
+UniqueCom<IWICBitmapSource> Open(const std::string& path, const WICPixelFormatGUID& format, PixelSize& size) {
+  const auto factory = MakeFactory();
   if (!factory) return nullptr;
   const auto decoder = Made<IWICBitmapDecoder>([&](auto** made) {
     return factory->CreateDecoderFromFilename(platform::SystemPath(path).c_str(), nullptr, GENERIC_READ,
@@ -31,12 +35,16 @@ UniqueCom<IWICBitmapSource> Open(const std::string& path) {
   });
   if (!decoder) return nullptr;
   const auto frame = Made<IWICBitmapFrameDecode>([&](auto** made) { return decoder->GetFrame(0, made); });
-  if (!frame) return nullptr;
+  UINT width = 0, height = 0;
+  if (!frame || FAILED(frame->GetSize(&width, &height)) || width == 0 || height == 0 ||
+      width > kLargestSide || height > kLargestSide) {
+    return nullptr;
+  }
+  size = {static_cast<int>(width), static_cast<int>(height)};
   auto converter =
       Made<IWICFormatConverter>([&](auto** made) { return factory->CreateFormatConverter(made); });
-  if (!converter ||
-      FAILED(converter->Initialize(frame.get(), GUID_WICPixelFormat32bppBGR, WICBitmapDitherTypeNone, nullptr,
-                                   0, WICBitmapPaletteTypeCustom))) {
+  if (!converter || FAILED(converter->Initialize(frame.get(), format, WICBitmapDitherTypeNone, nullptr, 0,
+                                                 WICBitmapPaletteTypeCustom))) {
     return nullptr;
   }
   return converter;
@@ -70,38 +78,37 @@ class Rows {
   int next_ = 0;
 };
 
-// A bitmap whose rows, from the top, stand at `pixels`.
-UniqueBitmap MakeBitmap(PixelSize size, std::uint32_t*& pixels) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = size.width;
-  info.bmiHeader.biHeight = -size.height;
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  void* bits = nullptr;
-  UniqueBitmap bitmap(CreateDIBSection(nullptr, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
-  pixels = static_cast<std::uint32_t*>(bits);
-  return bitmap;
-}
-
 }  // namespace
 
 UniqueBitmap ReadPicture(const std::string& path, int width, int height) {
-  const auto source = Open(path);
-  UINT fromWidth = 0, fromHeight = 0;
-  if (!source || FAILED(source->GetSize(&fromWidth, &fromHeight)) || fromWidth == 0 || fromHeight == 0 ||
-      fromWidth > kLargestSide || fromHeight > kLargestSide) {
+  PixelSize from;
+  const auto source = Open(path, GUID_WICPixelFormat32bppBGR, from);
+  if (!source) return {};
+  std::uint32_t* pixels = nullptr;
+  UniqueBitmap bitmap = MakePixels(width, height, pixels);
+  Rows rows(*source, from);
+  const auto next = [&rows] { return rows.Next(); };
+  if (!bitmap || !Resample(from, next, {width, height}, pixels)) return {};
+  return bitmap;
+}
+
+UniqueIcon ReadIcon(const std::string& path, int size) {
+  PixelSize from;
+  const auto source = Open(path, GUID_WICPixelFormat32bppBGRA, from);
+  const auto factory = MakeFactory();
+  if (!source || !factory) return {};
+  const auto scaler = Made<IWICBitmapScaler>([&](auto** made) { return factory->CreateBitmapScaler(made); });
+  const auto side = static_cast<UINT>(size);
+  std::uint32_t* pixels = nullptr;
+  const UniqueBitmap colours = MakePixels(size, size, pixels);
+  const UniqueBitmap mask(CreateBitmap(size, size, 1, 1, nullptr));  // the colours' transparency decides
+  if (!scaler || !colours ||
+      FAILED(scaler->Initialize(source.get(), side, side, WICBitmapInterpolationModeFant)) ||
+      FAILED(scaler->CopyPixels(nullptr, side * 4, side * side * 4, reinterpret_cast<BYTE*>(pixels)))) {
     return {};
   }
-  const PixelSize from{static_cast<int>(fromWidth), static_cast<int>(fromHeight)}, to{width, height};
-  std::uint32_t* pixels = nullptr;
-  UniqueBitmap bitmap = MakeBitmap(to, pixels);
-  Rows rows(*source, from);
-  if (!bitmap || !Resample(
-                     from, [&rows] { return rows.Next(); }, to, pixels))
-    return {};
-  return bitmap;
+  ICONINFO icon{TRUE, 0, 0, mask.get(), colours.get()};
+  return UniqueIcon(CreateIconIndirect(&icon));
 }
 
 }  // namespace ui::win32

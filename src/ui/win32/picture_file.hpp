@@ -10,5 +10,7 @@ namespace ui::win32 {
 // by row: a background drawn for twice the scale would decide how much memory the program ever needs. The
 // caller's thread has COM.
 UniqueBitmap ReadPicture(const std::string& path, int width, int height);
+// The same as an icon, with the picture's transparency.
+UniqueIcon ReadIcon(const std::string& path, int size);
 
 }  // namespace ui::win32

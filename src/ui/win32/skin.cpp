@@ -1,21 +1,66 @@
 #include "ui/win32/skin.hpp"
 
 #include <algorithm>
-namespace Gdiplus {
-using std::max;
-using std::min;
-}  // namespace Gdiplus
-#include <objidl.h>
-
-#include <gdiplus.h>
+#include <cmath>
+#include <iterator>
 
 #include "ui/win32/gdi.hpp"
+#include "ui/win32/resample.hpp"
 
 namespace ui::win32::skin {
 namespace {
 
-Gdiplus::Color Solid(COLORREF colour) {
-  return Gdiplus::Color(255, GetRValue(colour), GetGValue(colour), GetBValue(colour));
+constexpr int kFine = 4;  // pixels drawn along each side of one that is shown
+
+// What the drawing of a smooth shape draws on: kFine times as large as what is shown.
+class FineSurface {
+ public:
+  FineSurface(HDC dc, int width, int height) : dc_(dc), width_(width), height_(height) {}
+
+  HDC Dc() const { return dc_; }
+  double Width() const { return width_ * kFine; }
+  double Height() const { return height_ * kFine; }
+  POINT At(double x, double y) const {  // as shares of the sides
+    return {std::lround(x * Width()), std::lround(y * Height())};
+  }
+  void Use(HGDIOBJ pen, COLORREF inside) const {
+    SelectObject(dc_, pen);
+    SelectObject(dc_, GetStockObject(DC_BRUSH));
+    SetDCBrushColor(dc_, inside);
+  }
+  void Circle(double from, double to) const {
+    const POINT corner = At(from, from), opposite = At(to, to);
+    Ellipse(dc_, corner.x, corner.y, opposite.x, opposite.y);
+  }
+
+ private:
+  HDC dc_;
+  int width_, height_;
+};
+
+UniquePen PenOf(double width, COLORREF colour) {
+  return UniquePen(CreatePen(PS_SOLID, static_cast<int>(std::lround(width)), colour));
+}
+
+// Draws over what is there, many times as large, and brings it back to size: the system's own drawing has
+// hard edges.
+template <class Drawing>
+void DrawSmooth(HDC dc, const RECT& rect, const Drawing& draw) {
+  const int width = Width(rect), height = Height(rect);
+  std::uint32_t *fine = nullptr, *shown = nullptr;
+  UniqueBitmap large = MakePixels(width * kFine, height * kFine, fine);
+  UniqueBitmap small = MakePixels(width, height, shown);
+  if (!large || !small) return;
+  const Canvas drawn(dc, std::move(large)), result(dc, std::move(small));
+  StretchBlt(drawn.Dc(), 0, 0, width * kFine, height * kFine, dc, rect.left, rect.top, width, height,
+             SRCCOPY);
+  const int state = SaveDC(drawn.Dc());
+  draw(FineSurface(drawn.Dc(), width, height));
+  RestoreDC(drawn.Dc(), state);
+  GdiFlush();  // before the pixels are read past the system
+  const auto next = [&fine, width] { return std::exchange(fine, fine + width * kFine); };
+  Resample({width * kFine, height * kFine}, next, {width, height}, shown);
+  BitBlt(dc, rect.left, rect.top, width, height, result.Dc(), 0, 0, SRCCOPY);
 }
 
 // The colour at `share` of the way from one to the next.
@@ -85,44 +130,38 @@ void DrawButton(HDC dc, const Palette& palette, const RECT& rect, int line, bool
 }
 
 void DrawArrow(HDC dc, const RECT& rect, COLORREF colour) {
-  Gdiplus::Graphics graphics(dc);
-  graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-  const auto middle = static_cast<float>(rect.left + rect.right) / 2;
-  const auto centre = static_cast<float>(rect.top + rect.bottom) / 2;
-  const float reach = static_cast<float>(Height(rect)) / 5;
-  const Gdiplus::PointF corners[] = {{middle - reach, centre - reach / 2},
-                                     {middle + reach, centre - reach / 2},
-                                     {middle, centre + reach / 2}};
-  const Gdiplus::SolidBrush brush(Solid(colour));
-  graphics.FillPolygon(&brush, corners, 3);
+  DrawSmooth(dc, rect, [colour](const FineSurface& surface) {
+    const double down = 0.2, across = down * surface.Height() / surface.Width();
+    const POINT corners[] = {surface.At(0.5 - across, 0.5 - down / 2),
+                             surface.At(0.5 + across, 0.5 - down / 2), surface.At(0.5, 0.5 + down / 2)};
+    surface.Use(GetStockObject(NULL_PEN), colour);
+    Polygon(surface.Dc(), corners, static_cast<int>(std::size(corners)));
+  });
 }
 
 void DrawRadio(HDC dc, const Palette& palette, const RECT& rect, bool on) {
-  Gdiplus::Graphics graphics(dc);
-  graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-  const auto size = static_cast<float>(Width(rect)) - 1;
-  const auto left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
-  const Gdiplus::SolidBrush inside(Solid(palette.box));
-  const Gdiplus::Pen ring(Solid(palette.border), std::max(size / 12, 1.0f));
-  graphics.FillEllipse(&inside, left, top, size, size);
-  graphics.DrawEllipse(&ring, left, top, size, size);
-  if (!on) return;
-  const Gdiplus::SolidBrush dot(Solid(palette.focus));
-  graphics.FillEllipse(&dot, left + size * 0.27f, top + size * 0.27f, size * 0.46f, size * 0.46f);
+  DrawSmooth(dc, rect, [&](const FineSurface& surface) {
+    const double line = std::max(surface.Width() / 12, static_cast<double>(kFine));
+    const double margin = line / 2 / surface.Width();
+    const UniquePen ring = PenOf(line, palette.border);
+    surface.Use(ring.get(), palette.box);
+    surface.Circle(margin, 1 - margin);
+    if (on) {
+      surface.Use(GetStockObject(NULL_PEN), palette.focus);
+      surface.Circle(0.27, 0.73);
+    }
+  });
 }
 
 void DrawTick(HDC dc, const Palette& palette, const RECT& rect, int line, bool on) {
   DrawBox(dc, palette, rect, line);
   if (!on) return;
-  Gdiplus::Graphics graphics(dc);
-  graphics.SetSmoothingMode(Gdiplus::SmoothingModeAntiAlias);
-  const auto size = static_cast<float>(Width(rect));
-  const auto left = static_cast<float>(rect.left), top = static_cast<float>(rect.top);
-  const Gdiplus::PointF stroke[] = {{left + size * 0.22f, top + size * 0.52f},
-                                    {left + size * 0.42f, top + size * 0.72f},
-                                    {left + size * 0.78f, top + size * 0.28f}};
-  const Gdiplus::Pen pen(Solid(palette.focus), size / 8);
-  graphics.DrawLines(&pen, stroke, 3);
+  DrawSmooth(dc, rect, [&](const FineSurface& surface) {
+    const POINT stroke[] = {surface.At(0.22, 0.52), surface.At(0.42, 0.72), surface.At(0.78, 0.28)};
+    const UniquePen pen = PenOf(surface.Width() / 8, palette.focus);
+    surface.Use(pen.get(), palette.focus);
+    Polyline(surface.Dc(), stroke, static_cast<int>(std::size(stroke)));
+  });
 }
 
 void DrawLabel(HDC dc, RECT rect, HFONT font, COLORREF colour, Align align, Lines lines,

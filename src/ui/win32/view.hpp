@@ -31,6 +31,7 @@ class View : public Speaker {
   virtual void Changed(std::string_view property);
   virtual void Command(int /*notification*/) {}         // the child tells its parent something
   virtual void Draw(const DRAWITEMSTRUCT& /*item*/) {}  // an owner-drawn child asks to be drawn
+  virtual void PreparePicture() {}                      // its picture will be asked for soon
   virtual void PaintBehind(HDC) {}                      // into the background that all views share
   virtual bool IsGround() const { return false; }       // others stand on it
   std::optional<Spoken> Speak() const override { return std::nullopt; }

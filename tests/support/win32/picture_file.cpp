@@ -1,33 +1,44 @@
 #include "support/win32/picture_file.hpp"
 
-#include <algorithm>
-namespace Gdiplus {
-using std::max;
-using std::min;
-}  // namespace Gdiplus
-#include <objidl.h>
-
-#include <gdiplus.h>
+#include <wincodec.h>
 
 #include <set>
 
+#include "platform/win32/com_apartment.hpp"
 #include "platform/win32/wide.hpp"
 #include "ui/win32/gdi.hpp"
+#include "ui/win32/unique_com.hpp"
 
 namespace support {
 namespace {
 
-constexpr CLSID kPngEncoder = {0x557CF406, 0x1A04, 0x11D3, {0x9A, 0x73, 0x00, 0x00, 0xF8, 0x1E, 0xF3, 0x2E}};
+using ui::win32::Made;
 
-BITMAPINFO Layout(int width, int height) {
-  BITMAPINFO info{};
-  info.bmiHeader.biSize = sizeof info.bmiHeader;
-  info.bmiHeader.biWidth = width;
-  info.bmiHeader.biHeight = -height;  // rows from the top
-  info.bmiHeader.biPlanes = 1;
-  info.bmiHeader.biBitCount = 32;
-  info.bmiHeader.biCompression = BI_RGB;
-  return info;
+bool Encode(const WindowPicture& picture, const wchar_t* file) {
+  const auto factory = Made<IWICImagingFactory>([](auto** made) {
+    return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
+                            reinterpret_cast<void**>(made));
+  });
+  if (!factory) return false;
+  const auto stream = Made<IWICStream>([&](auto** made) { return factory->CreateStream(made); });
+  const auto encoder = Made<IWICBitmapEncoder>(
+      [&](auto** made) { return factory->CreateEncoder(GUID_ContainerFormatPng, nullptr, made); });
+  std::vector<std::uint32_t> pixels = picture.pixels;
+  const auto width = static_cast<UINT>(picture.width), height = static_cast<UINT>(picture.height);
+  const auto source = Made<IWICBitmap>([&](auto** made) {
+    return factory->CreateBitmapFromMemory(width, height, GUID_WICPixelFormat32bppBGR, width * 4,
+                                           width * height * 4, reinterpret_cast<BYTE*>(pixels.data()), made);
+  });
+  if (!stream || !encoder || !source || FAILED(stream->InitializeFromFilename(file, GENERIC_WRITE)) ||
+      FAILED(encoder->Initialize(stream.get(), WICBitmapEncoderNoCache))) {
+    return false;
+  }
+  const auto frame =
+      Made<IWICBitmapFrameEncode>([&](auto** made) { return encoder->CreateNewFrame(made, nullptr); });
+  WICPixelFormatGUID format = GUID_WICPixelFormat24bppBGR;
+  return frame && SUCCEEDED(frame->Initialize(nullptr)) && SUCCEEDED(frame->SetSize(width, height)) &&
+         SUCCEEDED(frame->SetPixelFormat(&format)) && SUCCEEDED(frame->WriteSource(source.get(), nullptr)) &&
+         SUCCEEDED(frame->Commit()) && SUCCEEDED(encoder->Commit());
 }
 
 }  // namespace
@@ -48,13 +59,11 @@ WindowPicture TakePicture(HWND window) {
   WindowPicture picture{static_cast<int>(client.right), static_cast<int>(client.bottom), {}};
   const HDC source = GetDC(window);
   const ui::win32::UniqueDc memory(CreateCompatibleDC(source));
-  const BITMAPINFO info = Layout(picture.width, picture.height);
-  void* bits = nullptr;
-  const ui::win32::UniqueBitmap bitmap(CreateDIBSection(source, &info, DIB_RGB_COLORS, &bits, nullptr, 0));
+  std::uint32_t* first = nullptr;
+  const ui::win32::UniqueBitmap bitmap = ui::win32::MakePixels(picture.width, picture.height, first);
   const HGDIOBJ before = SelectObject(memory.get(), bitmap.get());
   BitBlt(memory.get(), 0, 0, picture.width, picture.height, source, 0, 0, SRCCOPY);
   GdiFlush();
-  const auto* first = static_cast<const std::uint32_t*>(bits);
   picture.pixels.assign(first, first + static_cast<std::ptrdiff_t>(picture.width) * picture.height);
   for (std::uint32_t& pixel : picture.pixels) pixel &= 0xFFFFFF;
   SelectObject(memory.get(), before);
@@ -70,11 +79,8 @@ std::optional<std::wstring> PictureFolder() {
 }
 
 bool WritePng(const WindowPicture& picture, const std::wstring& folder, const std::string& name) {
-  std::vector<std::uint32_t> pixels = picture.pixels;
-  Gdiplus::Bitmap bitmap(picture.width, picture.height, picture.width * 4, PixelFormat32bppRGB,
-                         reinterpret_cast<BYTE*>(pixels.data()));
-  const std::wstring file = folder + L"\\" + platform::Wide(name) + L".png";
-  return bitmap.Save(file.c_str(), &kPngEncoder, nullptr) == Gdiplus::Ok;
+  const platform::ComApartment com;
+  return Encode(picture, (folder + L"\\" + platform::Wide(name) + L".png").c_str());
 }
 
 }  // namespace support

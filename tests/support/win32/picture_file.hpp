@@ -26,7 +26,7 @@ WindowPicture TakePicture(HWND window);
 // The folder that pictures are wanted in, a Windows path; none when nobody wants any.
 std::optional<std::wstring> PictureFolder();
 
-// Writes `name`.png into a folder; false when it cannot be written. GDI+ must have been started.
+// Writes `name`.png into a folder; false when it cannot be written.
 bool WritePng(const WindowPicture& picture, const std::wstring& folder, const std::string& name);
 
 }  // namespace support

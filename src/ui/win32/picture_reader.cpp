@@ -1,0 +1,65 @@
+#include "ui/win32/picture_reader.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/win32/com_apartment.hpp"
+#include "ui/win32/picture_file.hpp"
+
+namespace ui::win32 {
+namespace {
+
+UniqueBitmap Read(const PictureKey& picture) {
+  const auto& [path, width, height] = picture;
+  return ReadPicture(path, width, height);
+}
+
+}  // namespace
+
+PictureReader::~PictureReader() { DropAll(); }
+
+void PictureReader::Begin(const PictureKey& picture) {
+  const std::lock_guard lock(mutex_);
+  const bool begun = reading_ == picture || read_.contains(picture) ||
+                     std::find(waiting_.begin(), waiting_.end(), picture) != waiting_.end();
+  if (begun) return;
+  waiting_.push_back(picture);
+  if (std::exchange(atWork_, true)) return;
+  thread_ = std::jthread([this] { ReadAll(); });
+}
+
+void PictureReader::ReadAll() {
+  const platform::ComApartment com(COINIT_MULTITHREADED);
+  std::unique_lock lock(mutex_);
+  while (!waiting_.empty()) {
+    const PictureKey picture = *(reading_ = std::move(waiting_.front()));
+    waiting_.pop_front();
+    lock.unlock();
+    UniqueBitmap bitmap = Read(picture);
+    lock.lock();
+    // Nobody wants it any more when all were dropped meanwhile.
+    if (reading_) read_[picture] = std::move(bitmap);
+    reading_.reset();
+    ready_.notify_all();
+  }
+  atWork_ = false;
+}
+
+UniqueBitmap PictureReader::Take(const PictureKey& picture) {
+  {
+    std::unique_lock lock(mutex_);
+    std::erase(waiting_, picture);
+    ready_.wait(lock, [&] { return reading_ != picture; });
+    if (auto found = read_.extract(picture)) return std::move(found.mapped());
+  }
+  return Read(picture);
+}
+
+void PictureReader::DropAll() {
+  const std::lock_guard lock(mutex_);
+  waiting_.clear();
+  reading_.reset();
+  read_.clear();
+}
+
+}  // namespace ui::win32
