@@ -49,14 +49,15 @@ TEST_F(ProfileFilesTest, ReadsOneKey) {
     const std::string name = "read" + std::to_string(++number) + ".ini";
     folder.Put(name, one.file);
     EXPECT_EQ(profiles->GetVar(folder / name, "INIT", "Key"), one.expected ? one.expected : "") << one.what;
-    EXPECT_EQ(profiles->Has(folder / name, "INIT", "Key"), one.expected != nullptr) << one.what;
     const std::string keys[] = {"none", "Key"};
-    EXPECT_EQ(profiles->GetVars(folder / name, "INIT", keys),
-              (std::vector<std::string>{"", one.expected ? one.expected : ""}))
+    const auto found = profiles->Find(folder / name, "INIT", keys);
+    EXPECT_EQ(found.at(0), std::nullopt) << one.what;
+    EXPECT_EQ(found.at(1), one.expected ? std::optional<std::string>(one.expected) : std::nullopt)
         << one.what;
   }
   EXPECT_EQ(profiles->GetVar(folder / "none.ini", "INIT", "Key"), "");
-  EXPECT_FALSE(profiles->Has(folder / "none.ini", "INIT", "Key"));
+  const std::string key = "Key";
+  EXPECT_EQ(profiles->Find(folder / "none.ini", "INIT", {&key, 1}).at(0), std::nullopt);
 }
 
 TEST_F(ProfileFilesTest, LongValuesAreCutToTheBuffer) {

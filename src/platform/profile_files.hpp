@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -18,16 +19,17 @@ class ProfileFiles {
   // when the file, section or key is missing.
   virtual std::string GetVar(const std::string& file, const std::string& section, const std::string& key) = 0;
 
-  // As GetVar for each of the keys, in their order; for many keys at once.
-  virtual std::vector<std::string> GetVars(const std::string& file, const std::string& section,
-                                           std::span<const std::string> keys) {
+  // As GetVar for each of the keys, in their order, and none for one that is not there at all; the file is
+  // read once.
+  virtual std::vector<std::optional<std::string>> Find(const std::string& file, const std::string& section,
+                                                       std::span<const std::string> keys) = 0;
+
+  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
+                                   std::span<const std::string> keys) {
     std::vector<std::string> values;
-    for (const std::string& key : keys) values.push_back(GetVar(file, section, key));
+    for (const auto& value : Find(file, section, keys)) values.push_back(value.value_or(""));
     return values;
   }
-
-  // Whether the key is there at all, be its value empty.
-  virtual bool Has(const std::string& file, const std::string& section, const std::string& key) = 0;
 
   using Entry = std::pair<std::string, std::string>;
 

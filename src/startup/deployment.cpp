@@ -1,6 +1,8 @@
 #include "startup/deployment.hpp"
 
 #include <algorithm>
+#include <span>
+#include <vector>
 
 #include "base/base64.hpp"
 #include "base/runtime_error.hpp"
@@ -12,24 +14,29 @@ namespace startup {
 namespace {
 
 struct TextKey {
-  const char* section;
   const char* key;
   std::string Deployment::*field;
   const char* builtIn;
 };
 
-constexpr TextKey kTextKeys[] = {
-    {"SITE", "Web", &Deployment::web, "http://127.0.0.1:8250"},
-    {"SITE", "Api", &Deployment::api, "http://127.0.0.1:8250"},
-    {"SITE", "Support", &Deployment::support, "http://127.0.0.1:8250/soporte"},
-    {"SITE", "Forum", &Deployment::forum, "http://127.0.0.1:8250/foro"},
-    {"SITE", "Social", &Deployment::social, "http://127.0.0.1:8250/social"},
-    {"SITE", "Chat", &Deployment::chat, "https://127.0.0.1:8251/chat"},
-    {"SITE", "Client1", &Deployment::client1, "http://127.0.0.1:8250/cliente"},
-    {"SITE", "Client2", &Deployment::client2, "http://127.0.0.1:8250/files/cliente"},
-    {"LAUNCH", "Parameter", &Deployment::parameter, "KELVARIN"},
-    {"LAUNCH", "StaffApplication", &Deployment::staffApplication, "KVN_STAFF"},
+constexpr TextKey kSiteKeys[] = {
+    {"Web", &Deployment::web, "http://127.0.0.1:8250"},
+    {"Api", &Deployment::api, "http://127.0.0.1:8250"},
+    {"Support", &Deployment::support, "http://127.0.0.1:8250/soporte"},
+    {"Forum", &Deployment::forum, "http://127.0.0.1:8250/foro"},
+    {"Social", &Deployment::social, "http://127.0.0.1:8250/social"},
+    {"Chat", &Deployment::chat, "https://127.0.0.1:8251/chat"},
+    {"Client1", &Deployment::client1, "http://127.0.0.1:8250/cliente"},
+    {"Client2", &Deployment::client2, "http://127.0.0.1:8250/files/cliente"},
 };
+constexpr TextKey kLaunchKeys[] = {
+    {"Parameter", &Deployment::parameter, "KELVARIN"},
+    {"StaffApplication", &Deployment::staffApplication, "KVN_STAFF"},
+};
+constexpr struct {
+  const char* section;
+  std::span<const TextKey> keys;
+} kTexts[] = {{"SITE", kSiteKeys}, {"LAUNCH", kLaunchKeys}};
 
 constexpr std::array<const char*, kMirrorCount> kBuiltInMirrors = {
     "https://127.0.0.1:8251/update/kvn2011/",      "https://127.0.0.2:8251/files/update/kvn2011/",
@@ -37,18 +44,6 @@ constexpr std::array<const char*, kMirrorCount> kBuiltInMirrors = {
     "http://127.0.0.2:8250/files/update/kvn2011/", "https://127.0.0.4:8251/update/kvn2011/",
     "https://127.0.0.5:8251/update/kvn2011/",
 };
-
-std::string ValueOf(platform::ProfileFiles& profiles, const std::string& file, const std::string& section,
-                    const std::string& key, const std::string& builtIn) {
-  return profiles.Has(file, section, key) ? profiles.GetVar(file, section, key) : builtIn;
-}
-
-bool NamesAMirror(platform::ProfileFiles& profiles, const std::string& file) {
-  for (int entry = 1; entry <= kMirrorCount; ++entry) {
-    if (!profiles.GetVar(file, "MIRRORS", std::to_string(entry)).empty()) return true;
-  }
-  return false;
-}
 
 constexpr std::uint64_t kLargestFile = 1 << 20;
 
@@ -60,6 +55,20 @@ std::string WhyUnreadable(const std::string& file) {
     return {};
   } catch (const base::RuntimeError& error) {
     return error.Description();
+  }
+}
+
+// The built-in ring counts as long as none of the entries is filled in.
+void LoadMirrors(platform::ProfileFiles& profiles, const std::string& file, Deployment& deployment) {
+  std::vector<std::string> keys;
+  for (int entry = 1; entry <= kMirrorCount; ++entry) keys.push_back(std::to_string(entry));
+  const auto values = profiles.Find(file, "MIRRORS", keys);
+  const bool named = !deployment.unreadable.empty() ||
+                     std::any_of(values.begin(), values.end(),
+                                 [](const auto& value) { return !value.value_or("").empty(); });
+  for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
+    deployment.mirrors[i] = values[i].value_or(named ? "" : kBuiltInMirrors[i]);
+    deployment.usable[i] = base::IsMirrorUrl(deployment.mirrors[i]);
   }
 }
 
@@ -101,20 +110,19 @@ std::vector<std::string> ProblemsOf(const Deployment& deployment) {
 Deployment LoadDeployment(platform::ProfileFiles& profiles, const std::string& file) {
   Deployment deployment;
   deployment.unreadable = WhyUnreadable(file);
-  for (const TextKey& text : kTextKeys) {
-    deployment.*text.field = ValueOf(profiles, file, text.section, text.key, text.builtIn);
+  for (const auto& [section, texts] : kTexts) {
+    std::vector<std::string> keys;
+    for (const TextKey& text : texts) keys.emplace_back(text.key);
+    const auto values = profiles.Find(file, section, keys);
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+      deployment.*texts[i].field = values[i].value_or(texts[i].builtIn);
+    }
   }
   CutTrailingSlashes(deployment.web);
   CutTrailingSlashes(deployment.api);
-  if (profiles.Has(file, "TRUST", "PublicKey")) {
-    deployment.publicKey = profiles.GetVar(file, "TRUST", "PublicKey");
-  }
-  const bool named = !deployment.unreadable.empty() || NamesAMirror(profiles, file);
-  for (std::size_t i = 0; i < deployment.mirrors.size(); ++i) {
-    std::string& mirror = deployment.mirrors[i];
-    mirror = ValueOf(profiles, file, "MIRRORS", std::to_string(i + 1), named ? "" : kBuiltInMirrors[i]);
-    deployment.usable[i] = base::IsMirrorUrl(mirror);
-  }
+  const std::string key = "PublicKey";
+  deployment.publicKey = profiles.Find(file, "TRUST", {&key, 1}).front();
+  LoadMirrors(profiles, file, deployment);
   return deployment;
 }
 

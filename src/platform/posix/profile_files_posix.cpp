@@ -21,20 +21,20 @@ bool IsReadOnly(const std::string& file) {
 class PosixProfileFiles : public ProfileFiles {
  public:
   std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
-    return Cut(IniValue(Text(file), ToAnsi(section), ToAnsi(key)));
+    return Find(file, section, {&key, 1}).front().value_or("");
   }
 
-  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
-                                   std::span<const std::string> keys) override {
+  std::vector<std::optional<std::string>> Find(const std::string& file, const std::string& section,
+                                               std::span<const std::string> keys) override {
     const std::string text = Text(file);
     const std::string name = ToAnsi(section);
-    std::vector<std::string> values;
-    for (const std::string& key : keys) values.push_back(Cut(IniValue(text, name, ToAnsi(key))));
+    std::vector<std::optional<std::string>> values;
+    for (const std::string& key : keys) {
+      auto value = IniValue(text, name, ToAnsi(key));
+      if (value) value = FromAnsi(value->substr(0, kLongestValue));
+      values.push_back(std::move(value));
+    }
     return values;
-  }
-
-  bool Has(const std::string& file, const std::string& section, const std::string& key) override {
-    return IniValue(Text(file), ToAnsi(section), ToAnsi(key)).has_value();
   }
 
   void WriteVars(const std::string& file, const std::string& section,
@@ -57,10 +57,6 @@ class PosixProfileFiles : public ProfileFiles {
     } catch (const base::RuntimeError&) {
       return {};
     }
-  }
-
-  static std::string Cut(const std::optional<std::string>& value) {
-    return FromAnsi(value.value_or("").substr(0, kLongestValue));
   }
 };
 

@@ -19,18 +19,20 @@ constexpr DWORD kPatienceMs = 1'000;  // for the system to take back its notice
 struct NetworkWatch::Watcher {
   explicit Watcher(std::function<void()> tell)
       : changed(std::move(tell)),
-        library(LoadSystemLibrary(L"iphlpapi.dll")),
-        notify(FunctionOf<decltype(NotifyAddrChange)>(library.get(), "NotifyAddrChange")),
-        cancel(FunctionOf<decltype(CancelIPChangeNotify)>(library.get(), "CancelIPChangeNotify")),
         notice(CreateEventW(nullptr, FALSE, FALSE, nullptr)),
         end(CreateEventW(nullptr, TRUE, FALSE, nullptr)) {
-    if (notify && cancel && notice && end) thread = std::jthread([this] { Watch(); });
+    if (notice && end) thread = std::jthread([this] { Watch(); });
   }
   ~Watcher() {
     if (end) SetEvent(end.get());
   }
 
+  // Its library comes on this thread, since the first window waits for what the other one loads.
   void Watch() {
+    const unique_library library = LoadSystemLibrary(L"iphlpapi.dll");
+    auto* const notify = FunctionOf<decltype(NotifyAddrChange)>(library.get(), "NotifyAddrChange");
+    auto* const cancel = FunctionOf<decltype(CancelIPChangeNotify)>(library.get(), "CancelIPChangeNotify");
+    if (!notify || !cancel) return;
     overlapped.hEvent = notice.get();
     const HANDLE events[] = {end.get(), notice.get()};
     for (;;) {
@@ -43,9 +45,6 @@ struct NetworkWatch::Watcher {
   }
 
   std::function<void()> changed;
-  unique_library library;
-  decltype(NotifyAddrChange)* notify;
-  decltype(CancelIPChangeNotify)* cancel;
   unique_event notice, end;
   OVERLAPPED overlapped{};
   std::jthread thread;  // the first to go

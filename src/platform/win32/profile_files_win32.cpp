@@ -14,7 +14,6 @@ namespace {
 
 constexpr DWORD kBufferSize = 3000;                       // characters, the ending NUL included
 constexpr std::uint64_t kLargestFile = 16 * 1024 * 1024;  // bytes; more is no settings file
-constexpr wchar_t kMissing[] = L"\x01";
 
 // The calls look for a file without a folder in the system's own one.
 std::wstring FileArgument(const std::string& file) {
@@ -24,10 +23,9 @@ std::wstring FileArgument(const std::string& file) {
 // What the calls cannot reach: they take paths of 259 characters at most.
 bool IsTooLong(const std::string& file) { return Wide(file).size() >= MAX_PATH; }
 
-std::wstring Read(const std::string& file, const std::string& section, const std::string& key,
-                  const wchar_t* missing) {
+std::wstring Read(const std::string& file, const std::string& section, const std::string& key) {
   wchar_t value[kBufferSize];
-  const DWORD length = GetPrivateProfileStringW(Wide(section).c_str(), Wide(key).c_str(), missing, value,
+  const DWORD length = GetPrivateProfileStringW(Wide(section).c_str(), Wide(key).c_str(), L"", value,
                                                 kBufferSize, FileArgument(file).c_str());
   return {value, length};
 }
@@ -85,20 +83,17 @@ class SystemProfileFiles : public ProfileFiles {
  public:
   std::string GetVar(const std::string& file, const std::string& section, const std::string& key) override {
     if (IsTooLong(file)) return GetVars(file, section, {&key, 1}).front();
-    return Narrow(Read(file, section, key, L""));
+    return Narrow(Read(file, section, key));
   }
 
-  bool Has(const std::string& file, const std::string& section, const std::string& key) override {
-    if (IsTooLong(file)) return IniValue(TextOf(file), section, key).has_value();
-    return Read(file, section, key, kMissing) != kMissing;
-  }
-
-  std::vector<std::string> GetVars(const std::string& file, const std::string& section,
-                                   std::span<const std::string> keys) override {
+  std::vector<std::optional<std::string>> Find(const std::string& file, const std::string& section,
+                                               std::span<const std::string> keys) override {
     const std::string text = TextOf(file);
-    std::vector<std::string> values;
+    std::vector<std::optional<std::string>> values;
     for (const std::string& key : keys) {
-      values.push_back(Narrow(Wide(IniValue(text, section, key).value_or("")).substr(0, kBufferSize - 1)));
+      auto value = IniValue(text, section, key);
+      if (value) value = Narrow(Wide(*value).substr(0, kBufferSize - 1));
+      values.push_back(std::move(value));
     }
     return values;
   }

@@ -50,8 +50,9 @@ Form::Form(FormShare& share, controls::Window& window)
       layout_(LayoutOf(window.Name())),
       boxBrush_(CreateSolidBrush(Colours().box)) {
   Create();
+  FitScale();
   MakeViews();
-  Rescale(nullptr);
+  Resize(nullptr);
   Centre();
   if (window_.Visible) ShowNow();
 }
@@ -97,9 +98,9 @@ SIZE Form::WindowSize() const {
   return {Width(rect), Height(rect)};
 }
 
-// Brings everything to the monitor's scale and the player's size of texts, or to the largest at which the
-// whole window can be seen. Texts do not grow alone: the layout grows with them.
-void Form::Rescale(const POINT* corner) {
+// To the monitor's scale and the player's size of texts, or the largest at which the whole window can be
+// seen. Texts do not grow alone: the layout grows with them.
+void Form::FitScale() {
   const RECT work = WorkAreaOf(Handle());
   const int asked = dpi_ = MulDiv(monitorDpi_, share_.theme.TextPercent(), 100);
   const SIZE wanted = WindowSize();
@@ -107,12 +108,21 @@ void Form::Rescale(const POINT* corner) {
   if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(asked, Height(work), wanted.cy));
   fonts_.clear();
   SetIcons();
+}
+
+// The window and all in it, after a change of scale.
+void Form::Resize(const POINT* corner) {
   const SIZE size = WindowSize();
   SetWindowPos(Handle(), nullptr, corner ? corner->x : 0, corner ? corner->y : 0, size.cx, size.cy,
                SWP_NOZORDER | SWP_NOACTIVATE | (corner ? 0u : SWP_NOMOVE));
   FitClient(size);
   for (const auto& view : views_) view->Place();
   ForgetBackground();
+}
+
+void Form::Rescale(const POINT* corner) {
+  FitScale();
+  Resize(corner);
 }
 
 // The frame may be another one than was reckoned with: it is the system's, and its theme's.

@@ -71,6 +71,8 @@ class Form {
 
   void Create();
   void MakeViews();
+  void FitScale();
+  void Resize(const POINT* corner);
   void Rescale(const POINT* corner);
   void FitClient(SIZE size);
   void PaintBackground();

@@ -44,9 +44,11 @@ RECT View::Box() const {
 }
 
 void View::Create(const wchar_t* windowClass, const std::wstring& text, DWORD style) {
+  const RECT box = Box();
   const DWORD shown = (control_.Visible ? WS_VISIBLE : 0u) | (control_.Enabled ? 0u : WS_DISABLED);
-  handle_.reset(CreateWindowExW(0, windowClass, text.c_str(), WS_CHILD | WS_CLIPSIBLINGS | style | shown, 0,
-                                0, 1, 1, form_.Handle(), nullptr, GetModuleHandleW(nullptr), nullptr));
+  handle_.reset(CreateWindowExW(0, windowClass, text.c_str(), WS_CHILD | WS_CLIPSIBLINGS | style | shown,
+                                box.left, box.top, Width(box), Height(box), form_.Handle(), nullptr,
+                                GetModuleHandleW(nullptr), nullptr));
   SetWindowLongPtrW(Handle(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
   before_ = reinterpret_cast<WNDPROC>(
       SetWindowLongPtrW(Handle(), GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&View::Procedure)));
@@ -93,7 +95,13 @@ LRESULT View::Default(UINT message, WPARAM wParam, LPARAM lParam) {
 void View::Place() {
   if (!handle_) return;
   const RECT box = Box();
-  SetWindowPos(Handle(), nullptr, box.left, box.top, Width(box), Height(box), SWP_NOZORDER | SWP_NOACTIVATE);
+  RECT place{};
+  GetWindowRect(Handle(), &place);
+  MapWindowPoints(nullptr, form_.Handle(), reinterpret_cast<POINT*>(&place), 2);
+  if (!EqualRect(&place, &box)) {
+    SetWindowPos(Handle(), nullptr, box.left, box.top, Width(box), Height(box),
+                 SWP_NOZORDER | SWP_NOACTIVATE);
+  }
   SendMessageW(Handle(), WM_SETFONT, reinterpret_cast<WPARAM>(Font()), FALSE);
   Invalidate();
 }
