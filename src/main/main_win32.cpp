@@ -2,6 +2,8 @@
 // after windows.h, which it builds on
 #include <shlwapi.h>
 
+#include <optional>
+
 #include "launcher.hpp"
 #include "main/install_win32.hpp"
 #include "platform/crash_reports.hpp"
@@ -13,6 +15,8 @@
 #include "platform/win32/wide.hpp"
 #include "startup/error_recorder.hpp"
 #include "startup/folders.hpp"
+#include "startup/run_flags.hpp"
+#include "ui/win32/preload.hpp"
 #include "ui/win32/win32_dialogs.hpp"
 #include "ui/win32/win32_screen.hpp"
 
@@ -34,6 +38,10 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   const auto profiles = platform::MakeProfileFiles();
   const auto http = platform::MakeHttpClient();
   ui::win32::Win32Screen screen;
+  std::optional<ui::win32::Preload> preload;
+  if (!startup::RunFlags(platform::BaseNameOf(platform::ExecutablePath()), arguments).UpdatesOnly) {
+    preload.emplace();
+  }
   events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
   dialogs.SetScreen(&screen);
   const platform::Host host{*clock, events, dialogs, *processes, *shell, *settings, *profiles, *http};

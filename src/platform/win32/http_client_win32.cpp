@@ -3,6 +3,8 @@
 #include <shlwapi.h>
 
 #include <algorithm>
+#include <mutex>
+#include <optional>
 
 #include "base/url.hpp"
 #include "platform/machine.hpp"
@@ -45,7 +47,7 @@ std::string RedirectOf(const HttpHead& head, const std::string& url) {
 
 class WinHttpClient : public HttpClient {
  public:
-  explicit WinHttpClient(WinHttpAge age) : session_(age) {}
+  explicit WinHttpClient(WinHttpAge age) : age_(age) {}
 
   HttpOutcome Get(const HttpRequest& request, HttpSink& sink, std::stop_token stop) override {
     TransferLimits limits(request, std::move(stop));
@@ -53,7 +55,7 @@ class WinHttpClient : public HttpClient {
     if (url.empty()) return {HttpError::BadUrl};
     int status = 0;
     for (int followed = 0; followed <= kMostRedirects; ++followed) {
-      WinHttpExchange exchange(session_, request, limits);
+      WinHttpExchange exchange(Session(), request, limits);
       const HttpError error = exchange.Send(url);
       if (error != HttpError::None) return exchange.Outcome(error, status);
       status = exchange.Head().status;
@@ -69,7 +71,15 @@ class WinHttpClient : public HttpClient {
   }
 
  private:
-  WinHttpSession session_;
+  // Opened by the first transfer: windows come before it.
+  WinHttpSession& Session() {
+    std::call_once(opened_, [this] { session_.emplace(age_); });
+    return *session_;
+  }
+
+  const WinHttpAge age_;
+  std::once_flag opened_;
+  std::optional<WinHttpSession> session_;
 };
 
 }  // namespace

@@ -32,23 +32,34 @@ void PictureReader::ReadAll() {
   const platform::ComApartment com(COINIT_MULTITHREADED);
   std::unique_lock lock(mutex_);
   while (!waiting_.empty()) {
-    const PictureKey picture = *(reading_ = std::move(waiting_.front()));
-    waiting_.pop_front();
-    lock.unlock();
-    UniqueBitmap bitmap = Read(picture);
-    lock.lock();
+    reading_ = waiting_.front();
+    UniqueBitmap bitmap = ReadFirst(lock);
     // Nobody wants it any more when all were dropped meanwhile.
-    if (reading_) read_[picture] = std::move(bitmap);
+    if (reading_) read_[*reading_] = std::move(bitmap);
     reading_.reset();
     ready_.notify_all();
   }
   atWork_ = false;
 }
 
+// Of those that wait; the lock is open meanwhile.
+UniqueBitmap PictureReader::ReadFirst(std::unique_lock<std::mutex>& lock) {
+  const PictureKey picture = std::move(waiting_.front());
+  waiting_.pop_front();
+  lock.unlock();
+  UniqueBitmap bitmap = Read(picture);
+  lock.lock();
+  return bitmap;
+}
+
 UniqueBitmap PictureReader::Take(const PictureKey& picture) {
   {
     std::unique_lock lock(mutex_);
     std::erase(waiting_, picture);
+    while (reading_ == picture && !waiting_.empty()) {
+      const PictureKey other = waiting_.front();
+      read_[other] = ReadFirst(lock);
+    }
     ready_.wait(lock, [&] { return reading_ != picture; });
     if (auto found = read_.extract(picture)) return std::move(found.mapped());
   }

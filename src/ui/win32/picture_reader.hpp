@@ -24,13 +24,14 @@ class PictureReader {
   PictureReader(const PictureReader&) = delete;
 
   void Begin(const PictureKey& picture);
-  // The picture, empty when it cannot be read: waits for one that is being read, and reads one whose turn has
-  // not come on this thread.
+  // The picture, empty when it cannot be read. One whose turn has not come is read on this thread, and while
+  // one that is being read is not ready, so are those that wait.
   UniqueBitmap Take(const PictureKey& picture);
   void DropAll();
 
  private:
   void ReadAll();
+  UniqueBitmap ReadFirst(std::unique_lock<std::mutex>& lock);
 
   std::mutex mutex_;
   std::condition_variable ready_;

@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#include <type_traits>
+
+#include "platform/win32/system_library.hpp"
+
 namespace ui::win32 {
 
 // A function of one of the system's own libraries; null where this Windows has no such library or function.
@@ -9,9 +13,8 @@ namespace ui::win32 {
 template <class Function>
 Function SystemFunction(const wchar_t* library, const char* name) {
   HMODULE module = GetModuleHandleW(library);
-  if (!module) module = LoadLibraryExW(library, nullptr, LOAD_LIBRARY_SEARCH_SYSTEM32);
-  if (!module) return nullptr;
-  return reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+  if (!module) module = platform::LoadSystemLibrary(library).release();
+  return platform::FunctionOf<std::remove_pointer_t<Function>>(module, name);
 }
 
 }  // namespace ui::win32
