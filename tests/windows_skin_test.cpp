@@ -51,7 +51,9 @@ TEST(Resample, PixelsAreMeansOfTheAreaTheyCover) {
 TEST(PictureCache, WhatIsReadAheadIsWhatIsReadAtOnce) {
   const std::tuple<const char*, int, int> pictures[] = {
       {"Launcher.jpg", 450, 280}, {"jugar_n.jpg", 368, 100}, {"none.jpg", 20, 20}, {"cerrar_n.jpg", 40, 40}};
-  ui::win32::PictureCache cache, plain;
+  ui::win32::PictureCache cache, plain, idle;
+  idle.Expect();  // no picture comes before it goes
+  cache.Expect();
   const auto ask = [&](const auto& picture) {
     const auto& [name, width, height] = picture;
     const std::vector<std::uint32_t> ahead = PixelsOf(cache.Picture(kSkin + name, width, height));

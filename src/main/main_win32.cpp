@@ -2,8 +2,6 @@
 // after windows.h, which it builds on
 #include <shlwapi.h>
 
-#include <optional>
-
 #include "launcher.hpp"
 #include "main/install_win32.hpp"
 #include "platform/crash_reports.hpp"
@@ -16,7 +14,6 @@
 #include "startup/error_recorder.hpp"
 #include "startup/folders.hpp"
 #include "startup/run_flags.hpp"
-#include "ui/win32/preload.hpp"
 #include "ui/win32/win32_dialogs.hpp"
 #include "ui/win32/win32_screen.hpp"
 
@@ -38,9 +35,8 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
   const auto profiles = platform::MakeProfileFiles();
   const auto http = platform::MakeHttpClient();
   ui::win32::Win32Screen screen;
-  std::optional<ui::win32::Preload> preload;
   if (!startup::RunFlags(platform::BaseNameOf(platform::ExecutablePath()), arguments).UpdatesOnly) {
-    preload.emplace();
+    screen.ExpectWindow();
   }
   events.preTranslate = [&screen](MSG& message) { return screen.Translate(message); };
   dialogs.SetScreen(&screen);

@@ -106,10 +106,6 @@ std::string frmMain::LoadFailure(const startup::Failure& failure) const {
 }
 
 void frmMain::SetUp(int& line, bool showWindow) {
-  line = 10;
-  screen_.Attach(window_);
-  loaded_ = true;
-  window_.tmrShow.Set(true);
   line = 20;
   FSys_.Form_Load(window_);
   line = 30;
@@ -124,6 +120,9 @@ void frmMain::SetUp(int& line, bool showWindow) {
   window_.lblClienteGm.Visible = staff_;
   line = 80;
   if (showWindow) window_.Visible = true;
+  screen_.Attach(window_);  // with all that it will show, so that it is on the screen as soon as it is made
+  loaded_ = true;
+  window_.tmrShow.Set(true);
   services_.host.events.DoEvents();
   line = 90;
   actions_.RestoreHosts();

@@ -51,6 +51,8 @@ Form::Form(FormShare& share, controls::Window& window)
       boxBrush_(CreateSolidBrush(Colours().box)) {
   Create();
   FitScale();
+  if (window_.Visible) PreparePictures();
+  SetIcons();
   MakeViews();
   Resize(nullptr);
   Centre();
@@ -107,7 +109,6 @@ void Form::FitScale() {
   if (wanted.cx > Width(work)) dpi_ = MulDiv(asked, Width(work), wanted.cx);
   if (wanted.cy > Height(work)) dpi_ = std::min(dpi_, MulDiv(asked, Height(work), wanted.cy));
   fonts_.clear();
-  SetIcons();
 }
 
 // The window and all in it, after a change of scale.
@@ -122,6 +123,7 @@ void Form::Resize(const POINT* corner) {
 
 void Form::Rescale(const POINT* corner) {
   FitScale();
+  SetIcons();
   Resize(corner);
 }
 
@@ -329,8 +331,8 @@ View* Form::ViewOf(HWND child) const {
 
 void Form::Activated(bool active) {
   if (!active) {
-    const HWND focus = GetFocus();
-    lastFocus_ = focus && IsChild(Handle(), focus) ? focus : nullptr;
+    // A window that loses the keyboard before any of its controls had it starts with the first one again.
+    if (const HWND focus = GetFocus(); focus && IsChild(Handle(), focus)) lastFocus_ = focus;
     return;
   }
   window_.Activate();

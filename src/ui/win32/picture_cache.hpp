@@ -14,6 +14,8 @@ namespace ui::win32 {
 // Pictures and cursors of the skin, read and brought to size once. Everything returned belongs to the cache.
 class PictureCache {
  public:
+  // Pictures will be asked for soon.
+  void Expect() { reader_.Expect(); }
   // Begins to read a picture that will be asked for soon.
   void Prepare(const std::string& path, int width, int height);
   // The picture of a file (full path), resampled to exactly this size; null when it cannot be read.

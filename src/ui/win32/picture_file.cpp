@@ -1,16 +1,11 @@
 #include "ui/win32/picture_file.hpp"
 
-#include <windows.h>
-// after windows.h, which it builds on
-#include <wincodec.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <vector>
 
 #include "platform/win32/wide.hpp"
 #include "ui/win32/resample.hpp"
-#include "ui/win32/unique_com.hpp"
 
 namespace ui::win32 {
 namespace {
@@ -18,16 +13,9 @@ namespace {
 constexpr UINT kLargestSide = 8192;  // pixels; more is no skin
 constexpr UINT kRowsAtOnce = 16;
 
-UniqueCom<IWICImagingFactory> MakeFactory() {
-  return Made<IWICImagingFactory>([](auto** made) {
-    return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                            reinterpret_cast<void**>(made));
-  });
-}
-
 // The first frame of the file in this form of pixel; null when there is none, or one too large.
 UniqueCom<IWICBitmapSource> Open(const std::string& path, const WICPixelFormatGUID& format, PixelSize& size) {
-  const auto factory = MakeFactory();
+  const auto factory = MakeImagingFactory();
   if (!factory) return nullptr;
   const auto decoder = Made<IWICBitmapDecoder>([&](auto** made) {
     return factory->CreateDecoderFromFilename(platform::SystemPath(path).c_str(), nullptr, GENERIC_READ,
@@ -80,6 +68,13 @@ class Rows {
 
 }  // namespace
 
+UniqueCom<IWICImagingFactory> MakeImagingFactory() {
+  return Made<IWICImagingFactory>([](auto** made) {
+    return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
+                            reinterpret_cast<void**>(made));
+  });
+}
+
 UniqueBitmap ReadPicture(const std::string& path, int width, int height) {
   PixelSize from;
   const auto source = Open(path, GUID_WICPixelFormat32bppBGR, from);
@@ -95,7 +90,7 @@ UniqueBitmap ReadPicture(const std::string& path, int width, int height) {
 UniqueIcon ReadIcon(const std::string& path, int size) {
   PixelSize from;
   const auto source = Open(path, GUID_WICPixelFormat32bppBGRA, from);
-  const auto factory = MakeFactory();
+  const auto factory = MakeImagingFactory();
   if (!source || !factory) return {};
   const auto scaler = Made<IWICBitmapScaler>([&](auto** made) { return factory->CreateBitmapScaler(made); });
   const auto side = static_cast<UINT>(size);

@@ -14,9 +14,34 @@ UniqueBitmap Read(const PictureKey& picture) {
   return ReadPicture(path, width, height);
 }
 
+// The first picture would look for what can read it, in libraries that cannot be loaded while the other
+// thread loads its own for the window. What was found once stays known.
+void LookForDecoders() {
+  const auto factory = MakeImagingFactory();
+  if (!factory) return;
+  Made<IEnumUnknown>([&](auto** made) {
+    return factory->CreateComponentEnumerator(WICDecoder, WICComponentEnumerateDefault, made);
+  });
+}
+
 }  // namespace
 
-PictureReader::~PictureReader() { DropAll(); }
+PictureReader::~PictureReader() {
+  DropAll();
+  const std::lock_guard lock(mutex_);
+  expecting_ = false;
+  ready_.notify_all();
+}
+
+void PictureReader::Expect() {
+  const std::lock_guard lock(mutex_);
+  expecting_ = true;
+  Start();
+}
+
+void PictureReader::Start() {
+  if (!std::exchange(atWork_, true)) thread_ = std::jthread([this] { ReadAll(); });
+}
 
 void PictureReader::Begin(const PictureKey& picture) {
   const std::lock_guard lock(mutex_);
@@ -24,13 +49,16 @@ void PictureReader::Begin(const PictureKey& picture) {
                      std::find(waiting_.begin(), waiting_.end(), picture) != waiting_.end();
   if (begun) return;
   waiting_.push_back(picture);
-  if (std::exchange(atWork_, true)) return;
-  thread_ = std::jthread([this] { ReadAll(); });
+  expecting_ = false;
+  ready_.notify_all();
+  Start();
 }
 
 void PictureReader::ReadAll() {
   const platform::ComApartment com(COINIT_MULTITHREADED);
+  LookForDecoders();
   std::unique_lock lock(mutex_);
+  ready_.wait(lock, [this] { return !expecting_; });
   while (!waiting_.empty()) {
     reading_ = waiting_.front();
     UniqueBitmap bitmap = ReadFirst(lock);

@@ -23,6 +23,10 @@ class PictureReader {
   ~PictureReader();
   PictureReader(const PictureReader&) = delete;
 
+  // Brings in what reads pictures and waits for the first of them. The caller's thread has COM, so that it
+  // stays. What makes windows when it is loaded must not come this way: two threads of which each loads
+  // something and makes windows can wait for each other for ever.
+  void Expect();
   void Begin(const PictureKey& picture);
   // The picture, empty when it cannot be read. One whose turn has not come is read on this thread, and while
   // one that is being read is not ready, so are those that wait.
@@ -30,6 +34,7 @@ class PictureReader {
   void DropAll();
 
  private:
+  void Start();
   void ReadAll();
   UniqueBitmap ReadFirst(std::unique_lock<std::mutex>& lock);
 
@@ -38,6 +43,7 @@ class PictureReader {
   std::deque<PictureKey> waiting_;
   std::optional<PictureKey> reading_;
   std::map<PictureKey, UniqueBitmap> read_;
+  bool expecting_ = false;  // the first picture
   bool atWork_ = false;
   std::jthread thread_;  // only while there is something to read
 };

@@ -15,7 +15,6 @@ namespace {
 constexpr UINT kIconId = 1;
 // The shell reports each mouse message on the icon as a move whose x coordinate is the message's number.
 constexpr UINT kCallback = WM_MOUSEMOVE;
-constexpr UINT kAdd = WM_APP;
 
 // The taskbar's scale is the icon's; it may change at any time.
 int IconSize(HWND own) {
@@ -58,8 +57,7 @@ LRESULT TrayIcon::Message(UINT message, WPARAM wParam, LPARAM lParam) {
     mouse_(LOWORD(lParam));
     return 0;
   }
-  const bool startedOver = message == taskbarCreated_;  // the shell, which has forgotten the icon
-  if ((message == kAdd || startedOver) && wanted_) Tell(NIM_ADD);
+  if (message == taskbarCreated_ && wanted_) Tell(NIM_ADD);  // the shell started over
   return DefWindowProcW(handle_.get(), message, wParam, lParam);
 }
 
@@ -93,8 +91,8 @@ void TrayIcon::Notify(TrayAction action, const std::string& tip) {
   tip_ = platform::Wide(tip);
   wanted_ = action != TrayAction::Remove;
   switch (action) {
-    case TrayAction::Add:  // by and by: the shell may be busy, and nobody waits for it
-      PostMessageW(handle_.get(), kAdd, 0, 0);
+    case TrayAction::Add:
+      Tell(NIM_ADD);
       break;
     case TrayAction::Modify:
       if (!Tell(NIM_MODIFY)) Tell(NIM_ADD);

@@ -17,6 +17,9 @@ class Win32Screen : public Screen, public controls::Face {
  public:
   Win32Screen();
 
+  // A window will be shown soon: what reads its pictures is brought in meanwhile.
+  void ExpectWindow() { share_.pictures.Expect(); }
+
   // For the message loop, before a message is dispatched; true when nothing is left to do with it.
   bool Translate(MSG& message);
 

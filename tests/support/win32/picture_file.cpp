@@ -1,13 +1,11 @@
 #include "support/win32/picture_file.hpp"
 
-#include <wincodec.h>
-
 #include <set>
 
 #include "platform/win32/com_apartment.hpp"
 #include "platform/win32/wide.hpp"
 #include "ui/win32/gdi.hpp"
-#include "ui/win32/unique_com.hpp"
+#include "ui/win32/picture_file.hpp"
 
 namespace support {
 namespace {
@@ -15,10 +13,7 @@ namespace {
 using ui::win32::Made;
 
 bool Encode(const WindowPicture& picture, const wchar_t* file) {
-  const auto factory = Made<IWICImagingFactory>([](auto** made) {
-    return CoCreateInstance(CLSID_WICImagingFactory, nullptr, CLSCTX_INPROC_SERVER, IID_IWICImagingFactory,
-                            reinterpret_cast<void**>(made));
-  });
+  const auto factory = ui::win32::MakeImagingFactory();
   if (!factory) return false;
   const auto stream = Made<IWICStream>([&](auto** made) { return factory->CreateStream(made); });
   const auto encoder = Made<IWICBitmapEncoder>(
