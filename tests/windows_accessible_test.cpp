@@ -120,6 +120,11 @@ TEST_F(WindowsAccessibleTest, WhatWasAskedForOutlivesItsWindow) {
 
 TEST_F(WindowsAccessibleTest, TheKeyboardWalksByImportance) {
   EXPECT_EQ(GetFocus(), At(window, "cmdIniciar"));
+  SetFocus(nullptr);
+  SendMessageW(handle, WM_ACTIVATE, WA_INACTIVE,
+               0);  // the desktop takes the keyboard before a control has it
+  SetFocus(handle);
+  EXPECT_EQ(GetFocus(), At(window, "cmdIniciar"));
   for (const char* next :
        {"cmdConfig", "cmdReiniciarUpdates", "cmdReportar", "cmdMinimize", "cmdClose", "cmdIniciar"}) {
     Key(VK_TAB);

@@ -249,6 +249,7 @@ void Form::ShowNow() {
   if (appears) {
     BringOntoMonitor();
     PreparePictures();
+    share_.aboutToShow();
   }
   moving_ = true;
   ShowWindow(Handle(), command);

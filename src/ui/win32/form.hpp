@@ -24,6 +24,7 @@ struct FormShare {
   PictureCache pictures;
   TaskbarProgress taskbar;
   Theme theme;
+  std::function<void()> aboutToShow;  // a form comes onto the screen
   // A form was told of it by the system.
   std::function<void()> settingsChanged;
   std::function<void()> resumed;  // the machine woke

@@ -2,17 +2,13 @@
 
 #include <windows.h>
 
-#include <shellapi.h>
-
-#include <algorithm>
-#include <vector>
+#include <utility>
 
 #include "ui/win32/dpi.hpp"
 
 namespace ui::win32 {
 namespace {
 
-constexpr UINT kIconId = 1;
 // The shell reports each mouse message on the icon as a move whose x coordinate is the message's number.
 constexpr UINT kCallback = WM_MOUSEMOVE;
 
@@ -27,7 +23,15 @@ int IconSize(HWND own) {
 TrayIcon::TrayIcon(PictureCache& pictures, std::function<void(int)> mouse)
     : pictures_(pictures),
       mouse_(std::move(mouse)),
-      taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")) {
+      handle_(Create()),
+      taskbarCreated_(RegisterWindowMessageW(L"TaskbarCreated")),
+      shell_(handle_.get(), kCallback) {
+  // A program with more rights than the shell would not hear it.
+  ChangeWindowMessageFilterEx(handle_.get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
+  SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+}
+
+HWND TrayIcon::Create() {
   WNDCLASSEXW info{};
   info.cbSize = sizeof info;
   info.lpfnWndProc = &TrayIcon::Procedure;
@@ -35,17 +39,11 @@ TrayIcon::TrayIcon(PictureCache& pictures, std::function<void(int)> mouse)
   info.lpszClassName = kTrayClass;
   RegisterClassExW(&info);
   // A top-level window, since the shell's broadcast does not reach others.
-  handle_.reset(CreateWindowExW(WS_EX_TOOLWINDOW, kTrayClass, L"Form1", WS_POPUP, 0, 0, 0, 0, nullptr,
-                                nullptr, info.hInstance, nullptr));
-  // A program with more rights than the shell would not hear it.
-  ChangeWindowMessageFilterEx(handle_.get(), taskbarCreated_, MSGFLT_ALLOW, nullptr);
-  SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+  return CreateWindowExW(WS_EX_TOOLWINDOW, kTrayClass, L"Form1", WS_POPUP, 0, 0, 0, 0, nullptr, nullptr,
+                         info.hInstance, nullptr);
 }
 
-TrayIcon::~TrayIcon() {
-  if (wanted_) Tell(NIM_DELETE);
-  SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, 0);
-}
+TrayIcon::~TrayIcon() { SetWindowLongPtrW(handle_.get(), GWLP_USERDATA, 0); }
 
 LRESULT CALLBACK TrayIcon::Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
   auto* icon = reinterpret_cast<TrayIcon*>(GetWindowLongPtrW(window, GWLP_USERDATA));
@@ -57,49 +55,36 @@ LRESULT TrayIcon::Message(UINT message, WPARAM wParam, LPARAM lParam) {
     mouse_(LOWORD(lParam));
     return 0;
   }
-  if (message == taskbarCreated_ && wanted_) Tell(NIM_ADD);  // the shell started over
+  if (message == taskbarCreated_ && wanted_) Show();  // the shell started over
   return DefWindowProcW(handle_.get(), message, wParam, lParam);
 }
 
 void TrayIcon::LoadIconImage() {
   const int size = IconSize(handle_.get());
   if (icon_ && loadedFile_ == file_ && loadedSize_ == size) return;
-  if (!file_.empty()) icon_ = pictures_.Icon(file_, size);
-  if (file_.empty() || !icon_) {
-    icon_.reset(static_cast<HICON>(
+  UniqueIcon icon;
+  if (!file_.empty()) icon = pictures_.Icon(file_, size);
+  if (!icon) {
+    icon.reset(static_cast<HICON>(
         LoadImageW(GetModuleHandleW(nullptr), L"AAA", IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
   }
+  icon_ = std::make_shared<const UniqueIcon>(std::move(icon));
   loadedFile_ = file_;
   loadedSize_ = size;
 }
 
-bool TrayIcon::Tell(DWORD action) {
+void TrayIcon::Show() {
   LoadIconImage();
-  NOTIFYICONDATAW data{};
-  data.cbSize = NOTIFYICONDATAW_V1_SIZE;  // the layout whose tip is a field of 64 characters
-  data.hWnd = handle_.get();
-  data.uID = kIconId;
-  data.uFlags = NIF_MESSAGE | NIF_ICON | NIF_TIP;
-  data.uCallbackMessage = kCallback;
-  data.hIcon = icon_.get();
-  const std::size_t length = std::min<std::size_t>(tip_.size(), 63);
-  std::copy_n(tip_.begin(), length, data.szTip);
-  return Shell_NotifyIconW(action, &data) != FALSE;
+  shell_.Want(ShellIcon::Look{icon_, tip_});
 }
 
 void TrayIcon::Notify(TrayAction action, const std::string& tip) {
   tip_ = platform::Wide(tip);
   wanted_ = action != TrayAction::Remove;
-  switch (action) {
-    case TrayAction::Add:
-      Tell(NIM_ADD);
-      break;
-    case TrayAction::Modify:
-      if (!Tell(NIM_MODIFY)) Tell(NIM_ADD);
-      break;
-    case TrayAction::Remove:
-      Tell(NIM_DELETE);
-      break;
+  if (wanted_) {
+    Show();
+  } else {
+    shell_.Want(std::nullopt);
   }
 }
 

@@ -8,7 +8,16 @@
 
 namespace ui::win32 {
 
+namespace {
+
+// The icon stands before a window does: where the shell makes a window of its own for it, that one would take
+// the keyboard away. A shell that does not answer is not waited for.
+constexpr std::chrono::milliseconds kForTheIcon{250};
+
+}  // namespace
+
 Win32Screen::Win32Screen() : tray_(share_.pictures, [this](int number) { TrayMessage(number); }) {
+  share_.aboutToShow = [this] { tray_.Await(kForTheIcon); };
   share_.settingsChanged = [this] { SettingsChanged(); };
   share_.resumed = [this] {
     if (resumed) resumed();
