@@ -1,6 +1,10 @@
 // Interrupted downloads go on where they stopped, and what is wanted next is fetched ahead.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <utility>
+
 #include "platform/files.hpp"
 #include "support/launcher_run.hpp"
 #include "support/web_world.hpp"
@@ -257,6 +261,28 @@ TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
     platform::RemoveFile(folder / "a");
     platform::TryRemoveFile(folder / "b");
   }
+}
+
+// Its answer begins only when it is waited for.
+TEST_F(AheadTest, WhatProvesTooLargeWhenItsTurnHasComeIsFetchedForItself) {
+  const std::string large = Body(5'000);
+  std::promise<void> waited;
+  const std::shared_future<void> turn = waited.get_future().share();
+  server.On("/a", [&](const SeenRequest&) {
+    turn.wait_for(std::chrono::seconds(10));
+    return support::Text(large);
+  });
+  transfers.FetchNext(Requests({"/a"}), {.bytes = 4'000});
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "a"; }));
+  web::FileRequest request = Request("/a");
+  request.path = folder / "a";
+  bool told = false;
+  const auto report = transfers.DownloadUrlToFile(request, [&] {
+    if (!std::exchange(told, true)) waited.set_value();
+  });
+  EXPECT_TRUE(report.Good()) << report.Details();
+  EXPECT_TRUE(folder.Get("a") == large);
+  EXPECT_EQ(Order(), "aa");
 }
 
 TEST(Progress, TellsWhichPatchOfHowManyAndOnlyRises) {

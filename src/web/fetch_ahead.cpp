@@ -17,10 +17,15 @@ FetchAhead::Item::~Item() {
   if (fetched_.kept) platform::TryRemoveFile(request.path);
 }
 
+bool FetchAhead::Item::Settle(std::unique_lock<std::mutex>& lock, const std::stop_token& stop) {
+  const auto settled = [this] { return state_ == State::Done || state_ == State::Passed; };
+  while (!settled() && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
+  return settled();
+}
+
 FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_token& stop) {
   std::unique_lock lock(mutex_);
-  while (state_ != State::Done && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
-  if (state_ != State::Done) {
+  if (!Settle(lock, stop)) {
     stop_.request_stop();
     FetchedFile none;
     none.report.outcome.error = platform::HttpError::Cancelled;
@@ -40,8 +45,7 @@ FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_toke
 
 std::string FetchAhead::Item::WaitFetched(const std::stop_token& stop) {
   std::unique_lock lock(mutex_);
-  const auto settled = [this] { return state_ == State::Done || state_ == State::Passed; };
-  while (!settled() && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
+  Settle(lock, stop);
   return fetched_.kept && fetched_.report.Good() ? request.path : std::string{};
 }
 

@@ -32,7 +32,8 @@ class FetchAhead {
     ~Item();
     Item(const Item&) = delete;
 
-    // Waits, on a working thread, until it is there or `stop` is requested, and gives it the name `path`.
+    // Waits, on a working thread, until it is there or `stop` is requested, and gives it the name `path`. One
+    // that is too large to be fetched ahead, as only its answer told, is left to be fetched for itself.
     FetchedFile Wait(const std::string& path, const std::stop_token& stop);
 
     // Waits, on a working thread, for the file under the name that it has until Wait gives it another one;
@@ -45,6 +46,8 @@ class FetchAhead {
    private:
     friend class FetchAhead;
     enum class State { Waiting, Fetching, Done, Passed };
+    bool Settle(std::unique_lock<std::mutex>& lock, const std::stop_token& stop);  // false: by `stop`
+
     State state_ = State::Waiting;
     FetchedFile fetched_;
     std::stop_source stop_;
