@@ -168,13 +168,18 @@ TEST_F(UnzipTest, WhatIsAddedComesWithTheArchiveOrNotAtAll) {
 
 // Its turn came before its transfer was begun, so it was fetched for itself.
 TEST_F(UnzipTest, WhatNobodyFetchesAheadIsNotWaitedFor) {
+  const std::string url = "http://mirror/p.zip", archive = folder / "juego ñ/p.zip";
   folder.Put("juego ñ/p.zip", MakeZip({{"a", "nueva"}}));
-  web::FileRequest wanted;
-  wanted.url = "http://mirror/p.zip";
-  const auto item = std::make_shared<web::FetchAhead::Item>(wanted);
-  update::ArchivePreparation preparation(item, folders);
-  EXPECT_TRUE(unzip.Unzip(folder / "juego ñ/p.zip", folders.AppPath, {.prepared = &preparation}).done);
-  EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  web::FetchAhead ahead{*host.http, folders.Scratch("ahead")};
+  const std::function<void()> ends[] = {[&] { EXPECT_EQ(ahead.Claim(url), nullptr); },
+                                        [&] { ahead.Want({}, {}); }, [&] { ahead.Stop(); }};
+  for (const auto& end : ends) {
+    ahead.Want({{.url = url, .path = {}}}, {.files = 0});
+    update::ArchivePreparation preparation(ahead.First(), folders);
+    end();
+    EXPECT_TRUE(unzip.Unzip(archive, folders.AppPath, {.prepared = &preparation}).done);
+    EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  }
 }
 
 TEST_F(UnzipTest, AJournalThatIsNotWholeMovesNothing) {

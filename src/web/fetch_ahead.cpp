@@ -49,6 +49,21 @@ std::string FetchAhead::Item::WaitFetched(const std::stop_token& stop) {
   return fetched_.kept && fetched_.report.Good() ? request.path : std::string{};
 }
 
+bool FetchAhead::Item::Close() {
+  const std::lock_guard lock(mutex_);
+  if (state_ == State::Waiting) state_ = State::Passed;
+  return state_ != State::Passed;
+}
+
+void FetchAhead::Drop() {
+  for (const auto& item : items_) {
+    if (!item) continue;
+    item->Close();
+    item->stop_.request_stop();
+  }
+  items_.clear();
+}
+
 void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
   if (threads_.empty()) platform::RemoveTree(folder_);  // what a launcher that was killed has left
   if (!next.empty()) platform::MakeFolders(folder_);
@@ -68,9 +83,7 @@ void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
       request.most = limits.bytes;
       wanted.push_back(std::make_shared<Item>(std::move(request)));
     }
-    for (const auto& item : items_) {
-      if (item) item->stop_.request_stop();
-    }
+    Drop();
     items_ = std::move(wanted);
     while (threads_.size() < limits.connections && !items_.empty()) threads_.emplace_back([this] { Work(); });
   }
@@ -88,16 +101,13 @@ std::shared_ptr<FetchAhead::Item> FetchAhead::Claim(const std::string& url) {
     items_.erase(found);
   }
   more_.notify_all();
-  const std::lock_guard lock(claimed->mutex_);
-  const bool begun = claimed->state_ == Item::State::Fetching || claimed->state_ == Item::State::Done;
-  return begun ? claimed : nullptr;
+  return claimed->Close() ? claimed : nullptr;
 }
 
 void FetchAhead::Stop() {
   {
     const std::lock_guard lock(mutex_);
-    for (const auto& item : items_) item->stop_.request_stop();
-    items_.clear();
+    Drop();
     stopping_ = true;
   }
   more_.notify_all();
