@@ -1,5 +1,6 @@
 #include "update/patch_journal.hpp"
 
+#include <filesystem>
 #include <set>
 
 #include "base/relative_name.hpp"
@@ -31,7 +32,10 @@ void JudgeMoves(const update::PatchMoves& moves, std::string_view journal, const
 void JudgeGame(const update::PatchMoves& moves, const std::map<std::string, std::string>& before,
                const std::map<std::string, std::string>& after) {
   std::set<std::string> named;
-  for (const std::string& name : moves.files) named.insert("game/" + base::WithSlashes(name));
+  const auto inGame = [](const std::string& name) {
+    return std::filesystem::path("game/" + base::WithSlashes(name)).lexically_normal().string();
+  };
+  for (const std::string& name : moves.files) named.insert(inGame(name));
   const auto rest = [&](std::map<std::string, std::string> files) {
     std::erase_if(files, [&](const auto& file) {
       return named.contains(file.first) || file.first.starts_with(kStaging);
@@ -43,7 +47,7 @@ void JudgeGame(const update::PatchMoves& moves, const std::map<std::string, std:
   for (std::size_t i = 0; i < moves.files.size(); ++i) {
     const auto old = before.find(kStaging + "viejo" + std::to_string(i));
     if (old == before.end()) continue;
-    const auto found = after.find("game/" + base::WithSlashes(moves.files[i]));
+    const auto found = after.find(inGame(moves.files[i]));
     fuzz::Require(found != after.end() && found->second == old->second, "an old file is back in its place");
   }
 }
