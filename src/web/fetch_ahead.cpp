@@ -153,7 +153,7 @@ void FetchAhead::Work() {
     lock.unlock();
     const bool good = Fetch(*item);
     lock.lock();
-    blocked_ = blocked_ || !good;
+    blocked_ = blocked_ || (!good && !item->stop_.stop_requested());
   }
 }
 
