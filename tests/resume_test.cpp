@@ -215,17 +215,6 @@ TEST_F(AheadTest, StaysWithinItsLimitsAndInOrder) {
   EXPECT_TRUE(platform::IsFile(folder / "a"));
 }
 
-TEST_F(AheadTest, AFileThatIsKnownToBeLargeIsNotAskedForAhead) {
-  server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
-  std::vector<web::FileRequest> requests = Requests({"/a", "/b"});
-  requests[1].expected.size = 5'000;
-  ahead.Want(std::move(requests), {.files = 4, .bytes = 4'000});
-  ASSERT_TRUE(PumpUntil([&] { return Files() == 1; }));
-  EXPECT_EQ(ahead.Claim(server.Url("/b")), nullptr);
-  ahead.Stop();
-  EXPECT_EQ(Order(), "a");
-}
-
 TEST_F(AheadTest, WhatAKilledLauncherLeftIsNoHindrance) {
   server.Otherwise([](const SeenRequest&) { return support::Text("new"); });
   folder.Put("game/RECURSOS/INIT/UPDATE/ahead/1", "old");
@@ -240,14 +229,20 @@ TEST_F(AheadTest, WhatAKilledLauncherLeftIsNoHindrance) {
 TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
   const struct {
     Answer second;
+    std::optional<std::uint64_t> known;
     bool claimed;
-  } cases[] = {{support::Page(404, "no"), true}, {support::Text(std::string(5'000, 'x')), false}};
+    std::string order;
+  } cases[] = {{support::Page(404, "no"), {}, true, "ab"},
+               {support::Text(std::string(5'000, 'x')), {}, false, "ab"},
+               {support::Text("x"), 5'000, false, "a"}};
   for (const auto& test : cases) {
     server.Forget();
     server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
     server.On("/b", test.second);
-    ahead.Want(Requests({"/a", "/b", "/c"}), {.files = 4, .bytes = 4'000});
-    ASSERT_TRUE(PumpUntil([&] { return Order() == "ab"; }));
+    std::vector<web::FileRequest> requests = Requests({"/a", "/b", "/c"});
+    requests[1].expected.size = test.known;
+    ahead.Want(std::move(requests), {.files = 4, .bytes = 4'000});
+    ASSERT_TRUE(PumpUntil([&] { return Order() == test.order; }));
     const auto first = ahead.Claim(server.Url("/a"));
     ASSERT_TRUE(first);
     EXPECT_TRUE(first->Wait(folder / "a", {}).report.Good());
@@ -258,7 +253,7 @@ TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
     }
     EXPECT_EQ(ahead.Claim(server.Url("/c")), nullptr);
     ahead.Stop();
-    EXPECT_EQ(Order(), "ab");
+    EXPECT_EQ(Order(), test.order);
     platform::RemoveFile(folder / "a");
     platform::TryRemoveFile(folder / "b");
   }
