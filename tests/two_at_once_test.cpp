@@ -258,6 +258,7 @@ TEST(Failures, AStaleOrForeignPackedFileNeverReachesTheGame) {
   EXPECT_FALSE(run.Has("Bin/nuevo.dll"));
   EXPECT_NE(Log(run).find("a.dll: su contenido no es el que nombra el índice"), std::string::npos)
       << Log(run);
+  EXPECT_EQ(Log(run).find("a.dll.kvn"), std::string::npos) << "it is gone before it could be installed";
   EXPECT_TRUE(platform::ListTree(run.PathOf("RECURSOS/UPDATE")).empty());
   EXPECT_FALSE(run.Has("RECURSOS/UPDATE/sub")) << "no empty folder is left behind";
   EXPECT_FALSE(run.Has("RECURSOS/INIT/UPDATE/tmp.tmp"));

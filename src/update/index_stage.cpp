@@ -171,7 +171,6 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
       FetchAgain(i, {failures, [&, i] { FetchBehind(i, verification, progress); }}, progress);
     }
   }
-  download_.ForgetFollowing();
   if (writable && !ended()) Remember(verification, proved);
   return left;
 }
