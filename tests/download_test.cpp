@@ -125,7 +125,7 @@ TEST_F(DownloadTest, WhatLiesReadyMakesRoomAndAFileInUseIsNotFetchedTwice) {
   download.following = {"d.zip"};
   EXPECT_EQ(download.DescargarArchivo("c.zip", true).result, update::DownloadResult::Stopped);
   EXPECT_EQ(server.Count("/m/NewAct2/c.zip"), 1u);
-  while (!platform::IsFolder(folders.Scratch("Unzip"))) std::this_thread::yield();
+  while (server.Count("/m/NewAct2/d.zip") == 0) std::this_thread::yield();
   download.ForgetFollowing();
   EXPECT_FALSE(platform::IsFolder(folders.Scratch("Unzip"))) << "what was prepared goes as well";
 }
