@@ -7,6 +7,8 @@
 #include "startup/deployment.hpp"
 #include "support/archives.hpp"
 #include "support/signer.hpp"
+#include "update/digest_record.hpp"
+#include "update/patch_journal.hpp"
 
 namespace {
 
@@ -92,6 +94,27 @@ void WriteEntries() {
                                    "mapas/b\\ other bytes\\ " + std::string(8, '\1'));
 }
 
+// Without their seals, which the target makes.
+void WriteRecords() {
+  const std::string file = root + "/digest_record/plain";
+  platform::MakeFolders(platform::FolderOf(file));
+  update::DigestRecord record(file, "any");
+  record.Remember("KVN-DX8.exe", {692'000, 133'000'000'000}, {});
+  record.Remember("datos/sonido \xC3\xB1.wav", {0, -1}, {});
+  record.Save([](const std::string&) {});
+  const std::string text = platform::ReadWhole(file, 1 << 16);
+  platform::WriteWhole(file, text.substr(0, text.find("; sello ")));
+}
+
+void WriteJournals() {
+  update::WriteJournal(root, {{"n", "n/m"}, {"Bin/old.dat", "n/m/b", "c"}});
+  const std::string journal = root + "/diario.txt", text = platform::ReadWhole(journal, 1 << 16);
+  platform::RemoveFile(journal);
+  Write("patch_journal/begun", "\x17" + text);
+  Write("patch_journal/moved", "\x16" + text);
+  Write("patch_journal/torn", "\xFF" + text.substr(0, text.size() / 2));
+}
+
 const std::pair<const char*, std::string> kTexts[] = {
     {"update_list/plain", "[INIT]\nInit=1\nMapas=32767\nGraficos=0\nMidis=5\nWavs=x\nAU= 7\nExtras=1e3\n"},
     {"update_list/one-line", "[INIT] Init=1 Mapas=2 Graficos=40000 Midis=\"5\" Wavs=-1 AU=.5 Extras=+3"},
@@ -152,6 +175,8 @@ int main(int count, char** words) {
   WriteIndexes();
   WriteArchives();
   WriteEntries();
+  WriteRecords();
+  WriteJournals();
   for (const auto& [name, text] : kTexts) Write(name, text);
   return 0;
 }

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <thread>
 
 #include "platform/files.hpp"
 #include "support/archives.hpp"
@@ -124,7 +125,9 @@ TEST_F(DownloadTest, WhatLiesReadyMakesRoomAndAFileInUseIsNotFetchedTwice) {
   download.following = {"d.zip"};
   EXPECT_EQ(download.DescargarArchivo("c.zip", true).result, update::DownloadResult::Stopped);
   EXPECT_EQ(server.Count("/m/NewAct2/c.zip"), 1u);
+  while (server.Count("/m/NewAct2/d.zip") == 0) std::this_thread::yield();
   download.ForgetFollowing();
+  EXPECT_FALSE(platform::IsFolder(folders.Scratch("Unzip"))) << "what was prepared goes as well";
 }
 
 TEST_F(DownloadTest, TheEndOfTheProgramDuringADownloadClosesTheLauncher) {

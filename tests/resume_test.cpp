@@ -1,6 +1,10 @@
 // Interrupted downloads go on where they stopped, and what is wanted next is fetched ahead.
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <future>
+#include <utility>
+
 #include "platform/files.hpp"
 #include "support/launcher_run.hpp"
 #include "support/web_world.hpp"
@@ -72,6 +76,7 @@ TEST_F(ResumeTest, GoesOnOnlyWithTheSameFileOfTheSameServer) {
     bool asksForRest;
     std::size_t requests;
     bool lastForRest;
+    std::function<void()> tamper{};  // with what lies there
   } cases[] = {
       {"the rest", kRanges, [](auto&, std::size_t came) { return Rest(came); }, true, 1, true},
       {"another file by now", kRanges, whole, true, 1, true},
@@ -82,12 +87,16 @@ TEST_F(ResumeTest, GoesOnOnlyWithTheSameFileOfTheSameServer) {
        false},
       {"no ranges", noRanges, whole, false, 1, false},
       {"a weak tag", weakTag, whole, false, 1, false},
+      {"an unreadable note", kRanges, whole, false, 1, false,
+       [&] { platform::WriteWhole(part + ".txt", "nonsense\n\n\n\n\n"); }},
+      {"a grown part", kRanges, whole, false, 1, false, [&] { platform::AppendTo(part, kWhole); }},
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.name);
     Interrupt(test.first);
     const std::size_t came = Came();
-    EXPECT_EQ(came > 0, test.asksForRest);
+    EXPECT_EQ(came > 0, test.asksForRest || test.tamper);
+    if (test.tamper) test.tamper();
     server.On("/a.zip", [&](const SeenRequest& request) { return test.then(request, came); });
     const web::TransferReport report = Fetch();
     EXPECT_TRUE(report.Good()) << report.Details();
@@ -127,21 +136,7 @@ TEST_F(ResumeTest, MoreThanThereMustBeByNowBeginsAgain) {
   EXPECT_TRUE(platform::ReadWhole(target, 1 << 24) == small);
 }
 
-TEST_F(ResumeTest, AnUnreadableNoteOrAGrownPartBeginsAgain) {
-  for (const bool grown : {false, true}) {
-    Interrupt(kRanges);
-    if (grown) {
-      platform::AppendTo(part, kWhole);
-    } else {
-      platform::WriteWhole(part + ".txt", "nonsense\n\n\n\n\n");
-    }
-    server.On("/a.zip", support::Text(kWhole));
-    EXPECT_TRUE(Fetch().Good());
-    EXPECT_EQ(server.Seen()[0].Header("range"), "");
-  }
-}
-
-// A whole launcher: the line breaks in the second archive, and the player starts it again.
+// A whole launcher: the line goes silent in the second archive, and the player closes it and starts it again.
 TEST(Resume, AcrossAStartOfTheLauncher) {
   support::LauncherRun run;
   run.mirror.AddPatch("Mapas", {{"RECURSOS/MAPAS1/1.map", "uno"}});
@@ -153,12 +148,16 @@ TEST(Resume, AcrossAStartOfTheLauncher) {
   Answer cut = support::CutShort(whole, kCut, Answer::Cut::Silence);
   cut.headers = kRanges;
   run.mirror.server.On(path, cut);
-  run.Start();
-  run.Play();
   const std::string part = run.PathOf("RECURSOS/INIT/UPDATE/parts/MapasMapas2.zip");
-  run.Until([&] { return platform::StampOf(part) && platform::StampOf(part)->size > 100'000; }, "a part");
-  run.Launched().CloseLauncher();
-  run.Until([&] { return run.Launched().Life().Ending(); }, "the end");
+  const auto close = run.machine.events->Timers().Start(1, [&] {
+    const auto stamp = platform::StampOf(part);
+    if (stamp && stamp->size > 100'000 && !run.Launched().Life().Ending())
+      run.Launched().MainWindow().KeyDown(controls::kKeyEscape);
+  });
+  run.machine.clock.stepOnRead = 1;  // also while the launcher waits
+  run.PlayToTheEnd();
+  run.machine.events->Timers().Stop(close);
+  EXPECT_FALSE(run.Has("MapasMapas2.zip"));
   std::string range;
   run.mirror.server.On(path, [&](const SeenRequest& request) {
     range = request.Header("range");
@@ -195,68 +194,77 @@ struct AheadTest : testing::Test, support::WebWorld {
 
 TEST_F(AheadTest, StaysWithinItsLimitsAndInOrder) {
   server.Otherwise([](const SeenRequest&) { return support::Text(std::string(1'000, 'x')); });
+  server.On("/d", support::Silent());
+  folder.Put("game/RECURSOS/INIT/UPDATE/ahead/1", "what a killed launcher left");
   ahead.Want(Requests({"/a", "/b", "/c", "/d", "/e", "/f"}), {.files = 3, .bytes = 1 << 20});
   ASSERT_TRUE(PumpUntil([&] { return Files() == 3; }));
   EXPECT_EQ(Order(), "abc");
   const auto item = ahead.Claim(server.Url("/a"));
   ASSERT_TRUE(item);
   EXPECT_TRUE(item->Wait(folder / "a", {}).kept);
+  EXPECT_EQ(folder.Get("a").size(), 1'000u);
   ASSERT_TRUE(PumpUntil([&] { return Order() == "abcd"; }));
   EXPECT_EQ(ahead.Claim(server.Url("/f")), nullptr) << "not begun";
   ahead.Want(Requests({"/z"}), {});
-  ASSERT_TRUE(PumpUntil([&] { return Order() == "abcdz"; }));
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "abcdz"; })) << "what is given up has not failed";
   ahead.Stop();
-  EXPECT_EQ(Files(), 0u) << "what nobody claimed is gone";
+  EXPECT_FALSE(platform::IsFolder(scratch)) << "what nobody claimed is gone";
   EXPECT_TRUE(platform::IsFile(folder / "a"));
-}
-
-TEST_F(AheadTest, AFileThatIsKnownToBeLargeIsNotAskedForAhead) {
-  server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
-  std::vector<web::FileRequest> requests = Requests({"/a", "/b"});
-  requests[1].expected.size = 5'000;
-  ahead.Want(std::move(requests), {.files = 4, .bytes = 4'000});
-  ASSERT_TRUE(PumpUntil([&] { return Files() == 1; }));
-  EXPECT_EQ(ahead.Claim(server.Url("/b")), nullptr);
-  ahead.Stop();
-  EXPECT_EQ(Order(), "a");
-}
-
-TEST_F(AheadTest, WhatAKilledLauncherLeftIsNoHindrance) {
-  server.Otherwise([](const SeenRequest&) { return support::Text("new"); });
-  folder.Put("game/RECURSOS/INIT/UPDATE/ahead/1", "old");
-  ahead.Want(Requests({"/a"}), {});
-  ASSERT_TRUE(PumpUntil([&] { return Order() == "a"; }));
-  const auto item = ahead.Claim(server.Url("/a"));
-  ASSERT_TRUE(item);
-  EXPECT_TRUE(item->Wait(folder / "a", {}).kept);
-  EXPECT_EQ(folder.Get("a"), "new");
 }
 
 TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
   const struct {
     Answer second;
+    std::optional<std::uint64_t> known;
     bool claimed;
-  } cases[] = {{support::Page(404, "no"), true}, {support::Text(std::string(5'000, 'x')), false}};
+    std::string order;
+  } cases[] = {{support::Page(404, "no"), {}, true, "ab"},
+               {support::Text(std::string(5'000, 'x')), {}, false, "ab"},
+               {support::Text("x"), 5'000, false, "a"}};
   for (const auto& test : cases) {
     server.Forget();
     server.Otherwise([](const SeenRequest&) { return support::Text("x"); });
     server.On("/b", test.second);
-    ahead.Want(Requests({"/a", "/b", "/c"}), {.files = 4, .bytes = 4'000});
-    ASSERT_TRUE(PumpUntil([&] { return Order() == "ab"; }));
+    std::vector<web::FileRequest> requests = Requests({"/a", "/b", "/c"});
+    requests[1].expected.size = test.known;
+    ahead.Want(std::move(requests), {.files = 4, .bytes = 4'000});
+    ASSERT_TRUE(PumpUntil([&] { return Order() == test.order; }));
     const auto first = ahead.Claim(server.Url("/a"));
     ASSERT_TRUE(first);
     EXPECT_TRUE(first->Wait(folder / "a", {}).report.Good());
-    const auto second = ahead.Claim(server.Url("/b"));
+    const auto second = test.known ? nullptr : ahead.Claim(server.Url("/b"));
     if (test.claimed) {
       ASSERT_TRUE(second);
       EXPECT_FALSE(second->Wait(folder / "b", {}).report.Good());
     }
     EXPECT_EQ(ahead.Claim(server.Url("/c")), nullptr);
     ahead.Stop();
-    EXPECT_EQ(Order(), "ab");
+    EXPECT_EQ(Order(), test.order);
     platform::RemoveFile(folder / "a");
     platform::TryRemoveFile(folder / "b");
   }
+}
+
+// Its answer begins only when it is waited for.
+TEST_F(AheadTest, WhatProvesTooLargeWhenItsTurnHasComeIsFetchedForItself) {
+  const std::string large = Body(5'000);
+  std::promise<void> waited;
+  const std::shared_future<void> turn = waited.get_future().share();
+  server.On("/a", [&](const SeenRequest&) {
+    turn.wait_for(std::chrono::seconds(10));
+    return support::Text(large);
+  });
+  transfers.FetchNext(Requests({"/a"}), {.bytes = 4'000});
+  ASSERT_TRUE(PumpUntil([&] { return Order() == "a"; }));
+  web::FileRequest request = Request("/a");
+  request.path = folder / "a";
+  bool told = false;
+  const auto report = transfers.DownloadUrlToFile(request, [&] {
+    if (!std::exchange(told, true)) waited.set_value();
+  });
+  EXPECT_TRUE(report.Good()) << report.Details();
+  EXPECT_TRUE(folder.Get("a") == large);
+  EXPECT_EQ(Order(), "aa");
 }
 
 TEST(Progress, TellsWhichPatchOfHowManyAndOnlyRises) {

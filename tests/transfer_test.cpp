@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <future>
+
 #include "startup/blocking.hpp"
 #include "support/web_world.hpp"
 #include "web/answer_cache.hpp"
@@ -195,13 +197,24 @@ TEST_F(TransferTest, BlockingWorkHandsItsFailureOver) {
   EXPECT_THROW(
       startup::RunBlocking(world.services, [](std::stop_token) { throw std::runtime_error("lost"); }),
       std::runtime_error);
-  int innerRuns = 0;
+}
+
+TEST_F(TransferTest, BlockingWorkNestsAndIsLookedAtOnceMoreWhenItHasEnded) {
+  int innerRuns = 0, rounds = 0;
   world.When([] { return true; },
              [&] { startup::RunBlocking(world.services, [&](std::stop_token) { ++innerRuns; }); });
-  startup::RunBlocking(world.services, [&](std::stop_token) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));  // long enough for a round
+  std::promise<void> nested, ended;
+  const auto work = [&](std::stop_token) {
+    nested.get_future().wait();
+    ended.set_value_at_thread_exit();
+  };
+  startup::RunBlocking(world.services, work, [&] {
+    if (innerRuns == 0 || ++rounds > 1) return;
+    nested.set_value();
+    ended.get_future().wait();
   });
-  EXPECT_EQ(innerRuns, 1) << "calls nest";
+  EXPECT_EQ(innerRuns, 1);
+  EXPECT_EQ(rounds, 2);
 }
 
 TEST_F(TransferTest, FreshAnswersAreUsedAgain) {

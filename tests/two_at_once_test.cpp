@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <chrono>
 #include <list>
 
 #include "platform/encoding.hpp"
@@ -244,20 +245,31 @@ TEST(Failures, AManifestOrScratchFolderThatCannotBeWrittenDoesNotStopTheStart) {
 }
 
 // What was expanded must be what the index names before it replaces anything.
+// The second file is asked for while the first one is still on its way.
 TEST(Failures, AStaleOrForeignPackedFileNeverReachesTheGame) {
   LauncherRun run;
   PublishGame(run);
-  run.mirror.server.On(run.mirror.PathOf("NewAct2/Bin/sub/a.dll.kvn"),
-                       support::Text(support::MakePacked("otra versión")));
+  support::FaultyServer& server = run.mirror.server;
+  const std::string first = run.mirror.PathOf("NewAct2/Bin/KVN-DX8.exe.kvn"),
+                    second = run.mirror.PathOf("NewAct2/Bin/sub/a.dll.kvn");
+  std::atomic<bool> together = false;
+  server.On(first, [&, whole = server.AnswerFor({"GET", first, {}})](const support::SeenRequest&) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    while (!together && std::chrono::steady_clock::now() < end) together = server.Count(second) > 0;
+    return whole;
+  });
+  server.On(second, support::Text(support::MakePacked("otra versión")));
   run.Put("Bin/sub/a.dll", "la vieja");
   run.Put("RECURSOS/UPDATE/KVN-DX8.exe.kvn", support::MakePacked("ajeno"));
   run.Put("RECURSOS/UPDATE/nuevo.dll.kvn", support::MakePacked("ajeno"));
   run.PlayToTheEnd();
+  EXPECT_TRUE(together);
   EXPECT_EQ(run.Get("Bin/KVN-DX8.exe"), "el cliente");
   EXPECT_EQ(run.Get("Bin/sub/a.dll"), "la vieja");
   EXPECT_FALSE(run.Has("Bin/nuevo.dll"));
   EXPECT_NE(Log(run).find("a.dll: su contenido no es el que nombra el índice"), std::string::npos)
       << Log(run);
+  EXPECT_EQ(Log(run).find("a.dll.kvn"), std::string::npos) << "it is gone before it could be installed";
   EXPECT_TRUE(platform::ListTree(run.PathOf("RECURSOS/UPDATE")).empty());
   EXPECT_FALSE(run.Has("RECURSOS/UPDATE/sub")) << "no empty folder is left behind";
   EXPECT_FALSE(run.Has("RECURSOS/INIT/UPDATE/tmp.tmp"));

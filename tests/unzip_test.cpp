@@ -3,10 +3,12 @@
 
 #include <functional>
 #include <map>
+#include <thread>
 
 #include "base/relative_name.hpp"
 #include "platform/files.hpp"
 #include "support/archives.hpp"
+#include "support/faulty_server.hpp"
 #include "support/test_services.hpp"
 #include "update/patch_failure.hpp"
 #include "update/patch_journal.hpp"
@@ -168,13 +170,44 @@ TEST_F(UnzipTest, WhatIsAddedComesWithTheArchiveOrNotAtAll) {
 
 // Its turn came before its transfer was begun, so it was fetched for itself.
 TEST_F(UnzipTest, WhatNobodyFetchesAheadIsNotWaitedFor) {
+  const std::string url = "http://mirror/p.zip", archive = folder / "juego ñ/p.zip";
   folder.Put("juego ñ/p.zip", MakeZip({{"a", "nueva"}}));
-  web::FileRequest wanted;
-  wanted.url = "http://mirror/p.zip";
-  const auto item = std::make_shared<web::FetchAhead::Item>(wanted);
-  update::ArchivePreparation preparation(item, folders);
-  EXPECT_TRUE(unzip.Unzip(folder / "juego ñ/p.zip", folders.AppPath, {.prepared = &preparation}).done);
-  EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  web::FetchAhead ahead{*host.http, folders.Scratch("ahead")};
+  const std::function<void()> ends[] = {[&] { EXPECT_EQ(ahead.Claim(url), nullptr); },
+                                        [&] { ahead.Want({}, {}); }, [&] { ahead.Stop(); }};
+  for (const auto& end : ends) {
+    ahead.Want({{.url = url, .path = {}}}, {.files = 0});
+    update::ArchivePreparation preparation(ahead.First(), folders);
+    end();
+    EXPECT_TRUE(unzip.Unzip(archive, folders.AppPath, {.prepared = &preparation}).done);
+    EXPECT_EQ(folder.Get("juego ñ/a"), "nueva");
+  }
+}
+
+TEST_F(UnzipTest, WhatIsPreparedCountsUnlessThisMachineWasAtFault) {
+  const std::string zip = MakeZip({{"a", std::string(3'000'000, 'n')}}), archive = folder / "juego ñ/p.zip";
+  const startup::Folders belowAFile(archive);
+  const struct {
+    const char* what;
+    std::string prepared, there;
+    const startup::Folders& into;
+    bool done;
+  } cases[] = {{"it is not expanded again", zip, "", folders, true},
+               {"it is damaged", "no archive", zip, folders, false},
+               {"it could not be expanded", zip, zip, belowAFile, true}};
+  for (const auto& test : cases) {
+    folder.Put("juego ñ/p.zip", test.there);
+    support::FaultyServer server;
+    server.On("/p.zip", support::Text(test.prepared));
+    web::FetchAhead ahead{*host.http, folders.Scratch("ahead")};
+    ahead.Want({{.url = server.Url("/p.zip"), .path = {}}}, {});
+    update::ArchivePreparation preparation(ahead.First(), test.into);
+    while (server.Count("/p.zip") == 0) std::this_thread::yield();
+    EXPECT_TRUE(ahead.Claim(server.Url("/p.zip")));
+    const update::Unpacked unpacked = unzip.Unzip(archive, folders.AppPath, {.prepared = &preparation});
+    EXPECT_EQ(unpacked.done, test.done) << test.what << ": " << unpacked.reason;
+    EXPECT_FALSE(unpacked.ownFailure) << test.what;
+  }
 }
 
 TEST_F(UnzipTest, AJournalThatIsNotWholeMovesNothing) {

@@ -264,31 +264,6 @@ TEST(UpdateCheck, AnIndexThatNamesNoFileForCertainDeletesNothing) {
   EXPECT_EQ(run.GameFiles(), before);
 }
 
-TEST(UpdateCheck, ClosingDuringADownloadEndsItAndLeavesNoPiece) {
-  LauncherRun run;
-  run.mirror.AddPatch("Extras", {{"leame.txt", "x"}});
-  run.mirror.Publish();
-  Answer slow = support::Text(std::string(10'000'000, 'x'));
-  slow.paceBytes = 1000;
-  const std::string path = run.mirror.PathOf("OldAct/Extras/Extras1.zip");
-  run.mirror.server.On(path, slow);
-  run.Start();
-  const auto before = run.GameFiles();
-  // The player looks at the window from inside the download: events are handled while it runs.
-  bool pressed = false;
-  const auto id = run.machine.events->Timers().Start(10, [&] {
-    if (pressed || run.mirror.server.Count(path) == 0) return;
-    pressed = true;
-    run.Launched().MainWindow().KeyDown(controls::kKeyEscape);
-  });
-  run.machine.clock.stepOnRead = 5;
-  run.Play();
-  run.UntilEnded();
-  run.machine.events->Timers().Stop(id);
-  EXPECT_TRUE(pressed);
-  EXPECT_EQ(run.GameFiles(), before);
-}
-
 TEST(Launch, RegistersTheLibrariesOncePerSet) {
   LauncherRun run;
   run.mirror.AddBinFile("KVN-DX8.exe", "cliente");

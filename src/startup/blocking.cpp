@@ -37,8 +37,9 @@ void RunBlocking(const Services& services, const std::function<void(std::stop_to
     const auto passOn = [&worker] { worker.request_stop(); };
     const std::stop_callback atTheEnd(services.lifetime.Token(), passOn);
     const std::stop_callback onDemand(stop, passOn);
-    while (!ended.load(std::memory_order_acquire)) {
-      services.host.events.WaitEvents(kRoundMs);
+    for (bool last = false; !last;) {
+      if (!ended.load(std::memory_order_acquire)) services.host.events.WaitEvents(kRoundMs);
+      last = ended.load(std::memory_order_acquire);
       if (onRound) onRound();
     }
   }

@@ -14,7 +14,7 @@ ArchivePreparation::ArchivePreparation(std::shared_ptr<web::FetchAhead::Item> it
 
 // A fault of this machine is left to the archive's own turn, when the one before it has made room.
 void ArchivePreparation::Run(std::shared_ptr<web::FetchAhead::Item> item, const std::stop_token& stop) {
-  const std::string archive = item->WaitFetched(waiting_.get_token());
+  const std::string archive = item->WaitFetched(stop);
   if (archive.empty()) return;
   try {
     staged_ = std::make_unique<StagedArchive>(archive, folders_.AppPath, folders_, stop);
@@ -25,7 +25,6 @@ void ArchivePreparation::Run(std::shared_ptr<web::FetchAhead::Item> item, const 
 }
 
 std::unique_ptr<StagedArchive> ArchivePreparation::Take(const std::stop_token& stop) {
-  waiting_.request_stop();
   {
     const std::stop_callback onStop(stop, [this] { thread_.request_stop(); });
     thread_.join();

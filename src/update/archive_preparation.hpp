@@ -18,13 +18,12 @@ class ArchivePreparation {
  public:
   // `folders` outlive it.
   ArchivePreparation(std::shared_ptr<web::FetchAhead::Item> item, const startup::Folders& folders);
-  ~ArchivePreparation() { waiting_.request_stop(); }
 
   const std::string& Url() const { return url_; }
 
-  // Waits for it on a working thread, once the archive has come: it is not waited for any longer, since what
-  // was not begun ahead never comes that way. Raises what is wrong with the archive; nothing when it could
-  // not be expanded for any other reason, or when `stop` is requested. To be called once.
+  // Waits for it on a working thread, once the item is claimed or given up. Raises what is wrong with the
+  // archive; nothing when it was not fetched ahead, when it could not be expanded for any other reason, or
+  // when `stop` is requested. To be called once.
   std::unique_ptr<StagedArchive> Take(const std::stop_token& stop);
 
  private:
@@ -34,8 +33,7 @@ class ArchivePreparation {
   const startup::Folders& folders_;
   std::unique_ptr<StagedArchive> staged_;
   std::exception_ptr damage_;
-  std::stop_source waiting_;  // for the archive
-  std::jthread thread_;       // last: joined before what it uses goes away
+  std::jthread thread_;  // last: joined before what it uses goes away
 };
 
 }  // namespace update

@@ -70,28 +70,28 @@ IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
   fetched_.clear();
-  taken_ = {};
+  modCompression::Outcome taken;
   const Fetched fetched = download_.DescargarArchivo(
-      kIndexName, false, {.judge = [this](const std::string& packed) { return Take(packed); }});
+      kIndexName, false, {.judge = [&](const std::string& packed) { return Take(packed, taken); }});
   platform::TryRemoveFile(services_.folders.FetchDir + platform::kSeparator + kIndexName);
   services_.host.events.DoEvents();
   const bool good = fetched.result == DownloadResult::Done;
-  if (!good && taken_.complaint && !services_.lifetime.Ending()) compression_.Tell(kIndexName, taken_);
+  if (!good && taken.complaint && !services_.lifetime.Ending()) compression_.Tell(kIndexName, taken);
   NoteRefusals();
   return good;
 }
 
 // Reads the index; why it cannot be used, empty when it can.
-std::string IndexStage::Take(const std::string& packed) {
+std::string IndexStage::Take(const std::string& packed, modCompression::Outcome& taken) {
   const std::string unpacked = packed + ".txt";
   std::string why;
   try {
     if (ClaimedSize(packed) > kLargestIndex) throw base::RuntimeError(base::ErrorNumber::Overflow);
     startup::RunBlocking(services_, [&](std::stop_token stop) {
-      taken_ = modCompression::Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, stop);
-      if (taken_.done) index_.Read(unpacked);
+      taken = modCompression::Expand(packed, unpacked, {.lasting = platform::OutputFile::Lasting::No}, stop);
+      if (taken.done) index_.Read(unpacked);
     });
-    if (taken_.complaint) why = taken_.complaint->text;
+    if (taken.complaint) why = taken.complaint->text;
   } catch (...) {
     why = startup::CurrentFailure(0).Opening();
   }
@@ -155,9 +155,7 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   const auto ended = [&] { return services_.lifetime.Ending() || abandoned(); };
   const bool writable = services_.flags.FolderWritable;
   bool left = false;
-  damaged_.clear();
-  seen_ = 0;
-  misses_ = 0;
+  Progress progress;
   startup::FailureList failures(services_.recorder);  // a folder in a bad way has one thing to say
   Verification verification(services_.folders.BinDir, index_.Count(), nameOf, proved, services_.host.events,
                             services_.lifetime);
@@ -169,41 +167,41 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
     if (!Wanted(record) || proof.Has(record.digest) || ended()) continue;
     if (!writable) {
       left = true;
-    } else if (misses_ < kMostMisses) {
-      FetchAgain(i, {failures, [&, i] { FetchBehind(i, verification); }});
+    } else if (progress.misses < kMostMisses) {
+      FetchAgain(i, {failures, [&, i] { FetchBehind(i, verification, progress); }}, progress);
     }
   }
-  download_.ForgetFollowing();
   if (writable && !ended()) Remember(verification, proved);
   return left;
 }
 
 // Has those fetched that will be needed behind this file, as far as the proofs have come.
-void IndexStage::FetchBehind(std::size_t i, Verification& verification) {
-  while (!damaged_.empty() && damaged_.front() <= i) damaged_.pop_front();
+void IndexStage::FetchBehind(std::size_t i, Verification& verification, Progress& progress) {
+  auto& [damaged, seen, misses] = progress;
+  while (!damaged.empty() && damaged.front() <= i) damaged.pop_front();
   bool more = false;
-  for (seen_ = std::max(seen_, i + 1); seen_ < index_.Count() && damaged_.size() < kMostDamaged; ++seen_) {
-    const auto proof = verification.Peek(seen_);
+  for (seen = std::max(seen, i + 1); seen < index_.Count() && damaged.size() < kMostDamaged; ++seen) {
+    const auto proof = verification.Peek(seen);
     if (!proof) break;
-    const IndexRecord record = index_[seen_];
+    const IndexRecord record = index_[seen];
     if (!Wanted(record) || proof->Has(record.digest)) continue;
-    damaged_.push_back(seen_);
+    damaged.push_back(seen);
     more = true;
   }
   if (!more) return;
   std::vector<IndexRecord> next;
-  for (const std::size_t at : damaged_) next.push_back(index_[at]);
+  for (const std::size_t at : damaged) next.push_back(index_[at]);
   download_.FetchPacked(next);
 }
 
-void IndexStage::FetchAgain(std::size_t i, const Download::PackedWork& work) {
+void IndexStage::FetchAgain(std::size_t i, const Download::PackedWork& work, Progress& progress) {
   const IndexRecord record = index_[i];
   const auto number = static_cast<std::int32_t>(i + 1), count = static_cast<std::int32_t>(index_.Count());
   if (download_.DownloadClient(number, count, record, work)) {
     fetched_[Folded(std::string(record.inBin) + kPackedEnding)] = record.digest.Hex();
-    misses_ = 0;
-  } else if (++misses_ == kMostMisses) {
-    services_.recorder.Note("Info.kvn: " + std::to_string(misses_) +
+    progress.misses = 0;
+  } else if (++progress.misses == kMostMisses) {
+    services_.recorder.Note("Info.kvn: " + std::to_string(progress.misses) +
                             " archivos seguidos que ningún servidor da; los demás quedan para otra vez");
   }
 }

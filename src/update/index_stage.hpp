@@ -44,9 +44,16 @@ class IndexStage {
   std::optional<std::string> PublishedDigest(std::string_view inBin) const;
 
  private:
-  std::string Take(const std::string& packed);
-  void FetchBehind(std::size_t i, Verification& verification);
-  void FetchAgain(std::size_t i, const Download::PackedWork& work);
+  // How far the files of one verification have been fetched again.
+  struct Progress {
+    std::deque<std::size_t> damaged;  // records that are known to need their file; behind the present one
+    std::size_t seen = 0;             // records that have been looked at for them
+    int misses = 0;                   // files that no mirror gave, one after the other
+  };
+
+  std::string Take(const std::string& packed, modCompression::Outcome& taken);
+  void FetchBehind(std::size_t i, Verification& verification, Progress& progress);
+  void FetchAgain(std::size_t i, const Download::PackedWork& work, Progress& progress);
   void Remember(Verification& verification, DigestRecord& proved);
   bool Wanted(const IndexRecord& record) const;
   void NoteRefusals() const;
@@ -57,10 +64,6 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
-  std::deque<std::size_t> damaged_;  // records that are known to need their file; behind the present one
-  std::size_t seen_ = 0;             // records that have been looked at for them
-  int misses_ = 0;                   // files that no mirror gave, one after the other
-  modCompression::Outcome taken_;    // of the last index that came
   std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 

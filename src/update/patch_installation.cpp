@@ -67,7 +67,6 @@ void PatchInstallation::Install(std::vector<Packed>& files) {
         });
       },
       tell);
-  tell();
 }
 
 void PatchInstallation::Finish(std::size_t number, const Packed& file, startup::FailureList& failures) {

@@ -34,11 +34,11 @@ bool TakeLine(std::string_view line, PatchMoves& moves) {
 }
 
 // While the new file is missing in the staging folder, what lies in the game is not the old one. So the new
-// one goes back first, and a recovery that is killed as well can be repeated.
+// one goes back first, and a recovery that is killed as well can be repeated. A folder there is the player's.
 void PutBack(const std::string& staging, std::size_t number, const std::string& target) {
   const std::string made = NewFileOf(staging, number), old = OldFileOf(staging, number);
   if (!platform::IsThere(made)) {
-    if (platform::IsThere(target)) {
+    if (platform::IsFile(target)) {
       platform::RenameFile(target, made);
     } else {
       platform::NewFile(made).Write({});

@@ -18,7 +18,7 @@ Unpacked smodUnzip::Unzip(const std::string& archive, const std::string& directo
     startup::RunBlocking(services_, [&](std::stop_token stop) {
       std::unique_ptr<StagedArchive> staged = options.prepared ? options.prepared->Take(stop) : nullptr;
       if (!staged) staged = std::make_unique<StagedArchive>(archive, directory, services_.folders, stop);
-      if (!staged->Whole() || stop.stop_requested()) return;
+      if (!staged->Whole()) return;
       staged->Apply(archive, options.added);  // once begun it is finished
       done = true;
     });

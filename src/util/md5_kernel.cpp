@@ -11,7 +11,7 @@ namespace {
 
 template <int lanes>
 struct VectorOf {
-  typedef std::uint32_t Type __attribute__((vector_size(4 * lanes), aligned(4)));
+  typedef std::uint32_t Type __attribute__((vector_size(4 * lanes)));
 };
 template <>
 struct VectorOf<1> {

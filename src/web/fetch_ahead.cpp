@@ -17,10 +17,15 @@ FetchAhead::Item::~Item() {
   if (fetched_.kept) platform::TryRemoveFile(request.path);
 }
 
+bool FetchAhead::Item::Settle(std::unique_lock<std::mutex>& lock, const std::stop_token& stop) {
+  const auto settled = [this] { return state_ == State::Done || state_ == State::Passed; };
+  while (!settled() && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
+  return settled();
+}
+
 FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_token& stop) {
   std::unique_lock lock(mutex_);
-  while (state_ != State::Done && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
-  if (state_ != State::Done) {
+  if (!Settle(lock, stop)) {
     stop_.request_stop();
     FetchedFile none;
     none.report.outcome.error = platform::HttpError::Cancelled;
@@ -40,9 +45,23 @@ FetchedFile FetchAhead::Item::Wait(const std::string& path, const std::stop_toke
 
 std::string FetchAhead::Item::WaitFetched(const std::stop_token& stop) {
   std::unique_lock lock(mutex_);
-  const auto settled = [this] { return state_ == State::Done || state_ == State::Passed; };
-  while (!settled() && !stop.stop_requested()) changed_.wait_for(lock, kPoll);
+  Settle(lock, stop);
   return fetched_.kept && fetched_.report.Good() ? request.path : std::string{};
+}
+
+bool FetchAhead::Item::Close() {
+  const std::lock_guard lock(mutex_);
+  if (state_ == State::Waiting) state_ = State::Passed;
+  return state_ != State::Passed;
+}
+
+void FetchAhead::Drop() {
+  for (const auto& item : items_) {
+    if (!item) continue;
+    item->Close();
+    item->stop_.request_stop();
+  }
+  items_.clear();
 }
 
 void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
@@ -64,9 +83,7 @@ void FetchAhead::Want(std::vector<FileRequest> next, const Limits& limits) {
       request.most = limits.bytes;
       wanted.push_back(std::make_shared<Item>(std::move(request)));
     }
-    for (const auto& item : items_) {
-      if (item) item->stop_.request_stop();
-    }
+    Drop();
     items_ = std::move(wanted);
     while (threads_.size() < limits.connections && !items_.empty()) threads_.emplace_back([this] { Work(); });
   }
@@ -84,16 +101,13 @@ std::shared_ptr<FetchAhead::Item> FetchAhead::Claim(const std::string& url) {
     items_.erase(found);
   }
   more_.notify_all();
-  const std::lock_guard lock(claimed->mutex_);
-  const bool begun = claimed->state_ == Item::State::Fetching || claimed->state_ == Item::State::Done;
-  return begun ? claimed : nullptr;
+  return claimed->Close() ? claimed : nullptr;
 }
 
 void FetchAhead::Stop() {
   {
     const std::lock_guard lock(mutex_);
-    for (const auto& item : items_) item->stop_.request_stop();
-    items_.clear();
+    Drop();
     stopping_ = true;
   }
   more_.notify_all();
@@ -139,7 +153,7 @@ void FetchAhead::Work() {
     lock.unlock();
     const bool good = Fetch(*item);
     lock.lock();
-    blocked_ = blocked_ || !good;
+    blocked_ = blocked_ || (!good && !item->stop_.stop_requested());
   }
 }
 

@@ -32,11 +32,13 @@ class FetchAhead {
     ~Item();
     Item(const Item&) = delete;
 
-    // Waits, on a working thread, until it is there or `stop` is requested, and gives it the name `path`.
+    // Waits, on a working thread, until it is there or `stop` is requested, and gives it the name `path`. One
+    // that is too large to be fetched ahead, as only its answer told, is left to be fetched for itself.
     FetchedFile Wait(const std::string& path, const std::stop_token& stop);
 
     // Waits, on a working thread, for the file under the name that it has until Wait gives it another one;
-    // empty when it did not come as it should, when it has got another name, or when `stop` is requested.
+    // empty when it did not come as it should, when it has got another name, when it is claimed or forgotten
+    // before it was begun, or when `stop` is requested.
     std::string WaitFetched(const std::stop_token& stop);
 
     const FileRequest request;
@@ -45,6 +47,9 @@ class FetchAhead {
    private:
     friend class FetchAhead;
     enum class State { Waiting, Fetching, Done, Passed };
+    bool Close();  // from now on nobody begins it; whether somebody has
+    bool Settle(std::unique_lock<std::mutex>& lock, const std::stop_token& stop);  // false: by `stop`
+
     State state_ = State::Waiting;
     FetchedFile fetched_;
     std::stop_source stop_;
@@ -74,6 +79,7 @@ class FetchAhead {
   void Work();
   std::shared_ptr<Item> Next();  // to be fetched now; null when there is none. With the mutex locked
   bool Fetch(Item& item);        // whether it came as it should
+  void Drop();                   // all items. With the mutex locked
 
   platform::HttpClient& http_;
   const std::string folder_;

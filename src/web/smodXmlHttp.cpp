@@ -64,9 +64,11 @@ TransferReport smodXmlHttp::DownloadUrlToFile(FileRequest request, const std::fu
   const std::shared_ptr<FetchAhead::Item> item = ahead_.Claim(request.url);
   Received direct;
   FetchedFile fetched;
-  Progress progress(services_.host.clock, frmMain_, item ? item->received : direct, whole);
+  Received& received = item ? item->received : direct;
+  Progress progress(services_.host.clock, frmMain_, received, whole);
   const auto work = [&](std::stop_token stop) {
-    fetched = item ? item->Wait(localPath, stop) : FetchFile(services_.host.http, request, direct, stop);
+    if (item) fetched = item->Wait(localPath, stop);
+    if (!item || fetched.tooLarge) fetched = FetchFile(services_.host.http, request, received, stop);
     // A second name for the same bytes: an archive of a hundred megabytes would otherwise be written twice
     // and take its room twice while it is unpacked. Nobody writes into either file, they are only replaced
     // and deleted, so the two names do not disturb each other.
