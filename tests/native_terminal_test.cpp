@@ -68,6 +68,12 @@ class NativeTerminal : public testing::Test {
   platform::UniqueFd input_, player_;
 };
 
+TEST_F(NativeTerminal, AWindowThatComesShownIsTold) {
+  screen->Detach(window);
+  screen->Attach(window);
+  EXPECT_EQ(Printed(), "frmMain.Visible: True\n");
+}
+
 TEST_F(NativeTerminal, EveryChangeIsOneLine) {
   window.label.Caption = std::string("Estado:\r\n1\n2\x1B[2J");
   window.label.Caption = window.label.Caption.Get();  // no change

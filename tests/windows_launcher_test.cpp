@@ -55,6 +55,10 @@ struct WindowsLauncherTest : testing::Test {
     }
   }
 
+  bool Unpacking() const {
+    const std::string staging = folder / (std::string(kGame) + "/RECURSOS/INIT/UPDATE/Unzip");
+    return platform::IsFolder(staging) && !platform::ListFolder(staging).empty();
+  }
   void Start(platform::Dialogs& boxes) {
     mirror.Publish();
     support::Deploy(folder, kGame, {mirror.Url()}, mirror.server.Url(""));
@@ -131,13 +135,12 @@ TEST_F(WindowsLauncherTest, WindowAnswersWhileWorkGoesOn) {
   ASSERT_TRUE(IsWindowVisible(handle));
 
   Watcher watcher(handle);
-  const std::string unzip = folder / (std::string(kGame) + "/RECURSOS/INIT/UPDATE/Unzip");
   const auto timer = events.Timers().Start(3, [&] {
     const std::string status = launcher->MainWindow().lblEstado.Caption;
     watcher.now = status.starts_with("Archivos verificados") ||
                           mirror.server.Count(mirror.PathOf("NewAct2/Info.kvn")) > 0
                       ? kVerifying
-                  : platform::IsFolder(unzip)                                               ? kUnpacking
+                  : Unpacking()                                                             ? kUnpacking
                   : mirror.server.Count(mirror.PathOf("OldAct/Graficos/Graficos1.zip")) > 0 ? kDownloading
                                                                                             : kOther;
   });
@@ -169,14 +172,13 @@ TEST_F(WindowsLauncherTest, TheEndOfTheSessionLeavesNothingHalfDone) {
   mirror.AddPatch("Graficos", {{.name = "RECURSOS/GRAFICOS/1.dat", .bytes = large}});
   mirror.AddBinFile("KVN-DX8.exe", "el cliente");
   Start(machine.dialogs);
-  const std::string unzip = folder / (std::string(kGame) + "/RECURSOS/INIT/UPDATE/Unzip");
   bool ended = false;
   const auto timer = events.Timers().Start(3, [&] {
-    if (ended || !platform::IsFolder(unzip)) return;
+    if (ended || !Unpacking()) return;
     ended = true;
     EXPECT_EQ(SendMessageW(handle, WM_QUERYENDSESSION, 0, 0), TRUE);
     SendMessageW(handle, WM_ENDSESSION, TRUE, 0);
-    EXPECT_FALSE(platform::IsFolder(unzip)) << "the worker goes on";
+    EXPECT_FALSE(Unpacking()) << "the worker goes on";
     const std::string now = folder.Get(target);
     EXPECT_TRUE(now.empty() || now == large) << now.size();
   });

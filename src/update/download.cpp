@@ -8,6 +8,7 @@
 #include "startup/procedure.hpp"
 #include "update/packed_file.hpp"
 #include "update/patch_failure.hpp"
+#include "update/patch_journal.hpp"
 #include "util/clsHashing.hpp"
 
 namespace update {
@@ -192,6 +193,7 @@ void Download::FetchFollowing() {
 void Download::ForgetFollowing() {
   following.clear();
   prepared_.reset();
+  platform::TryRemoveEmptyFolder(StagingRoot(with_.services.folders));
   with_.transfers.ForgetNext();
 }
 

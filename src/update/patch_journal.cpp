@@ -49,6 +49,8 @@ void PutBack(const std::string& staging, std::size_t number, const std::string& 
 
 }  // namespace
 
+std::string StagingRoot(const startup::Folders& folders) { return folders.Scratch("Unzip"); }
+
 std::string NewFileOf(const std::string& staging, std::size_t number) {
   return Numbered(staging, "nuevo", number);
 }
@@ -103,7 +105,7 @@ void UndoMoves(const std::string& staging, const std::string& game, const PatchM
 }
 
 std::string UndoInterruptedPatch(const startup::Services& services) {
-  const std::string root = services.folders.Scratch("Unzip");
+  const std::string root = StagingRoot(services.folders);
   if (!platform::IsThere(root)) return {};
   try {
     for (const platform::FolderEntry& entry : platform::ListFolder(root)) {
@@ -123,7 +125,7 @@ std::string UndoInterruptedPatch(const startup::Services& services) {
 std::string RecoverInterruptedPatch(const startup::Services& services) {
   if (std::string why = UndoInterruptedPatch(services); !why.empty()) return why;
   try {
-    platform::RemoveTree(services.folders.Scratch("Unzip"));
+    platform::RemoveTree(StagingRoot(services.folders));
   } catch (const base::RuntimeError&) {  // an old program that still runs; it goes the next time
   }
   return {};

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "startup/folders.hpp"
 #include "startup/services.hpp"
 
 namespace update {
@@ -19,6 +20,8 @@ struct PatchMoves {
   std::vector<std::string> files;    // the first is number 0 in the staging folder
 };
 
+// Where the staging folders lie, on the volume of the game. Several threads may have theirs in it.
+std::string StagingRoot(const startup::Folders& folders);
 std::string NewFileOf(const std::string& staging, std::size_t number);
 std::string OldFileOf(const std::string& staging, std::size_t number);
 std::string InGame(const std::string& game, const std::string& name);  // full path

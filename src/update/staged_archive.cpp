@@ -35,7 +35,7 @@ std::string PrefixOf(const std::string& directory, const std::string& game) {
 
 StagedArchive::StagedArchive(const std::string& archive, const std::string& directory,
                              const startup::Folders& folders, const std::stop_token& stop)
-    : patch_(folders.Scratch("Unzip"), folders.AppPath) {
+    : patch_(StagingRoot(folders), folders.AppPath) {
   const ZipArchive zip = OpenArchive(archive);
   const std::string prefix = PrefixOf(directory, folders.AppPath);
   for (const ZipArchive::Entry& entry : zip.Entries()) {

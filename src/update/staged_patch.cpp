@@ -24,7 +24,7 @@ std::string FreshFolder(const std::string& root) {
 }  // namespace
 
 StagedPatch::StagedPatch(const std::string& root, const std::string& game)
-    : root_(root), game_(game), folder_(FreshFolder(root)) {}
+    : game_(game), folder_(FreshFolder(root)) {}
 
 StagedPatch::~StagedPatch() {
   if (halfApplied_) return;
@@ -32,7 +32,6 @@ StagedPatch::~StagedPatch() {
     platform::RemoveTree(folder_);
   } catch (const base::RuntimeError&) {  // an old program that still runs; it goes at the next recovery
   }
-  platform::TryRemoveEmptyFolder(root_);
 }
 
 void StagedPatch::AddFolder(const std::string& name) {

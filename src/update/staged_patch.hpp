@@ -12,7 +12,8 @@ namespace update {
 // then moved into the game all or none.
 class StagedPatch {
  public:
-  // `root`: where staging folders lie, on the volume of the game; made when it is missing.
+  // `root`: where staging folders lie, on the volume of the game; made when it is missing. It stays, since
+  // others may be making theirs in it.
   StagedPatch(const std::string& root, const std::string& game);
   ~StagedPatch();
   StagedPatch(const StagedPatch&) = delete;
@@ -32,7 +33,7 @@ class StagedPatch {
  private:
   void MoveAll();
 
-  const std::string root_, game_, folder_;
+  const std::string game_, folder_;
   PatchMoves moves_;
   std::unordered_set<std::string> looked_;  // at these folders
   bool halfApplied_ = false;

@@ -53,6 +53,7 @@ void TerminalScreen::Tell(const std::string& line) { out_ << OneLine(line) << st
 void TerminalScreen::Attach(controls::Window& window) {
   windows_.insert({&window, {&window, kNewWindow}});
   window.SetFace(this);
+  if (window.Visible) Changed(window, "Visible", controls::ValueText(true));
 }
 
 void TerminalScreen::Detach(controls::Window& window) {
