@@ -3,8 +3,6 @@
 #include <chrono>
 #include <thread>
 
-#include "base/runtime_error.hpp"
-#include "platform/machine.hpp"
 #include "support/host_path.hpp"
 
 namespace support {
@@ -16,14 +14,7 @@ constexpr auto kGenerous = std::chrono::seconds(60);
 
 TlsServers::TlsServers() {
   const std::string script = HostPath(LAUNCHER_TLS_SERVERS), folder = HostPath(folder_.Path());
-  if (script.empty()) return;
-  const auto processes = platform::MakeProcesses([](const std::string&) {});
-  try {
-    processes->Start({HostShell(), HostShell() + " \"" + script + "\" \"" + folder + "\"",
-                      platform::WindowStyle::Hidden, ""});
-  } catch (const base::RuntimeError&) {
-    return;
-  }
+  if (script.empty() || !StartOnHost("/bin/sh", "\"" + script + "\" \"" + folder + "\"")) return;
   const auto end = std::chrono::steady_clock::now() + kGenerous;
   while (!folder_.Has("ready") && !folder_.Has("failed") && std::chrono::steady_clock::now() < end) {
     std::this_thread::sleep_for(std::chrono::milliseconds(20));

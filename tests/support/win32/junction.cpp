@@ -48,17 +48,9 @@ bool LeadsElsewhere(const std::string& link) {
 bool RunHostLink(const std::string& link, const std::string& target) {
   const std::string to = HostPath(target), in = HostPath(platform::FolderOf(link));
   if (to.empty()) return false;
-  std::wstring line =
-      platform::Wide("ln -s \"" + to + "\" \"" + in + "/" + platform::FileNameOf(link) + "\"");
-  STARTUPINFOW start{};
-  start.cb = sizeof start;
-  PROCESS_INFORMATION started;
-  if (!CreateProcessW(L"Z:\\bin\\ln", line.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &start,
-                      &started)) {
+  if (!StartOnHost("/bin/ln", "-s \"" + to + "\" \"" + in + "/" + platform::FileNameOf(link) + "\"")) {
     return false;
   }
-  const platform::unique_process process(started.hProcess);  // none for a program of the host system
-  const platform::unique_thread thread(started.hThread);
   for (int i = 0; i < 1000 && !LeadsElsewhere(link); ++i) Sleep(10);
   return LeadsElsewhere(link);
 }

@@ -2,9 +2,7 @@
 
 #include <windows.h>
 
-#include "base/runtime_error.hpp"
 #include "platform/files.hpp"
-#include "platform/machine.hpp"
 #include "support/host_path.hpp"
 #include "support/temp_folder.hpp"
 
@@ -34,15 +32,9 @@ ReadOnly::ReadOnly(const std::string& folder) : folder_(folder) {
                 "while [ -e \"$2/kept\" ] && [ $i -lt 1200 ]; do sleep 0.1; i=$((i + 1)); done\n"
                 "chattr -R -i \"$1\"\n: >\"$2/free\"\n");
   platform::TryRemoveFile(Signals() / "free");
-  const auto processes = platform::MakeProcesses([](const std::string&) {});
-  try {
-    processes->Start({HostShell(),
-                      HostShell() + " \"" + signals + "/keep.sh\" \"" + kept + "\" \"" + signals + "\"",
-                      platform::WindowStyle::Hidden, ""});
-  } catch (const base::RuntimeError&) {
-    return;
+  if (StartOnHost("/bin/sh", "\"" + signals + "/keep.sh\" \"" + kept + "\" \"" + signals + "\"")) {
+    Await("kept", Signals());
   }
-  Await("kept", Signals());
 }
 
 ReadOnly::~ReadOnly() {
