@@ -104,7 +104,13 @@ class Watcher {
             answered[phase] += answers && now == phase;
             Sleep(2);
           }
+          ended = true;
         }) {}
+
+  // What it asks last must still be answered: the window's thread goes on until `ended`.
+  void Stop() { thread_.request_stop(); }
+
+  std::atomic<bool> ended = false;
 
   std::atomic<Phase> now = kOther;
   std::array<std::atomic<int>, kPhases> answered{};  // how often within the phase
@@ -147,6 +153,8 @@ TEST_F(WindowsLauncherTest, WindowAnswersWhileWorkGoesOn) {
   launcher->MainWindow().cmdIniciar.Click();
   EXPECT_TRUE(Until([&] { return launcher->Life().Ending(); }));
   events.Timers().Stop(timer);
+  watcher.Stop();
+  EXPECT_TRUE(Until([&] { return watcher.ended.load(); }));
   EXPECT_EQ(folder.Get(std::string(kGame) + "/RECURSOS/GRAFICOS/1.dat").size(), kLarge);
   for (const Phase phase : {kDownloading, kUnpacking, kVerifying}) {
     EXPECT_GT(watcher.answered[phase], 20) << "no answers while phase " << phase << " went on";
