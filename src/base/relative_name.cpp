@@ -35,9 +35,9 @@ std::string WhyPartUnsafe(std::string_view part) {
 }
 
 std::string_view NextPart(std::string_view& rest) {
-  const std::size_t at = rest.find_first_of("\\/");
-  const std::string_view part = rest.substr(0, at);
-  rest = at == std::string_view::npos ? std::string_view{} : rest.substr(at + 1);
+  const auto end = std::find_if(rest.begin(), rest.end(), [](char c) { return c == '\\' || c == '/'; });
+  const std::string_view part(rest.begin(), end);
+  rest.remove_prefix(std::min(part.size() + 1, rest.size()));
   return part;
 }
 

@@ -95,6 +95,7 @@ class InputFile {
 
   std::uint64_t Size() const;
   FileStamp Stamp() const;
+  FileStamp Opened() const;  // the stamp it was opened with; that of now where opening does not tell it
   std::size_t Read(std::span<std::byte> into);  // bytes read, 0 at the end
   // As Read, from `offset` on; several threads may do so at the same time.
   std::size_t ReadAt(std::uint64_t offset, std::span<std::byte> into) const;

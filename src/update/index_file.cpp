@@ -23,17 +23,17 @@ class Reader {
   explicit Reader(const std::string& path) : file_(path), left_(file_.Size()) {}
   std::uint64_t Left() const { return left_; }
 
-  std::string Take(std::size_t count) {
+  // Good until the next is taken.
+  std::string_view Take(std::size_t count) {
     if (count > left_) throw base::RuntimeError(base::ErrorNumber::InputPastEndOfFile);
-    std::string taken;
-    while (taken.size() < count) {
-      if (at_ == filled_) Refill();
-      const std::size_t piece = std::min(count - taken.size(), filled_ - at_);
-      taken.append(reinterpret_cast<const char*>(buffer_.data()) + at_, piece);
-      at_ += piece;
-    }
     left_ -= count;
-    return taken;
+    if (count <= filled_ - at_) return Piece(count);
+    across_.clear();
+    while (across_.size() < count) {
+      if (at_ == filled_) Refill();
+      across_ += Piece(std::min(count - across_.size(), filled_ - at_));
+    }
+    return across_;
   }
 
   std::uint32_t TakeNumber(std::size_t bytes) {
@@ -47,6 +47,12 @@ class Reader {
   }
 
  private:
+  std::string_view Piece(std::size_t count) {
+    const char* const from = reinterpret_cast<const char*>(buffer_.data()) + at_;
+    at_ += count;
+    return {from, count};
+  }
+
   void Refill() {
     at_ = 0;
     filled_ = file_.Read(buffer_);
@@ -57,6 +63,7 @@ class Reader {
   std::uint64_t left_;
   std::array<std::byte, 64 * 1024> buffer_;
   std::size_t at_ = 0, filled_ = 0;
+  std::string across_;  // what the buffer does not hold as a whole
 };
 
 // Why a path that may be used as a name is no path of a file in Bin.
@@ -77,7 +84,9 @@ IndexRecord IndexFile::operator[](std::size_t record) const {
 }
 
 std::string IndexFile::NameInBin(std::string_view rawPath) {
-  const std::string path = platform::FromAnsi(base::Replaced(base::Replaced(rawPath, "\r", ""), "\n", ""));
+  std::string line(rawPath);
+  std::erase_if(line, [](char c) { return c == '\r' || c == '\n'; });
+  const std::string path = platform::FromAnsi(line);
   std::string why = base::WhyUnsafe(path);
   if (why.empty()) {
     const std::string relative = base::WithSlashes(path);
@@ -109,7 +118,7 @@ void IndexFile::Read(const std::string& path) {
   names_.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(
       reader.Left() - records * (kDigestSize + kLengthSize), records * base::kLongestName)));
   for (std::int32_t i = 0; i < count; ++i) {
-    const std::string digest = reader.Take(kDigestSize);
+    const std::string digest(reader.Take(kDigestSize));
     const std::uint32_t length = reader.TakeNumber(kLengthSize);
     Add(digest, reader.Take(length));
   }

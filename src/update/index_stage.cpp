@@ -70,6 +70,8 @@ IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& 
 bool IndexStage::Fetch() {
   index_ = IndexFile();
   fetched_.clear();
+  if (services_.flags.FolderWritable)
+    inBin_ = std::async(std::launch::async, platform::ListTree, services_.folders.BinDir);
   modCompression::Outcome taken;
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, {.judge = [&](const std::string& packed) { return Take(packed, taken); }});
@@ -107,7 +109,7 @@ void IndexStage::NoteRefusals() const {
                             " entradas rechazadas en total");
 }
 
-void IndexStage::RemoveForeignFiles() const {
+void IndexStage::RemoveForeignFiles() {
   const bool namesAny = index_.Count() > index_.RefusedCount();
   if (!services_.flags.FolderWritable || !index_.ReadWholly() || !namesAny) return;
   if (!IsFolderItself(services_.folders.BinDir)) return;
@@ -116,15 +118,8 @@ void IndexStage::RemoveForeignFiles() const {
       platform::IsFile(services_.folders.BinDir + platform::NativePath("\\Client.vbp"));
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
-    std::optional<FoldedNames> named;
-    std::vector<platform::FoundFile> found;
-    util::ForEachParallel(2, [&](std::size_t half) {
-      if (half == 0) {
-        found = platform::ListTree(services_.folders.BinDir);
-      } else {
-        named.emplace(index_);
-      }
-    });
+    const FoldedNames named(index_);
+    const std::vector<platform::FoundFile> found = inBin_.get();
     const std::string record = Folded(kRecordName);
     const std::size_t pieces = (found.size() + kFilesAtOnce - 1) / kFilesAtOnce;
     util::ForEachParallel(pieces, [&](std::size_t piece) {
@@ -133,7 +128,7 @@ void IndexStage::RemoveForeignFiles() const {
         const std::string& path = found[i].path;
         if (base::Contains(path, "$")) continue;
         const std::string folded = Folded(base::WithSlashes(path));
-        if (folded == record || named->Contain(folded)) continue;
+        if (folded == record || named.Contain(folded)) continue;
         platform::TryRemoveFile(services_.folders.BinDir + platform::kSeparator + path);
       }
     });
@@ -162,7 +157,7 @@ bool IndexStage::VerifyAndFetch(const std::function<bool()>& abandoned) {
   for (std::size_t i = 0; i < index_.Count() && !ended(); ++i) {
     const FileProof proof = verification.Take(i);
     frmMain_.lblEstado.Caption = "Archivos verificados: " + std::to_string(i + 1);
-    if (i % kFilesPerRound == 0) services_.host.events.DoEvents();
+    if (i % kFilesPerRound == 0 || i + 1 == index_.Count()) services_.host.events.DoEvents();
     const IndexRecord record = index_[i];
     if (!Wanted(record) || proof.Has(record.digest) || ended()) continue;
     if (!writable) {

@@ -2,12 +2,15 @@
 
 #include <deque>
 #include <functional>
+#include <future>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "controls/main_window.hpp"
+#include "platform/files.hpp"
 #include "startup/services.hpp"
 #include "update/digest_record.hpp"
 #include "update/download.hpp"
@@ -30,7 +33,7 @@ class IndexStage {
 
   // Deletes the files below Bin that the index does not name. Never in a development copy or where Bin is a
   // link, never by an index that names no file for certain or was not read whole.
-  void RemoveForeignFiles() const;
+  void RemoveForeignFiles();
 
   // Compares each file with the index and fetches the others into the update folder. Ends early, and records
   // nothing, once `abandoned` says so. True when something is left as it was, since nothing can be written.
@@ -64,6 +67,7 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
+  std::future<std::vector<platform::FoundFile>> inBin_;   // listed while the index is on its way
   std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 

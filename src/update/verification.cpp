@@ -19,7 +19,7 @@ constexpr std::size_t kMostLanes = 16;
 constexpr std::size_t kMostClaimed = 64;
 constexpr std::size_t kMostAtOnce = 256;  // proofs handed on together
 constexpr std::size_t kClaimsLeft = 4;    // of each worker at the present pace, so that all end together
-constexpr auto kPublishEvery = std::chrono::milliseconds(1);
+constexpr auto kPublishEvery = std::chrono::milliseconds(4);
 constexpr std::uint32_t kWaitMs = 100;
 
 // The folder part with its closing "/", and the rest.
@@ -105,7 +105,7 @@ class Verification::Worker : public util::Md5Messages {
     file.readable = true;
     file.before = Quietly(file, [&] {
       file.input.emplace(all_.PathOf(index));
-      return file.input->Stamp();
+      return file.input->Opened();
     });
     file.left = file.before.size;
     return file.readable;

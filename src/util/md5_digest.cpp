@@ -1,15 +1,23 @@
 #include "util/md5_digest.hpp"
 
+#include <array>
+#include <cstdint>
+
 namespace util {
 namespace {
 
 constexpr std::string_view kDigits = "0123456789abcdef";
-constexpr int kNoDigit = -1;
+constexpr std::int8_t kNoDigit = -1;
 
-int DigitOf(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  return c >= 'a' && c <= 'f' ? c - 'a' + 10 : kNoDigit;
-}
+constexpr auto kValues = [] {
+  std::array<std::int8_t, 256> values;
+  values.fill(kNoDigit);
+  for (std::size_t i = 0; i < kDigits.size(); ++i)
+    values[static_cast<unsigned char>(kDigits[i])] = static_cast<std::int8_t>(i);
+  return values;
+}();
+
+int DigitOf(char c) { return kValues[static_cast<unsigned char>(c)]; }
 
 }  // namespace
 
@@ -23,12 +31,13 @@ std::string Md5Digest::Hex() const {
 std::optional<Md5Digest> Md5Digest::FromHex(std::string_view text) {
   Md5Digest digest;
   if (text.size() != 2 * digest.bytes.size()) return std::nullopt;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const int digit = DigitOf(text[i]);
-    if (digit == kNoDigit) return std::nullopt;
-    digest.bytes[i / 2] = static_cast<std::uint8_t>(digest.bytes[i / 2] << 4 | digit);
+  int all = 0;  // negative as soon as one is no digit
+  for (std::size_t i = 0; i < digest.bytes.size(); ++i) {
+    const int high = DigitOf(text[2 * i]), low = DigitOf(text[2 * i + 1]);
+    all |= high | low;
+    digest.bytes[i] = static_cast<std::uint8_t>(high << 4 | low);
   }
-  return digest;
+  return all < 0 ? std::nullopt : std::optional(digest);
 }
 
 }  // namespace util

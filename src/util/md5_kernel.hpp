@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 namespace util {
 
@@ -18,7 +19,10 @@ struct Md5Kernel {
   void (*run)(Md5States& states, const std::byte* const* data, std::size_t blocks);
 };
 
-// The narrowest one of this processor that has `lanes` lanes, or the widest one.
+// Those that this processor can run, the narrow ones first; of two as wide the quicker one comes last.
+std::span<const Md5Kernel> Md5Kernels();
+
+// The narrowest one that has `lanes` lanes, or the widest one; of those the quickest.
 const Md5Kernel& KernelFor(std::size_t lanes);
 
 }  // namespace util

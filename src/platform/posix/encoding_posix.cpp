@@ -62,6 +62,8 @@ std::string ToAnsi(std::string_view utf8) {
 }
 
 std::string FromAnsi(std::string_view bytes) {
+  if (std::all_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) == 0; }))
+    return std::string(bytes);
   std::string utf8;
   utf8.reserve(bytes.size());
   for (const char c : bytes) {

@@ -35,6 +35,7 @@ void PosixEventLoop::ReadLines(int input, std::function<bool(const std::string&)
 }
 
 void PosixEventLoop::DoEvents() {
+  beforeEvents_();
   ReadInput();
   // Only what has come by now: a handler that is fed without pause must not keep the timers from firing.
   for (std::size_t pending = lines_.size(); pending > 0 && !lines_.empty(); --pending) {
@@ -46,6 +47,7 @@ void PosixEventLoop::DoEvents() {
 }
 
 void PosixEventLoop::WaitEvents(std::uint32_t limitMs) {
+  beforeEvents_();
   std::uint64_t limit = lines_.empty() ? limitMs : 0;
   if (const auto next = timers_.UntilNext()) limit = std::min(limit, *next);
   std::array<pollfd, 2> sources = {pollfd{wake_.get(), POLLIN, 0}, pollfd{input_, POLLIN, 0}};

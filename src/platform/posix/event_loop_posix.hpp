@@ -3,6 +3,7 @@
 #include <deque>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "platform/event_loop.hpp"
 #include "platform/posix/unique_fd.hpp"
@@ -25,6 +26,9 @@ class PosixEventLoop : public EventLoop {
   // same round of events. The end of input is no event.
   void ReadLines(int input, std::function<bool(const std::string&)> onLine);
 
+  // `action` is called before each round of events.
+  void BeforeEvents(std::function<void()> action) { beforeEvents_ = std::move(action); }
+
   // Hands these lines over again, before any other.
   void GiveBack(std::deque<std::string> lines);
 
@@ -39,6 +43,7 @@ class PosixEventLoop : public EventLoop {
   UniqueFd wake_;
   int input_ = -1;
   std::function<bool(const std::string&)> onLine_;
+  std::function<void()> beforeEvents_ = [] {};
   std::string unfinished_;
   std::deque<std::string> lines_;
 };

@@ -192,6 +192,7 @@ std::vector<FoundFile> ListTree(const std::string& folder) {
 struct InputFile::Handle {
   UniqueFd fd;
   std::string path;
+  FileStamp opened;
 };
 
 InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>()) {
@@ -203,6 +204,7 @@ InputFile::InputFile(const std::string& path) : handle_(std::make_unique<Handle>
   if (fstat(handle_->fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) {
     throw base::RuntimeError(base::ErrorNumber::PathFileAccessError);
   }
+  handle_->opened = StampFrom(status);
 }
 
 InputFile::~InputFile() = default;
@@ -213,6 +215,8 @@ FileStamp InputFile::Stamp() const {
   if (fstat(handle_->fd.get(), &status) != 0) RaiseErrno(errno, handle_->path);
   return StampFrom(status);
 }
+
+FileStamp InputFile::Opened() const { return handle_->opened; }
 
 std::uint64_t InputFile::Size() const { return Stamp().size; }
 

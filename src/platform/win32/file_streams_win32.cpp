@@ -122,6 +122,8 @@ FileStamp InputFile::Stamp() const {
   return {Size(), information.LastWriteTime.QuadPart};
 }
 
+FileStamp InputFile::Opened() const { return Stamp(); }
+
 std::size_t InputFile::Read(std::span<std::byte> into) {
   const auto piece = static_cast<DWORD>(std::min(into.size(), kMostPerCall));
   DWORD count = 0;

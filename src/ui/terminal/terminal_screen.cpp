@@ -46,9 +46,15 @@ TerminalScreen::TerminalScreen(platform::PosixEventLoop& events, int input, std:
                                std::ostream& errors)
     : events_(events), out_(out), errors_(errors) {
   events_.ReadLines(input, [this](const std::string& line) { return OnLine(line); });
+  events_.BeforeEvents([this] { out_.flush(); });
 }
 
-void TerminalScreen::Tell(const std::string& line) { out_ << OneLine(line) << std::endl; }
+void TerminalScreen::Print(const std::string& line) { out_ << OneLine(line) << '\n'; }
+
+void TerminalScreen::Tell(const std::string& line) {
+  Print(line);
+  out_.flush();
+}
 
 void TerminalScreen::Attach(controls::Window& window) {
   windows_.insert({&window, {&window, kNewWindow}});
@@ -96,12 +102,12 @@ void TerminalScreen::Changed(const controls::Window& window, const controls::Con
   if (!IsPrinted(property)) return;
   std::string name = window.Name() + "." + control.Name();
   if (!property.empty()) name.append(".").append(property);
-  Tell(name + ": " + Shown(property, value));
+  Print(name + ": " + Shown(property, value));
 }
 
 void TerminalScreen::Changed(const controls::Window& window, std::string_view property,
                              const std::string& value) {
-  Tell(window.Name() + "." + std::string(property) + ": " + Shown(property, value));
+  Print(window.Name() + "." + std::string(property) + ": " + Shown(property, value));
   if (!windows_.contains(&window)) return;
   if (property == "WindowState") window.Resize();
   if (property == "Visible" && window.Visible) window.Activate();

@@ -33,7 +33,7 @@ class TerminalScreen : public Screen, public controls::Face, public platform::Di
   // for afterwards. Only closing the window and answering a question are obeyed at once.
   void StartUpDone();
 
-  // Prints a line of the program's own, such as "Run ..." or "Open ...".
+  // Prints a line of the program's own, such as "Run ..." or "Open ...", at once with all before it.
   void Tell(const std::string& line);
 
   void Attach(controls::Window& window) override;
@@ -67,6 +67,7 @@ class TerminalScreen : public Screen, public controls::Face, public platform::Di
     Area area;
   };
 
+  void Print(const std::string& line);  // on its way by the next round of events
   bool OnLine(const std::string& line);
   std::string Answer(const std::string& line);
   bool MustWait(const PlayerLine& line) const;
