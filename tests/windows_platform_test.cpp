@@ -7,8 +7,10 @@
 #include "base/runtime_error.hpp"
 #include "platform/files.hpp"
 #include "platform/machine.hpp"
+#include "platform/user_folders.hpp"
 #include "platform/win32/handles.hpp"
 #include "platform/win32/harden.hpp"
+#include "platform/win32/known_folder.hpp"
 #include "platform/win32/moved_aside.hpp"
 #include "platform/win32/wide.hpp"
 #include "support/body_sink.hpp"
@@ -56,6 +58,22 @@ TEST(WindowsSettings, LieWhereOlderInstallationsLeftThem) {
                  static_cast<DWORD>(longer.size() * sizeof(wchar_t)));  // without its final NUL
   EXPECT_EQ(MakeSettingsStore()->Get("LauncherTests", "Ñ", "open"), std::string(2000, 'x'));
   RegDeleteTreeW(folder.get(), nullptr);
+}
+
+TEST(WindowsUserFolders, OnlyAFolderThatIsThereIsTakenFromTheEnvironment) {
+  const TempFolder folder;
+  const std::string shells = KnownFolder(FOLDERID_LocalAppData);
+  const std::pair<std::string, std::string> cases[] = {{folder.Path(), folder.Path()},
+                                                       {folder / "none", shells},
+                                                       {"relative", shells},
+                                                       {"C:\\" + std::string(MAX_PATH, 'x'), shells},
+                                                       {"", shells}};
+  const std::string before = std::getenv("LOCALAPPDATA");
+  for (const auto& [told, taken] : cases) {
+    SetEnvironmentVariableW(L"LOCALAPPDATA", told.empty() ? nullptr : Wide(told).c_str());
+    EXPECT_EQ(LocalDataFolder(), taken + "\\Kelvarin") << told;
+  }
+  SetEnvironmentVariableW(L"LOCALAPPDATA", Wide(before).c_str());
 }
 
 TEST(WindowsFiles, ARunningProgramIsReplaced) {

@@ -27,8 +27,9 @@ void Attempt(Step step) {
 
 std::string LogFile(const Folders& folders) {
   const std::string usual = folders.AppPath + platform::NativePath("\\..\\Errores.log");
+  if (platform::CanWriteTo(folders.ParentDir)) return usual;
   const std::string own = platform::LocalDataFolder();
-  if (own.empty() || platform::CanWriteTo(folders.ParentDir)) return usual;
+  if (own.empty()) return usual;
   Attempt([&] { platform::MakeFolders(own); });
   return own + platform::NativePath("\\Errores.log");
 }
