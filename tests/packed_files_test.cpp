@@ -88,6 +88,9 @@ TEST_F(PackedFiles, ThatNoMirrorHasAreNotAllAskedFor) {
   Play();
   UntilEnded();
   EXPECT_LT(mirror.Asked().size(), 120u);
+  const std::string log = folder.Get("Errores.log"), told = " archivos seguidos que ";
+  EXPECT_NE(log.find("Info.kvn: 32" + told), std::string::npos) << log;
+  EXPECT_EQ(log.find(told), log.rfind(told)) << "told once";
   EXPECT_EQ(GameFiles(), mirror.Expected()) << "what there is was installed";
 }
 

@@ -13,6 +13,7 @@ namespace soak {
 namespace {
 
 constexpr std::uint64_t kLargest = 64 << 20;
+constexpr std::size_t kFirstReleases = 10;  // so that each category has several patches, one behind the other
 
 // Half of the files compress, half do not.
 std::string Content(unsigned number, std::size_t size) {
@@ -60,6 +61,16 @@ Files SecondVersion(Files files) {
   return files;
 }
 
+// What the first version's releases have published by then.
+Files Share(const Files& all, std::size_t release) {
+  Files share;
+  std::size_t number = 0;
+  for (const auto& file : all) {
+    if (number++ % kFirstReleases < release) share.insert(file);
+  }
+  return share;
+}
+
 void Put(const std::string& folder, const Files& files) {
   for (const auto& [name, bytes] : files) {
     const std::string path = folder + "/" + name;
@@ -97,8 +108,10 @@ Game::Game(const std::string& folder, const std::string& client)
   const std::string line = Published({"keygen", key});
   publicKey = line.substr(line.find('=') + 1, line.find('\n') - line.find('=') - 1);
   Published({"init", publication});
-  Put(folder + "/first", first);
-  Published({"release", publication, folder + "/first", "--key", key, "--no-client"});
+  for (std::size_t step = 1; step <= kFirstReleases; ++step) {
+    Put(folder + "/first", Share(first, step));
+    Published({"release", publication, folder + "/first", "--key", key, "--no-client"});
+  }
   publishedFirst = WithoutOwn(FilesOf(publication));
   Put(folder + "/second", second);
   Published({"release", publication, folder + "/second", "--key", key, "--no-client"});

@@ -10,7 +10,8 @@ using Files = std::map<std::string, std::string>;  // path with "/" to bytes
 // Every file below a folder.
 Files FilesOf(const std::string& folder);
 
-// A small generated game in two versions, published and signed by one release each.
+// A small generated game in two versions, published and signed: the first by several releases, the second by
+// one.
 struct Game {
   // Everything is made below `folder`; `client`: what is published as the game client. Raises when it cannot
   // be.
