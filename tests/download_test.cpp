@@ -154,8 +154,10 @@ TEST_F(DownloadTest, TheFullClientNeverFindsItsArchive) {
             "Error al Unzipear, pruebe que el archivo sea un original .ZIP y no .RAR");
   // A time-out returns without its question, however often it comes.
   server.On("/m/Kelvarin.zip", support::CutShort("x", 0));
+  const std::uint64_t before = host.clock.Milliseconds();
   for (int i = 0; i < 6; ++i) download.DescargarCliente();
   EXPECT_EQ(host.dialogs.shown.size(), 1u);
+  EXPECT_GE(host.clock.Milliseconds() - before, 6 * 10'000u);
 }
 
 TEST_F(DownloadTest, AChunkedTransferShowsSizesAndItsOddSpeed) {

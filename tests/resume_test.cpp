@@ -245,6 +245,26 @@ TEST_F(AheadTest, StopsBehindAFailureAndBeforeALargeFile) {
   }
 }
 
+TEST_F(AheadTest, TakesWhatFillsTheLimitToTheByteAndNothingBesideIt) {
+  const std::string full(4'000, 'x');
+  server.Otherwise([&](const SeenRequest&) { return support::Text(full); });
+  for (const std::optional<std::uint64_t> known : {std::optional<std::uint64_t>{}, {full.size()}}) {
+    server.Forget();
+    std::vector<web::FileRequest> requests = Requests({"/a", "/b"});
+    for (web::FileRequest& request : requests) request.expected.size = known;
+    ahead.Want(std::move(requests), {.files = 4, .bytes = full.size()});
+    for (const std::string name : {"a", "b"}) {  // the second one once the first one is taken
+      ASSERT_TRUE(PumpUntil([&] { return Order().ends_with(name); }));
+      const auto item = ahead.Claim(server.Url("/" + name));
+      ASSERT_TRUE(item);
+      EXPECT_TRUE(item->Wait(folder / name, {}).kept);
+      EXPECT_TRUE(folder.Get(name) == full);
+      platform::RemoveFile(folder / name);
+    }
+    ahead.Stop();
+  }
+}
+
 // Its answer begins only when it is waited for.
 TEST_F(AheadTest, WhatProvesTooLargeWhenItsTurnHasComeIsFetchedForItself) {
   const std::string large = Body(5'000);
