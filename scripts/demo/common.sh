@@ -9,7 +9,11 @@ lists=$demo/lists # of digests: the package's own, and the parts of it that are 
 
 say() { printf '%s\n' "$*"; }
 step() { printf '\n== %s (%d s)\n' "$1" "$SECONDS"; }
+on_failure=: # a command that is run once before the end
 fail() {
+  local last=$on_failure
+  on_failure=:
+  $last
   printf 'demo: %s\ndemo: the logs are in %s\n' "$*" "$demo" >&2
   exit 1
 }

@@ -5,6 +5,7 @@ launcher_program=$PWD/build/windows/bin/launcher.exe
 layout=$PWD/src/ui/win32/layout_main.cpp
 main_window=
 pictures=0
+on_failure=picture_of_failure
 
 visible() { xdotool search --onlyvisible --name "$1" 2>/dev/null || true; }
 first_visible() { visible "$1" | head -n 1; }
@@ -59,6 +60,8 @@ face_picture() { # face_picture NAME [WINDOW | game]
   pictures=$((pictures + 1))
   import -window "$window" "$demo/$(printf %02d $pictures)-$1.png" || fail "no picture of $1"
 }
+
+picture_of_failure() { [ -z "$main_window" ] || (face_picture failure) || true; }
 
 question() { first_visible '^¡ATENCIÓN! Lea con cuidado\.$'; }
 is_question() { [ -n "$(question)" ]; }
