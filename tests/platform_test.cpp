@@ -86,6 +86,15 @@ TEST(Files, AnOutputFileAppearsWholeOrNotAtAll) {
   EXPECT_EQ(ListTree(folder.Path()), (std::vector<FoundFile>{{"a"}, {"b"}}));
 }
 
+TEST(Files, AListingEndsWhenToldTo) {
+  const TempFolder folder;
+  folder.Put("file", "1");
+  std::stop_source source;
+  EXPECT_EQ(ListTree(folder.Path(), source.get_token()).size(), 1u);
+  source.request_stop();
+  EXPECT_TRUE(ListTree(folder.Path(), source.get_token()).empty());
+}
+
 TEST(Files, AFolderIsProbedForWriting) {
   const TempFolder folder;
   folder.Put("file", "1");

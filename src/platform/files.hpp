@@ -5,6 +5,7 @@
 #include <memory>
 #include <optional>
 #include <span>
+#include <stop_token>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,8 +84,8 @@ struct FoundFile {
   bool operator==(const FoundFile&) const = default;
 };
 // Every file below `folder`, sub-folders included, sorted; links and junctions are neither followed nor
-// listed.
-std::vector<FoundFile> ListTree(const std::string& folder);
+// listed. Those of the folders that were reached when `stop` is requested.
+std::vector<FoundFile> ListTree(const std::string& folder, std::stop_token stop = {});
 
 // A file read in pieces.
 class InputFile {

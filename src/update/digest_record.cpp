@@ -148,6 +148,8 @@ std::optional<util::Md5Digest> DigestRecord::Find(std::string_view inBin,
   return proofs_[at].digest;
 }
 
+void DigestRecord::Expect(std::size_t proofs) { proofs_.reserve(proofs); }
+
 void DigestRecord::Remember(std::string_view inBin, const platform::FileStamp& stamp,
                             const util::Md5Digest& digest) {
   if (const std::size_t at = IndexOf(inBin); at == kNone) {

@@ -35,6 +35,7 @@ class DigestRecord {
   void Load();  // never fails
   bool Empty() const { return proofs_.empty(); }
   std::optional<util::Md5Digest> Find(std::string_view inBin, const platform::FileStamp& stamp) const;
+  void Expect(std::size_t proofs);  // makes room for so many at once
   // What is remembered or forgotten counts once it is saved.
   void Remember(std::string_view inBin, const platform::FileStamp& stamp, const util::Md5Digest& digest);
   void Forget(std::string_view inBin);

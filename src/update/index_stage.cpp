@@ -1,7 +1,9 @@
 #include "update/index_stage.hpp"
 
 #include <algorithm>
+#include <exception>
 #include <functional>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -63,15 +65,41 @@ class FoldedNames {
 
 }  // namespace
 
+// What lies below a folder, found out while something else goes on.
+class IndexStage::Listing {
+ public:
+  explicit Listing(const std::string& folder)
+      : thread_([this, folder](std::stop_token stop) {
+          try {
+            found_ = platform::ListTree(folder, stop);
+          } catch (...) {
+            failure_ = std::current_exception();
+          }
+        }) {}
+
+  // Waits for its end; to be called once.
+  std::vector<platform::FoundFile> Take() {
+    thread_.join();
+    if (failure_) std::rethrow_exception(failure_);
+    return std::move(found_);
+  }
+
+ private:
+  std::vector<platform::FoundFile> found_;
+  std::exception_ptr failure_;
+  std::jthread thread_;  // last: stopped before what it fills goes away
+};
+
 IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
                        Trust& trust, modCompression& compression)
     : services_(services), frmMain_(frmMain), download_(download), trust_(trust), compression_(compression) {}
 
+IndexStage::~IndexStage() = default;
+
 bool IndexStage::Fetch() {
   index_ = IndexFile();
   fetched_.clear();
-  if (services_.flags.FolderWritable)
-    inBin_ = std::async(std::launch::async, platform::ListTree, services_.folders.BinDir);
+  if (services_.flags.FolderWritable) inBin_ = std::make_unique<Listing>(services_.folders.BinDir);
   modCompression::Outcome taken;
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, {.judge = [&](const std::string& packed) { return Take(packed, taken); }});
@@ -110,8 +138,9 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() {
+  const std::unique_ptr<Listing> inBin = std::move(inBin_);
   const bool namesAny = index_.Count() > index_.RefusedCount();
-  if (!services_.flags.FolderWritable || !index_.ReadWholly() || !namesAny) return;
+  if (!inBin || !index_.ReadWholly() || !namesAny) return;
   if (!IsFolderItself(services_.folders.BinDir)) return;
   const bool developmentCopy =
       platform::IsFolder(services_.folders.BinDir + platform::NativePath("\\CODIGOS")) ||
@@ -119,7 +148,7 @@ void IndexStage::RemoveForeignFiles() {
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
     const FoldedNames named(index_);
-    const std::vector<platform::FoundFile> found = inBin_.get();
+    const std::vector<platform::FoundFile> found = inBin->Take();
     const std::string record = Folded(kRecordName);
     const std::size_t pieces = (found.size() + kFilesAtOnce - 1) / kFilesAtOnce;
     util::ForEachParallel(pieces, [&](std::size_t piece) {
@@ -216,6 +245,7 @@ std::optional<std::string> IndexStage::PublishedDigest(std::string_view inBin) c
 }
 
 void IndexStage::Remember(Verification& verification, DigestRecord& proved) {
+  proved.Expect(index_.Count());
   for (std::size_t i = 0; i < index_.Count(); ++i) {
     const IndexRecord record = index_[i];
     if (!Wanted(record)) continue;

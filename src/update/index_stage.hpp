@@ -2,7 +2,7 @@
 
 #include <deque>
 #include <functional>
-#include <future>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -26,6 +26,7 @@ class IndexStage {
  public:
   IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
              Trust& trust, modCompression& compression);
+  ~IndexStage();
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
@@ -47,6 +48,8 @@ class IndexStage {
   std::optional<std::string> PublishedDigest(std::string_view inBin) const;
 
  private:
+  class Listing;
+
   // How far the files of one verification have been fetched again.
   struct Progress {
     std::deque<std::size_t> damaged;  // records that are known to need their file; behind the present one
@@ -67,7 +70,7 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
-  std::future<std::vector<platform::FoundFile>> inBin_;   // listed while the index is on its way
+  std::unique_ptr<Listing> inBin_;                        // of the index that is on its way, or was read last
   std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 

@@ -257,10 +257,10 @@ std::vector<FolderEntry> ListFolder(const std::string& folder) {
   return found;
 }
 
-std::vector<FoundFile> ListTree(const std::string& folder) {
+std::vector<FoundFile> ListTree(const std::string& folder, std::stop_token stop) {
   std::vector<FoundFile> found;
   std::vector<std::string> folders{""};  // relative, each with its trailing separator
-  while (!folders.empty()) {
+  while (!folders.empty() && !stop.stop_requested()) {
     const std::string relative = std::move(folders.back());
     folders.pop_back();
     const std::string path = relative.empty() ? folder : folder + "\\" + relative;
