@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <ctime>
 #include <sstream>
 
 #include "publisher/mirror_server.hpp"
@@ -16,6 +17,7 @@ struct SignedRelease : testing::Test {
     pub.game.Put("RECURSOS/MAPAS1/1.map", "uno");
     publicKey = pub.Keygen(key);
     EXPECT_EQ(pub.Release({"--key", key}), 0) << pub.err;
+    run.machine.clock.unixTime = std::time(nullptr);  // by which the publisher has signed
     publisher::ServeOptions options;
     options.port = 0;
     server = std::make_unique<publisher::MirrorServer>(publisher::Layout(pub.Root()), options, console);
