@@ -14,6 +14,10 @@ const std::string kList = "/web/include/info.php";
 const std::string kNews = "/web/include/noticiasbase.php";
 const std::string kTwoServers = "1@Alpha@online@x@5@37@@8|2@Beta@OFFLINE@y@6@0@Mantenimiento@9";
 
+// Asking ends with the answer to the last attempt: one that is given up may reach the server, and be counted,
+// later.
+const web::ScriptBudget kEveryAttempt{std::chrono::minutes(1)};
+
 constexpr controls::Colour kRed = 255, kGreen = 65280;
 
 class ServerListTest : public testing::Test {
@@ -148,6 +152,7 @@ TEST_F(ServerListTest, WhatCannotBeReadIsToldOncePerAnswer) {
 }
 
 TEST_F(ServerListTest, PlayerCountsLiveAndABadAnswerLeavesThem) {
+  world.scripts = kEveryAttempt;
   server.On(kNews, support::Text("1||T|t@"));
   const struct {
     Answer answer;
@@ -176,6 +181,7 @@ TEST_F(ServerListTest, NewsThatFailAreAskedForLaterAndLater) {
     WebWorld fresh;
     fresh.Mirror(1, server.Url(kPath));
     fresh.Use(server.Url(kPath));
+    fresh.scripts = kEveryAttempt;
     server.On(kNews, failing);
     server.Forget();
     int asked = 0;  // ticks, of the 300 in ten minutes
