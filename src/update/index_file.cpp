@@ -14,19 +14,17 @@
 namespace update {
 namespace {
 
-constexpr std::size_t kDigestSize = 32, kLengthSize = 2;
+constexpr std::size_t kCountSize = 4, kDigestSize = 32, kLengthSize = 2;
 constexpr std::string_view kBinFolder = "Bin/", kNoDigest = "not found";
 
 // Small reads out of a large buffer.
 class Reader {
  public:
-  explicit Reader(const std::string& path) : file_(path), left_(file_.Size()) {}
-  std::uint64_t Left() const { return left_; }
+  explicit Reader(const std::string& path) : file_(path) {}
+  std::uint64_t Size() const { return file_.Size(); }
 
   // Good until the next is taken.
   std::string_view Take(std::size_t count) {
-    if (count > left_) throw base::RuntimeError(base::ErrorNumber::InputPastEndOfFile);
-    left_ -= count;
     if (count <= filled_ - at_) return Piece(count);
     across_.clear();
     while (across_.size() < count) {
@@ -60,7 +58,6 @@ class Reader {
   }
 
   platform::InputFile file_;
-  std::uint64_t left_;
   std::array<std::byte, 64 * 1024> buffer_;
   std::size_t at_ = 0, filled_ = 0;
   std::string across_;  // what the buffer does not hold as a whole
@@ -108,15 +105,16 @@ void IndexFile::Add(std::string_view digest, std::string_view rawPath) {
 void IndexFile::Read(const std::string& path) {
   *this = IndexFile();
   Reader reader(path);
-  const auto count = static_cast<std::int32_t>(reader.TakeNumber(4));
+  const auto count = static_cast<std::int32_t>(reader.TakeNumber(kCountSize));
+  const std::uint64_t room = reader.Size() - kCountSize;
   if (count < 0 || static_cast<std::size_t>(count) > kMostRecords ||
-      static_cast<std::uint64_t>(count) > reader.Left() / (kDigestSize + kLengthSize)) {
+      static_cast<std::uint64_t>(count) > room / (kDigestSize + kLengthSize)) {
     throw base::RuntimeError(base::ErrorNumber::Overflow);
   }
   const auto records = static_cast<std::size_t>(count);
   entries_.reserve(records);
-  names_.reserve(static_cast<std::size_t>(std::min<std::uint64_t>(
-      reader.Left() - records * (kDigestSize + kLengthSize), records * base::kLongestName)));
+  names_.reserve(static_cast<std::size_t>(
+      std::min<std::uint64_t>(room - records * (kDigestSize + kLengthSize), records * base::kLongestName)));
   for (std::int32_t i = 0; i < count; ++i) {
     const std::string digest(reader.Take(kDigestSize));
     const std::uint32_t length = reader.TakeNumber(kLengthSize);
