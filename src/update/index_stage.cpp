@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
+#include <stop_token>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -77,8 +78,9 @@ class IndexStage::Listing {
           }
         }) {}
 
-  // Waits for its end; to be called once.
-  std::vector<platform::FoundFile> Take() {
+  // Waits for its end, or for about that of one folder once `stop` is requested; to be called once.
+  std::vector<platform::FoundFile> Take(std::stop_token stop) {
+    const std::stop_callback ended(stop, [this] { thread_.request_stop(); });
     thread_.join();
     if (failure_) std::rethrow_exception(failure_);
     return std::move(found_);
@@ -148,7 +150,7 @@ void IndexStage::RemoveForeignFiles() {
   if (developmentCopy) return;
   startup::RunBlocking(services_, [&](std::stop_token stop) {
     const FoldedNames named(index_);
-    const std::vector<platform::FoundFile> found = inBin->Take();
+    const std::vector<platform::FoundFile> found = inBin->Take(stop);
     const std::string record = Folded(kRecordName);
     const std::size_t pieces = (found.size() + kFilesAtOnce - 1) / kFilesAtOnce;
     util::ForEachParallel(pieces, [&](std::size_t piece) {
