@@ -1,10 +1,8 @@
 #include "update/index_stage.hpp"
 
 #include <algorithm>
-#include <exception>
 #include <functional>
 #include <stop_token>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -66,42 +64,14 @@ class FoldedNames {
 
 }  // namespace
 
-// What lies below a folder, found out while something else goes on.
-class IndexStage::Listing {
- public:
-  explicit Listing(const std::string& folder)
-      : thread_([this, folder](std::stop_token stop) {
-          try {
-            found_ = platform::ListTree(folder, stop);
-          } catch (...) {
-            failure_ = std::current_exception();
-          }
-        }) {}
-
-  // Waits for its end, or for about that of one folder once `stop` is requested; to be called once.
-  std::vector<platform::FoundFile> Take(std::stop_token stop) {
-    const std::stop_callback ended(stop, [this] { thread_.request_stop(); });
-    thread_.join();
-    if (failure_) std::rethrow_exception(failure_);
-    return std::move(found_);
-  }
-
- private:
-  std::vector<platform::FoundFile> found_;
-  std::exception_ptr failure_;
-  std::jthread thread_;  // last: stopped before what it fills goes away
-};
-
 IndexStage::IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
                        Trust& trust, modCompression& compression)
     : services_(services), frmMain_(frmMain), download_(download), trust_(trust), compression_(compression) {}
 
-IndexStage::~IndexStage() = default;
-
 bool IndexStage::Fetch() {
   index_ = IndexFile();
   fetched_.clear();
-  if (services_.flags.FolderWritable) inBin_ = std::make_unique<Listing>(services_.folders.BinDir);
+  if (services_.flags.FolderWritable) inBin_ = std::make_unique<TreeListing>(services_.folders.BinDir);
   modCompression::Outcome taken;
   const Fetched fetched = download_.DescargarArchivo(
       kIndexName, false, {.judge = [&](const std::string& packed) { return Take(packed, taken); }});
@@ -140,7 +110,7 @@ void IndexStage::NoteRefusals() const {
 }
 
 void IndexStage::RemoveForeignFiles() {
-  const std::unique_ptr<Listing> inBin = std::move(inBin_);
+  const std::unique_ptr<TreeListing> inBin = std::move(inBin_);
   const bool namesAny = index_.Count() > index_.RefusedCount();
   if (!inBin || !index_.ReadWholly() || !namesAny) return;
   if (!IsFolderItself(services_.folders.BinDir)) return;

@@ -16,6 +16,7 @@
 #include "update/download.hpp"
 #include "update/index_file.hpp"
 #include "update/modCompression.hpp"
+#include "update/tree_listing.hpp"
 #include "update/trust.hpp"
 #include "update/verification.hpp"
 
@@ -26,7 +27,6 @@ class IndexStage {
  public:
   IndexStage(const startup::Services& services, controls::MainWindow& frmMain, Download& download,
              Trust& trust, modCompression& compression);
-  ~IndexStage();
 
   // Fetches and reads the index. False when anything went wrong on the way; the index then holds what could
   // be read.
@@ -48,8 +48,6 @@ class IndexStage {
   std::optional<std::string> PublishedDigest(std::string_view inBin) const;
 
  private:
-  class Listing;
-
   // How far the files of one verification have been fetched again.
   struct Progress {
     std::deque<std::size_t> damaged;  // records that are known to need their file; behind the present one
@@ -70,7 +68,7 @@ class IndexStage {
   Trust& trust_;
   modCompression& compression_;
   IndexFile index_;
-  std::unique_ptr<Listing> inBin_;                        // of the index that is on its way, or was read last
+  std::unique_ptr<TreeListing> inBin_;                    // of the index that is on its way, or was read last
   std::unordered_map<std::string, std::string> fetched_;  // folded packed name to digest
 };
 
